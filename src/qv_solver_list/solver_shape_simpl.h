@@ -1,0 +1,23 @@
+// Structural operations on propositions: innermost differences of an equation, checked subterm rewriting, negation
+// normal form.
+#pragma once
+
+#include <cstddef>
+
+#include "qv_solver_list/solver_list.h"
+
+namespace vetro {
+
+solve_res solver_shape_simpl(const proof_gap_full& gap, const solve_data& sdata);
+
+// True if to arises from `from` by replacing at least one occurrence of src by dest, binder-safely. On true,
+// *rewrite_hits (may be null) is the number of places.
+bool term_matches_subterm_rewrite(term_ptr from, term_ptr to, term_ptr src, term_ptr dest, std::size_t* rewrite_hits);
+
+// Removes binders from nodes under which rewriting is not supported.
+term_ptr term_filter_rewrite_supported_binders(term_ptr t);
+
+// Negations pushed inward. Null for null.
+term_ptr solver_not_unfold_term(term_ptr t);
+
+}  // namespace vetro

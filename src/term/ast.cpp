@@ -1,0 +1,550 @@
+// The term store: one arena of nodes and one table that makes every node unique.
+//
+// A node is one block, its children inline. Metadata, parameter types and texts stand beside it, shared where equal.
+// Hashes are made of content only, never of addresses, so that a run is the same on every machine.
+#include "term/ast.h"
+
+#include <algorithm>
+#include <cassert>
+#include <cstring>
+#include <limits>
+#include <new>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "term/state.h"
+
+namespace vetro {
+namespace {
+
+constexpr std::size_t chunk_bytes = 256 * 1024;
+constexpr std::uint32_t saturated = std::numeric_limits<std::uint32_t>::max();
+
+constexpr std::uint64_t mix(std::uint64_t hash, std::uint64_t value) {
+  hash ^= value + 0x9e3779b97f4a7c15ULL + (hash << 6U) + (hash >> 2U);
+  hash *= 0xff51afd7ed558ccdULL;
+  return hash ^ (hash >> 32U);
+}
+
+std::uint64_t hash_text(std::string_view text) {
+  std::uint64_t hash = 0xcbf29ce484222325ULL;
+  for (const char c : text) {
+    hash = (hash ^ static_cast<unsigned char>(c)) * 0x100000001b3ULL;
+  }
+  return mix(hash, text.size());
+}
+
+std::uint32_t saturating_add(std::uint32_t a, std::uint32_t b) { return a > saturated - b ? saturated : a + b; }
+
+// Bump allocation; everything is released at once.
+class arena {
+ public:
+  void* take(std::size_t bytes, std::size_t alignment) {
+    std::size_t start = (used_ + alignment - 1) & ~(alignment - 1);
+    if (chunks_.empty() || start + bytes > limit_) {
+      limit_ = std::max(chunk_bytes, bytes);
+      chunks_.push_back(std::make_unique_for_overwrite<std::byte[]>(limit_));
+      total_ += limit_;
+      start = 0;
+    }
+    used_ = start + bytes;
+    return chunks_.back().get() + start;
+  }
+  std::size_t total() const { return total_; }
+
+ private:
+  std::vector<std::unique_ptr<std::byte[]>> chunks_;
+  std::size_t used_ = 0;
+  std::size_t limit_ = 0;
+  std::size_t total_ = 0;
+};
+
+bool same_meta(const term_meta* a, const term_meta* b) {
+  if (a == b) {
+    return true;
+  }
+  return a != nullptr && b != nullptr && a->scope == b->scope && a->soft == b->soft && a->binders == b->binders;
+}
+
+}  // namespace
+
+// ---- Reading a node.
+
+std::string_view term::name() const {
+  assert(type_ == Var);
+  return text_;
+}
+
+const_type term::constant() const {
+  assert(type_ == Const);
+  return static_cast<const_type>(code_);
+}
+
+std::int32_t term::integer() const {
+  assert(type_ == Const);
+  return integer_;
+}
+
+std::string_view term::decimal() const {
+  assert(type_ == Const && code_ == Decimal);
+  return text_;
+}
+
+oper_type term::oper() const {
+  assert(type_ == Oper);
+  return static_cast<oper_type>(code_);
+}
+
+pred_type term::pred() const {
+  assert(type_ == Pred);
+  return static_cast<pred_type>(code_);
+}
+
+connect_type term::connect() const {
+  assert(type_ == Connect);
+  return static_cast<connect_type>(code_);
+}
+
+pattern_type term::pattern() const {
+  assert(type_ == Pattern);
+  return static_cast<pattern_type>(code_);
+}
+
+quant_type term::quant() const {
+  assert(type_ == Quant);
+  return static_cast<quant_type>(code_);
+}
+
+term_ptr term::left() const {
+  assert(type_ == Apply);
+  return child_array()[0];
+}
+
+term_ptr term::right() const {
+  assert(type_ == Apply);
+  return child_array()[1];
+}
+
+term_span term::vars() const {
+  assert(type_ == Lambda || type_ == Quant || type_ == FreeVarTag);
+  return children().subspan(type_ == Lambda ? 2 : 1);
+}
+
+const lambda_var_type_list& term::var_types() const {
+  assert(type_ == Lambda);
+  return *types_;
+}
+
+term_ptr term::condition() const {
+  assert(type_ == Lambda);
+  return child_array()[0];
+}
+
+term_ptr term::body() const {
+  assert(type_ == Lambda || type_ == Quant || type_ == FreeVarTag);
+  return child_array()[type_ == Lambda ? 1 : 0];
+}
+
+term_span term::elements() const {
+  assert(type_ == TermList);
+  return children();
+}
+
+const term_meta& term::meta() const {
+  static const term_meta none;
+  return meta_ == nullptr ? none : *meta_;
+}
+
+std::uint64_t name_bit(std::string_view name) { return 1ULL << (hash_text(name) >> 58U); }
+
+// ---- The store.
+
+struct term_store::impl {
+  arena memory;
+  std::vector<term*> table = std::vector<term*>(4096, nullptr);
+  std::size_t used = 0;
+  std::uint32_t serial = 0;
+  std::unordered_set<std::string_view> texts;
+  std::vector<std::unique_ptr<term_meta>> metas;
+  std::vector<std::unique_ptr<lambda_type>> lambda_types;
+  std::vector<std::unique_ptr<lambda_var_type_list>> type_lists;
+
+  void grow() {
+    std::vector<term*> wider(table.size() * 2, nullptr);
+    for (term* node : table) {
+      if (node == nullptr) {
+        continue;
+      }
+      std::size_t slot = node->hash_ & (wider.size() - 1);
+      while (wider[slot] != nullptr) {
+        slot = (slot + 1) & (wider.size() - 1);
+      }
+      wider[slot] = node;
+    }
+    table.swap(wider);
+  }
+};
+
+term_store::term_store() : impl_(std::make_unique<impl>()) {}
+
+term_store::~term_store() = default;
+
+std::size_t term_store::bytes() const { return impl_->memory.total() + impl_->table.size() * sizeof(term*); }
+
+std::string_view term_store::text(std::string_view text) {
+  const auto found = impl_->texts.find(text);
+  if (found != impl_->texts.end()) {
+    return *found;
+  }
+  char* copy = static_cast<char*>(impl_->memory.take(text.size() + 1, 1));
+  std::copy(text.begin(), text.end(), copy);
+  copy[text.size()] = '\0';
+  return *impl_->texts.emplace(copy, text.size()).first;
+}
+
+lambda_type_ptr term_store::lambda(lambda_type type) {
+  for (const auto& known : impl_->lambda_types) {
+    if (known->kind == type.kind && known->base == type.base && known->param_type == type.param_type &&
+        known->return_type == type.return_type) {
+      return known.get();
+    }
+  }
+  impl_->lambda_types.push_back(std::make_unique<lambda_type>(type));
+  return impl_->lambda_types.back().get();
+}
+
+const lambda_var_type_list* term_store::types(const lambda_var_type_list& list) {
+  for (const auto& known : impl_->type_lists) {
+    if (*known == list) {
+      return known.get();
+    }
+  }
+  impl_->type_lists.push_back(std::make_unique<lambda_var_type_list>(list));
+  return impl_->type_lists.back().get();
+}
+
+term_ptr term_store::intern(const content& c, const term_meta* meta) {
+  ++calls_;
+  if (meta != nullptr && meta->empty()) {
+    meta = nullptr;
+  }
+  const std::size_t first = c.children.size();
+  const std::size_t count = first + c.more.size();
+  const auto child = [&](std::size_t i) { return i < first ? c.children[i] : c.more[i - first]; };
+
+  std::uint64_t hash = mix(static_cast<std::uint64_t>(c.type) << 32U | static_cast<std::uint16_t>(c.code),
+                           static_cast<std::uint32_t>(c.integer));
+  if (!c.text.empty()) {
+    hash = mix(hash, hash_text(c.text));
+  }
+  for (std::size_t i = 0; i < count; ++i) {
+    hash = mix(hash, child(i) == nullptr ? 7 : child(i)->hash_);
+  }
+  if (meta != nullptr) {
+    for (term_ptr binder : meta->binders) {
+      hash = mix(hash, binder->hash_ + 1);
+    }
+    if (meta->scope != nullptr) {
+      hash = mix(hash, meta->scope->hash_ + 2);
+    }
+  }
+
+  std::vector<term*>& table = impl_->table;
+  std::size_t slot = hash & (table.size() - 1);
+  for (; table[slot] != nullptr; slot = (slot + 1) & (table.size() - 1)) {
+    const term& node = *table[slot];
+    if (node.hash_ != hash || node.type_ != c.type || node.code_ != c.code || node.integer_ != c.integer ||
+        node.child_count_ != count || node.text_ != c.text || node.types_ != c.types || !same_meta(node.meta_, meta)) {
+      continue;
+    }
+    bool same = true;
+    for (std::size_t i = 0; i < count && same; ++i) {
+      same = node.child_array()[i] == child(i);
+    }
+    if (same) {
+      return &node;
+    }
+  }
+
+  term* node = static_cast<term*>(impl_->memory.take(sizeof(term) + count * sizeof(term_ptr), alignof(term)));
+  new (node) term;
+  auto* children = reinterpret_cast<term_ptr*>(node + 1);
+  table[slot] = node;
+  if (++impl_->used * 2 > table.size()) {
+    impl_->grow();
+  }
+
+  node->type_ = c.type;
+  node->code_ = c.code;
+  node->integer_ = c.integer;
+  node->child_count_ = static_cast<std::uint32_t>(count);
+  node->serial_ = impl_->serial++;
+  node->hash_ = hash;
+  node->text_ = c.text.empty() ? c.text : text(c.text);
+  node->types_ = c.types;
+  node->meta_ = nullptr;
+  node->facts_ = 0;
+  node->size_ = 1;
+  node->depth_ = 0;
+  node->mask_ = c.type == Var ? name_bit(c.text) : 0;
+  node->blind_ = mix(static_cast<std::uint64_t>(c.type) << 32U | static_cast<std::uint16_t>(c.code),
+                     static_cast<std::uint32_t>(c.integer));
+  if (c.type == Const && !c.text.empty()) {
+    node->blind_ = mix(node->blind_, hash_text(c.text));
+  }
+
+  bool bare = meta == nullptr;
+  const auto absorb = [&](term_ptr part) {
+    node->facts_ |= part->facts_;
+    node->size_ = saturating_add(node->size_, part->size_);
+    node->depth_ = std::max(node->depth_, saturating_add(part->depth_, 1));
+    node->mask_ |= part->mask_;
+    node->blind_ = mix(node->blind_, part->blind_);
+  };
+  for (std::size_t i = 0; i < count; ++i) {
+    children[i] = child(i);
+    if (child(i) != nullptr) {
+      absorb(child(i));
+      bare = bare && child(i)->bare_ == child(i);
+    }
+  }
+  switch (c.type) {
+    case Lambda:
+      node->facts_ |= fact_binding | fact_lambda;
+      break;
+    case Quant:
+      node->facts_ |= fact_binding;
+      break;
+    case Pattern:
+      node->facts_ |= fact_pattern;
+      break;
+    case TermList:
+      node->facts_ |= count == 0 ? fact_empty_list : 0;
+      break;
+    default:
+      break;
+  }
+  if (meta != nullptr) {
+    impl_->metas.push_back(std::make_unique<term_meta>(*meta));
+    node->meta_ = impl_->metas.back().get();
+    node->facts_ |= fact_meta;
+    for (term_ptr binder : meta->binders) {
+      absorb(binder);
+      node->facts_ |= fact_binding;
+    }
+    if (meta->scope != nullptr) {
+      absorb(meta->scope);
+      node->facts_ |= fact_scope;
+    }
+  }
+  if (bare) {
+    node->bare_ = node;
+    return node;
+  }
+  term_list plain;
+  plain.reserve(count);
+  for (std::size_t i = 0; i < count; ++i) {
+    plain.push_back(child(i) == nullptr ? nullptr : child(i)->bare_);
+  }
+  content stripped = c;
+  stripped.children = plain;
+  stripped.more = {};
+  stripped.text = node->text_;
+  --calls_;  // the bare twin is part of this one call
+  node->bare_ = intern(stripped, nullptr);
+  return node;
+}
+
+term_ptr term_store::rebuilt(term_ptr t, const term_meta* meta) {
+  return intern({.type = t->type_,
+                 .code = t->code_,
+                 .integer = t->integer_,
+                 .text = t->text_,
+                 .types = t->types_,
+                 .children = t->children(),
+                 .more = {}},
+                meta);
+}
+
+// ---- Factory.
+
+namespace {
+
+bool any_null(term_span list) {
+  return std::any_of(list.begin(), list.end(), [](term_ptr t) { return t == nullptr; });
+}
+
+term_ptr leaf(term_type type, int code) {
+  return state().store.intern({.type = type, .code = static_cast<std::int16_t>(code)}, nullptr);
+}
+
+}  // namespace
+
+term_ptr mk_var(std::string_view name) { return state().store.intern({.type = Var, .text = name}, nullptr); }
+
+term_ptr mk_const(const_type kind) { return leaf(Const, kind); }
+
+term_ptr mk_integer(std::int32_t value) {
+  return state().store.intern({.type = Const, .code = Integer, .integer = value}, nullptr);
+}
+
+term_ptr mk_decimal(std::string_view digits) {
+  return state().store.intern({.type = Const, .code = Decimal, .text = digits}, nullptr);
+}
+
+term_ptr mk_oper(oper_type oper) { return leaf(Oper, oper); }
+
+term_ptr mk_pred(pred_type pred) { return leaf(Pred, pred); }
+
+term_ptr mk_connect(connect_type connect) { return leaf(Connect, connect); }
+
+term_ptr mk_pattern(pattern_type pattern) { return leaf(Pattern, pattern); }
+
+term_ptr mk_apply(term_ptr function, term_ptr argument) {
+  if (function == nullptr || argument == nullptr) {
+    return nullptr;
+  }
+  const term_ptr parts[] = {function, argument};
+  return state().store.intern({.type = Apply, .children = parts}, nullptr);
+}
+
+term_ptr mk_apply_all(term_ptr head, term_span arguments) {
+  for (term_ptr argument : arguments) {
+    head = mk_apply(head, argument);
+  }
+  return head;
+}
+
+term_ptr mk_lambda(term_span vars, const lambda_var_type_list& types, term_ptr condition, term_ptr body) {
+  if (body == nullptr || any_null(vars)) {
+    return nullptr;
+  }
+  const term_ptr parts[] = {condition, body};
+  term_store& store = state().store;
+  return store.intern({.type = Lambda, .types = store.types(types), .children = parts, .more = vars}, nullptr);
+}
+
+term_ptr mk_quant(quant_type quant, term_span vars, term_ptr body) {
+  if (body == nullptr || any_null(vars)) {
+    return nullptr;
+  }
+  const term_ptr parts[] = {body};
+  return state().store.intern(
+      {.type = Quant, .code = static_cast<std::int16_t>(quant), .children = parts, .more = vars}, nullptr);
+}
+
+term_ptr mk_term_list(term_span elements) {
+  return any_null(elements) ? nullptr : state().store.intern({.type = TermList, .children = elements}, nullptr);
+}
+
+term_ptr mk_free_var_tag(term_span vars, term_ptr body) {
+  if (body == nullptr || any_null(vars)) {
+    return nullptr;
+  }
+  const term_ptr parts[] = {body};
+  return state().store.intern({.type = FreeVarTag, .children = parts, .more = vars}, nullptr);
+}
+
+term_ptr with_meta(term_ptr t, const term_meta& meta) {
+  return t == nullptr || same_meta(&t->meta(), &meta) ? t : state().store.rebuilt(t, &meta);
+}
+
+term_ptr with_binders(term_ptr t, const term_list& binders) {
+  if (t == nullptr || t->binders() == binders) {
+    return t;
+  }
+  term_meta meta = t->meta();
+  meta.binders = binders;
+  return state().store.rebuilt(t, &meta);
+}
+
+term_ptr with_scope(term_ptr t, term_ptr scope) {
+  if (t == nullptr || t->scope() == scope) {
+    return t;
+  }
+  term_meta meta = t->meta();
+  meta.scope = scope;
+  return state().store.rebuilt(t, &meta);
+}
+
+term_ptr without_meta(term_ptr t) { return t == nullptr || !t->has_meta() ? t : state().store.rebuilt(t, nullptr); }
+
+std::string_view intern_text(std::string_view text) { return state().store.text(text); }
+
+// ---- Lambda types. Their external names are those of the number sets, in the same order.
+
+lambda_type_ptr make_lambda_base_type(lambda_base_type base) {
+  return state().store.lambda({LambdaTypeBase, base, nullptr, nullptr});
+}
+
+lambda_type_ptr make_lambda_func_type(lambda_type_ptr param, lambda_type_ptr ret) {
+  return state().store.lambda({LambdaTypeFunc, LambdaReal, param, ret});
+}
+
+lambda_type_ptr make_lambda_real_type() { return make_lambda_base_type(LambdaReal); }
+
+std::string_view lambda_base_type_name(lambda_base_type base) {
+  return const_type_internal(IntegerSet + static_cast<int>(base));
+}
+
+lambda_base_type lambda_base_type_from_name(std::string_view name, bool* ok) {
+  for (int base = LambdaInteger; base <= LambdaComplex; ++base) {
+    if (lambda_base_type_name(static_cast<lambda_base_type>(base)) == name) {
+      if (ok != nullptr) {
+        *ok = true;
+      }
+      return static_cast<lambda_base_type>(base);
+    }
+  }
+  if (ok != nullptr) {
+    *ok = false;
+  }
+  return LambdaReal;
+}
+
+bool lambda_var_type_list_eqb(const lambda_var_type_list& a, const lambda_var_type_list& b) { return a == b; }
+
+// ---- Heads.
+
+term_ptr name_dispatch(std::string_view word) {
+  const int number = name_number(word);
+  if (number < 0) {
+    return nullptr;
+  }
+  if (number <= Ellipsis) {
+    return mk_const(static_cast<const_type>(number));
+  }
+  if (number <= RadiusOfConvergence) {
+    return mk_oper(static_cast<oper_type>(number));
+  }
+  return number <= Defined ? mk_pred(static_cast<pred_type>(number)) : mk_connect(static_cast<connect_type>(number));
+}
+
+namespace {
+
+// A leaf that carries a scope or binders is another thing than the plain leaf.
+bool is_leaf(term_ptr t, term_type type) { return t != nullptr && t->type() == type && !t->has_meta(); }
+
+}  // namespace
+
+bool is_oper(term_ptr t, oper_type oper) { return is_leaf(t, Oper) && t->oper() == oper; }
+
+bool is_pred(term_ptr t, pred_type pred) { return is_leaf(t, Pred) && t->pred() == pred; }
+
+bool is_connect(term_ptr t, connect_type connect) { return is_leaf(t, Connect) && t->connect() == connect; }
+
+bool is_constant(term_ptr t, const_type kind) { return is_leaf(t, Const) && t->constant() == kind; }
+
+bool is_integer(term_ptr t, std::int32_t value) { return is_constant(t, Integer) && t->integer() == value; }
+
+spine spine_of(term_ptr t) {
+  spine result{t, {}};
+  while (is_apply(result.head)) {
+    result.args.push_back(result.head->right());
+    result.head = result.head->left();
+  }
+  std::reverse(result.args.begin(), result.args.end());
+  return result;
+}
+
+}  // namespace vetro

@@ -1,0 +1,256 @@
+// The one node of every formula, and the factory that builds it.
+//
+// A term is immutable and lives in the store of the process until the process ends (or a test resets the store). The
+// store is unique: building the same node twice (content, binders, scope, soft type) gives the same address. Nobody
+// owns a term; a copy is a pointer. A null pointer stands for a formula that is not there.
+//
+// Three identities:
+//   whole   a == b
+//   exact   a->bare() == b->bare()      ignores binders, scope and soft types everywhere (term_eqb_pure)
+//   alpha   term_eqb(a, b)              up to bound names, looks at binders and scopes
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+#include <span>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "term/kinds.h"
+
+namespace vetro {
+
+class term;
+using term_ptr = const term*;
+using term_list = std::vector<term_ptr>;  // the empty list is the null list
+using term_span = std::span<const term_ptr>;
+
+enum lambda_type_kind : std::uint8_t { LambdaTypeBase = 0, LambdaTypeFunc = 1 };
+
+enum lambda_base_type : std::uint8_t {
+  LambdaInteger = 0,
+  LambdaPosInteger,
+  LambdaNegInteger,
+  LambdaNonPosInteger,
+  LambdaNonNegInteger,
+  LambdaRational,
+  LambdaPosRational,
+  LambdaNegRational,
+  LambdaNonPosRational,
+  LambdaNonNegRational,
+  LambdaReal,
+  LambdaPosReal,
+  LambdaNegReal,
+  LambdaNonPosReal,
+  LambdaNonNegReal,
+  LambdaComplex
+};
+
+// The type of a lambda parameter. Interned like terms: equal types have equal addresses.
+struct lambda_type {
+  lambda_type_kind kind;
+  lambda_base_type base;           // for LambdaTypeBase
+  const lambda_type* param_type;   // for LambdaTypeFunc
+  const lambda_type* return_type;  // for LambdaTypeFunc
+};
+using lambda_type_ptr = const lambda_type*;
+using lambda_var_type_list = std::vector<lambda_type_ptr>;
+
+enum stype : std::uint8_t {
+  ST_Set = 0,
+  ST_Func = 1,
+  ST_Num = 2,
+  ST_Matrix = 3,
+  ST_Prop = 4,
+  ST_Tuple = 5,
+  ST_Seq = 6,
+  ST_Unknown = 7
+};
+
+// Carried along with a term and never looked at. Nothing in this program assigns one.
+struct soft_type {
+  stype type;
+  const soft_type* first;   // element, parameter or key type
+  const soft_type* second;  // return type
+  int rows;
+  int cols;
+  std::string_view key;
+};
+
+// What stands on a node beside its content. Absent on most nodes.
+struct term_meta {
+  term_list binders;         // variables that the node binds by its meaning
+  term_ptr scope = nullptr;  // side condition written behind the term
+  const soft_type* soft = nullptr;
+  bool empty() const { return binders.empty() && scope == nullptr && soft == nullptr; }
+};
+
+// Facts of a node that are known when it is built. Each may say "maybe" too often, never "no" wrongly.
+enum term_fact : std::uint8_t {
+  fact_binding = 1,      // a Lambda, a Quant or binders somewhere inside (scope and binders included)
+  fact_meta = 2,         // binders, scope or soft type somewhere inside
+  fact_scope = 4,        // a scope somewhere inside
+  fact_pattern = 8,      // a Pattern leaf somewhere inside
+  fact_lambda = 16,      // a Lambda somewhere inside
+  fact_empty_list = 32,  // a TermList without elements somewhere inside
+};
+
+class term {
+ public:
+  term_type type() const { return type_; }
+
+  // Content by variant. Reading another variant's content is a broken invariant.
+  std::string_view name() const;     // Var
+  const_type constant() const;       // Const
+  std::int32_t integer() const;      // Const of kind Integer (0 for the other kinds)
+  std::string_view decimal() const;  // Const of kind Decimal
+  oper_type oper() const;
+  pred_type pred() const;
+  connect_type connect() const;
+  pattern_type pattern() const;
+  quant_type quant() const;
+  term_ptr left() const;                          // Apply
+  term_ptr right() const;                         // Apply
+  term_span vars() const;                         // Lambda, Quant, FreeVarTag
+  const lambda_var_type_list& var_types() const;  // Lambda; a type missing at the end means RealSet
+  term_ptr condition() const;                     // Lambda; null when there is none
+  term_ptr body() const;                          // Lambda, Quant, FreeVarTag
+  term_span elements() const;                     // TermList
+
+  // Children of any variant in storage order: Apply left, right; Lambda condition (may be null), body, vars; Quant
+  // body, vars; TermList elements; FreeVarTag body, vars. Metadata is not among them.
+  term_span children() const { return {child_array(), child_count_}; }
+
+  // Metadata.
+  bool has_meta() const { return meta_ != nullptr; }
+  const term_meta& meta() const;  // an empty record when there is none
+  const term_list& binders() const { return meta().binders; }
+  term_ptr scope() const { return meta_ == nullptr ? nullptr : meta_->scope; }
+
+  // The same term with all metadata removed at every node; this itself when there is none.
+  term_ptr bare() const { return bare_; }
+
+  std::uint64_t hash() const { return hash_; }  // of the whole node: content and metadata
+  // Equal for terms that term_eqb holds equal under some environment.
+  std::uint64_t blind_hash() const { return blind_; }
+  std::uint32_t size() const { return size_; }  // nodes as a tree, metadata included; saturates at 2^32 - 1
+  std::uint32_t depth() const { return depth_; }
+  bool has(term_fact fact) const { return (facts_ & fact) != 0; }
+  std::uint64_t name_mask() const { return mask_; }  // bits of all variable names inside, bound ones and metadata too
+  std::uint32_t serial() const { return serial_; }   // order of building; for tables only, never for output order
+
+ private:
+  friend class term_store;
+  term_type type_;
+  std::int16_t code_;
+  std::uint8_t facts_;
+  std::uint32_t child_count_;
+  std::int32_t integer_;
+  std::uint32_t size_;
+  std::uint32_t depth_;
+  std::uint32_t serial_;
+  std::uint64_t hash_;
+  std::uint64_t blind_;
+  std::uint64_t mask_;
+  std::string_view text_;
+  const lambda_var_type_list* types_;
+  const term_meta* meta_;
+  term_ptr bare_;
+  // The children follow the node in the same block.
+  const term_ptr* child_array() const { return reinterpret_cast<const term_ptr*>(this + 1); }
+};
+
+// The mask bit of a variable name. A name whose bit is not in name_mask() does not occur in the term.
+std::uint64_t name_bit(std::string_view name);
+
+// ---- Factory. Each gives the unique node. A null child gives null, except for the condition of a Lambda.
+
+term_ptr mk_var(std::string_view name);
+term_ptr mk_const(const_type kind);  // any kind but Integer and Decimal
+term_ptr mk_integer(std::int32_t value);
+term_ptr mk_decimal(std::string_view digits);
+term_ptr mk_oper(oper_type oper);
+term_ptr mk_pred(pred_type pred);
+term_ptr mk_connect(connect_type connect);
+term_ptr mk_pattern(pattern_type pattern);
+term_ptr mk_apply(term_ptr function, term_ptr argument);
+term_ptr mk_apply_all(term_ptr head, term_span arguments);  // one Apply for each argument
+term_ptr mk_lambda(term_span vars, const lambda_var_type_list& types, term_ptr condition, term_ptr body);
+term_ptr mk_quant(quant_type quant, term_span vars, term_ptr body);
+term_ptr mk_term_list(term_span elements);
+term_ptr mk_free_var_tag(term_span vars, term_ptr body);
+
+// The same content with other metadata; null gives null.
+term_ptr with_meta(term_ptr t, const term_meta& meta);
+term_ptr with_binders(term_ptr t, const term_list& binders);
+term_ptr with_scope(term_ptr t, term_ptr scope);
+term_ptr without_meta(term_ptr t);  // at this node only; bare() removes it everywhere
+
+lambda_type_ptr make_lambda_base_type(lambda_base_type base);
+lambda_type_ptr make_lambda_func_type(lambda_type_ptr param, lambda_type_ptr ret);
+lambda_type_ptr make_lambda_real_type();
+std::string_view lambda_base_type_name(lambda_base_type base);
+// Accepts the printed names only, no further spellings. *ok may be null; an unknown name gives LambdaReal.
+lambda_base_type lambda_base_type_from_name(std::string_view name, bool* ok);
+bool lambda_var_type_list_eqb(const lambda_var_type_list& a, const lambda_var_type_list& b);
+
+// The leaf of a word, or null when the word is an ordinary variable. Case counts.
+term_ptr name_dispatch(std::string_view word);
+
+// Text that lives as long as the store.
+std::string_view intern_text(std::string_view text);
+
+// ---- Short forms for code that builds and tests heads.
+
+inline bool is_var(term_ptr t) { return t != nullptr && t->type() == Var; }
+inline bool is_apply(term_ptr t) { return t != nullptr && t->type() == Apply; }
+bool is_oper(term_ptr t, oper_type oper);  // the leaf itself, without scope or binders
+bool is_pred(term_ptr t, pred_type pred);
+bool is_connect(term_ptr t, connect_type connect);
+bool is_constant(term_ptr t, const_type kind);
+bool is_integer(term_ptr t, std::int32_t value);
+
+// Head and arguments of the left spine. For a term that is no Apply: the term and no arguments.
+struct spine {
+  term_ptr head;
+  term_list args;
+};
+spine spine_of(term_ptr t);
+
+// ---- The store.
+
+class term_store {
+ public:
+  term_store();
+  ~term_store();
+  term_store(const term_store&) = delete;
+  term_store& operator=(const term_store&) = delete;
+
+  struct content {
+    term_type type;
+    std::int16_t code = 0;
+    std::int32_t integer = 0;
+    std::string_view text = {};
+    const lambda_var_type_list* types = nullptr;
+    term_span children = {};
+    term_span more = {};  // further children behind the first span
+  };
+  term_ptr intern(const content& c, const term_meta* meta);
+  term_ptr rebuilt(term_ptr t, const term_meta* meta);  // same content, other metadata
+  std::string_view text(std::string_view text);
+  lambda_type_ptr lambda(lambda_type type);
+  const lambda_var_type_list* types(const lambda_var_type_list& list);
+
+  // Calls of the factory since the start, hits included, so that the count does not depend on what ran before.
+  std::uint64_t calls() const { return calls_; }
+  std::size_t bytes() const;
+
+ private:
+  struct impl;
+  std::unique_ptr<impl> impl_;
+  std::uint64_t calls_ = 0;
+};
+
+}  // namespace vetro

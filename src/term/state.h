@@ -1,0 +1,33 @@
+// All state that lives as long as the process: the store, the compiled patterns and the counters of fresh names.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <string_view>
+
+#include "term/ast.h"
+
+namespace vetro {
+
+struct pattern_cache;  // pattern_match.cpp
+
+struct process_state {
+  process_state();
+  ~process_state();
+  term_store store;
+  std::unique_ptr<pattern_cache> patterns;
+  int fresh_counter = 0;                 // fresh(): never goes back
+  int placeholder_counter = 1000000000;  // "qvar" numbers of get_prop
+};
+
+// The state of this process.
+process_state& state();
+
+// Throws away every term, pattern and counter. Only for tests: all term pointers become invalid.
+void reset_state();
+
+// Runs the function on a stack large enough for the deepest input that the reader accepts, and gives its result.
+int run_on_large_stack(const std::function<int()>& function);
+
+}  // namespace vetro
