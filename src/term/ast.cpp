@@ -269,6 +269,7 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
   term* node = static_cast<term*>(impl_->memory.take(sizeof(term) + count * sizeof(term_ptr), alignof(term)));
   new (node) term;
   auto* children = reinterpret_cast<term_ptr*>(node + 1);
+  node->hash_ = hash;  // growing the table reads it
   table[slot] = node;
   if (++impl_->used * 2 > table.size()) {
     impl_->grow();
@@ -279,8 +280,7 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
   node->integer_ = c.integer;
   node->child_count_ = static_cast<std::uint32_t>(count);
   node->serial_ = impl_->serial++;
-  node->hash_ = hash;
-  node->text_ = c.text.empty() ? c.text : text(c.text);
+  node->text_ = c.text.empty() ? std::string_view("") : text(c.text);
   node->types_ = c.types;
   node->meta_ = nullptr;
   node->facts_ = 0;

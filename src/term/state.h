@@ -5,6 +5,7 @@
 #include <functional>
 #include <memory>
 #include <string_view>
+#include <unordered_map>
 
 #include "term/ast.h"
 
@@ -17,8 +18,9 @@ struct process_state {
   ~process_state();
   term_store store;
   std::unique_ptr<pattern_cache> patterns;
-  int fresh_counter = 0;                 // fresh(): never goes back
-  int placeholder_counter = 1000000000;  // "qvar" numbers of get_prop
+  std::unordered_map<term_ptr, std::uint64_t> alpha_hashes;  // of the terms with bindings that were asked for
+  int fresh_counter = 0;                                     // fresh(): never goes back
+  int placeholder_counter = 1000000000;                      // "qvar" numbers of get_prop
 };
 
 // The state of this process.
