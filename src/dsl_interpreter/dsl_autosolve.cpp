@@ -1,5 +1,5 @@
 // autosolve: closes the goal with the automatic solvers, from the hypotheses that the script selects.
-#include "dsl_interpreter/dsl_execute.h"
+#include "dsl_interpreter/dsl_handler.h"
 
 namespace vetro {
 namespace {
@@ -16,7 +16,7 @@ bool select_hypotheses(const dsl_execute_data& data, const dsl_auto_solve& inst,
 }  // namespace
 
 dsl_result execute_solver(dsl_execute_data& data) {
-  const auto& inst = *std::get_if<dsl_auto_solve>(&data.inst->content);
+  const auto& inst = instruction_as<dsl_auto_solve>(data);
   dsl_result result;
   solve_data sdata;
   if (!select_hypotheses(data, inst, sdata)) {
@@ -24,7 +24,7 @@ dsl_result execute_solver(dsl_execute_data& data) {
   }
   if (!solver_manager_dsl_with_solver(sdata.target, sdata, initial_fee, inst.solver_name)) {
     if (!inst.solver_name.empty()) {
-      data.err_log->write("autosolve failed with solver " + inst.solver_name + "\n");
+      log_error_text(data, "autosolve failed with solver " + inst.solver_name + "\n");
     }
     return result;
   }

@@ -1,5 +1,5 @@
 // What an instruction hands to the solvers.
-#include "dsl_interpreter/dsl_execute.h"
+#include "dsl_interpreter/dsl_handler.h"
 
 namespace vetro {
 namespace {
@@ -22,8 +22,8 @@ bool dsl_data_to_solve_data(const dsl_execute_data& data, const dsl_term_list& h
   for (const dsl_term& reference : hlist) {
     const term_ptr hypothesis = data.cur_gap->hypothesis(reference.num);
     if (hypothesis == nullptr) {
-      data.err_log->print("Invalid hypothesis number: %lld, current proof gap has %d hypotheses\n",
-                          static_cast<long long>(reference.num), data.cur_gap->assu_num());
+      log_error(data, "Invalid hypothesis number: %lld, current proof gap has %d hypotheses\n",
+                static_cast<long long>(reference.num), data.cur_gap->assu_num());
       return false;
     }
     sdata.assum.push_back(hypothesis);
