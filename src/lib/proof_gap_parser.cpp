@@ -1,6 +1,7 @@
 // The proof gap file: numbered assumptions behind "ASSUM:", one goal behind "GOAL:", one formula to a line.
 #include "lib/proof_gap_parser.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "config/text_file.h"
