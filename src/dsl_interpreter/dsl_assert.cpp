@@ -18,15 +18,7 @@ void assert_by_block(dsl_execute_data& data, dsl_result& result, term_ptr propos
   gap.goal = proposition;
   proof_gap_full_mark_unfinished(gap);
 
-  dsl_execute_data local;
-  local.err_log = data.err_log;
-  local.execute_log = data.execute_log;
-  local.thmlib = data.thmlib;
-  local.mode = data.mode;
-  local.print_internal = data.print_internal;
-  local.cur_gap = &gap;
-  dsl_execute_data_set_trace_parent(local, data.current_step_id, data.trace_depth + 1);
-
+  dsl_execute_data local = dsl_nested_execute_data(data, gap);
   const dsl_exe_code code = execute_instruction_list(local, body);
   dsl_merge_admitted_propositions(data, local);
   if (code == exe_gap_split) {
