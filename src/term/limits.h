@@ -3,6 +3,7 @@
 // never a wrong answer.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace vetro::limits {
@@ -15,5 +16,15 @@ inline constexpr std::uint32_t beta_reductions = 100'000;
 
 // Nodes (as a tree) of the results of all reductions in one beta normalisation, so that many large steps end too.
 inline constexpr std::uint64_t beta_work = 40'000'000;
+
+// Factory calls of one solver call. The hardest real goals need some hundred thousand; this is about a second.
+inline constexpr std::uint64_t solver_factory_calls = 10'000'000;
+
+// Connectives and atoms of one propositional problem, counted as a tree. A gap of 10,000 assumptions has about 100,000.
+inline constexpr std::size_t propositional_nodes = 1'000'000;
+
+// Literals that one run of the clause-learning core may look at, counted at each assignment, each return and each
+// resolution. About a second of work; a problem that learns its full quota of clauses needs far less.
+inline constexpr std::uint64_t cdcl_work = 300'000'000;
 
 }  // namespace vetro::limits
