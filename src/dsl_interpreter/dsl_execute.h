@@ -2,9 +2,13 @@
 #pragma once
 
 #include <cstddef>
+#include <memory>
+#include <optional>
 #include <string>
+#include <unordered_set>
 #include <vector>
 
+#include "dsl_interpreter/gap_texts.h"
 #include "lib/dsl_ast.h"
 #include "lib/log_stream.h"
 #include "lib/proof_gap.h"
@@ -23,7 +27,8 @@ struct dsl_result {
   dsl_exe_code flag = exe_fail;
 };
 
-// One executed instruction. The texts are rendered only when a result document is asked for.
+// One executed instruction. The texts are there only where the run keeps them; without them no step counts as repeated,
+// because only the reader of the texts is told.
 struct dsl_execution_step {
   int step_index = 0;
   std::string step_id;
@@ -38,14 +43,15 @@ struct dsl_execution_step {
   std::string instruction_signature;
   std::string instruction_text;
   std::string instruction_internal;
-  std::string gap_before_text;
-  std::string gap_before_internal;
-  std::string gap_after_text;
-  std::string gap_after_internal;
+  shared_text gap_before_text;
+  shared_text gap_before_internal;
+  shared_text gap_after_text;
+  shared_text gap_after_internal;
 };
 
 struct dsl_execution_summary {
   std::vector<dsl_execution_step> steps;
+  std::unordered_set<std::string> signatures;  // of the steps, where texts are kept
   std::size_t repeated_input_count = 0;
   dsl_exe_code final_code = exe_success;
 };
@@ -68,7 +74,8 @@ struct dsl_execute_data {
   std::vector<proof_gap_full> split_gaps;
   const dsl_instruction* inst = nullptr;
   bool print_internal = false;
-  bool keep_texts = false;  // fill the texts of the step records
+  bool keep_texts = false;           // fill the texts of the step records
+  std::shared_ptr<gap_texts> texts;  // shared with the runs of proof blocks; made when first needed
   int trace_depth = 0;
   std::string trace_prefix;  // parent step id, empty at top level
   std::string current_step_id;
@@ -76,9 +83,32 @@ struct dsl_execute_data {
   std::vector<dsl_admit_obligation> admits;
 };
 
+// Longest step id; deeper ones are cut.
+inline constexpr std::size_t step_id_size = 128;
+
+dsl_execute_data dsl_execute_data_init(log_stream& execute_log, log_stream& err_log, const thm_lib* lib,
+                                       dsl_execute_mode mode, proof_gap_full& gap);
+
+// The run of a proof block inside the parent's current step: same logs, library and mode, one level deeper. It keeps no
+// texts, because the steps of a block are reported to nobody.
+dsl_execute_data dsl_nested_execute_data(const dsl_execute_data& parent, proof_gap_full& local_gap);
+
 void dsl_execute_data_set_trace_parent(dsl_execute_data& data, const std::string& parent_step_id, int trace_depth);
 
+// Runs the list until an instruction gives anything but exe_success. exe_success also when the list ends with the goal
+// still open.
 dsl_exe_code execute_instruction_list(dsl_execute_data& data, const dsl_instruction_list& list);
+
+// Runs data.inst. Nothing when there is no handler for its type.
+std::optional<dsl_result> execute_instruction(dsl_execute_data& data);
+
+// The rendered gaps of the run.
+gap_texts& dsl_gap_texts(dsl_execute_data& data);
+
+// The internal text of an instruction without its line number: two instructions with the same signature are the same.
+std::string instruction_signature_from_text(const std::string& text);
+
+const char* effect_class_for_step(dsl_exe_code flag, bool goal_changed);
 
 // A solve_data of all assumptions, or of the listed hypotheses by their numbers. The second gives false when a number
 // is out of range, after a line in the error log.

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -37,5 +38,9 @@ void add_assumption(proof_gap_full& gap, term_ptr t);
 // The layout that the gap file reader also reads, and the same in internal form. They append to out.
 void print_proof_gap_full(std::string& out, const proof_gap_full& gap);
 void print_proof_gap_full_internal(std::string& out, const proof_gap_full& gap);
+// The same layout, pretty or internal, with a term printer of the caller.
+using gap_term_printer = std::function<void(std::string& out, term_ptr t)>;
+void print_proof_gap_full_with(std::string& out, const proof_gap_full& gap, bool internal,
+                               const gap_term_printer& print);
 
 }  // namespace vetro

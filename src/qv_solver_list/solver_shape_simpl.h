@@ -14,9 +14,6 @@ solve_res solver_shape_simpl(const proof_gap_full& gap, const solve_data& sdata)
 // *rewrite_hits (may be null) is the number of places.
 bool term_matches_subterm_rewrite(term_ptr from, term_ptr to, term_ptr src, term_ptr dest, std::size_t* rewrite_hits);
 
-// Removes binders from nodes under which rewriting is not supported.
-term_ptr term_filter_rewrite_supported_binders(term_ptr t);
-
 // Negations pushed inward. Null for null.
 term_ptr solver_not_unfold_term(term_ptr t);
 

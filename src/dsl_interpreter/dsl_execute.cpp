@@ -1,0 +1,183 @@
+// The loop over the instructions: announce a step, execute it, compare the gap before and after, record it.
+#include "dsl_interpreter/dsl_execute.h"
+
+#include <algorithm>
+
+#include "dsl_interpreter/dsl_instruction_table.h"
+#include "dsl_interpreter/dsl_trace.h"
+#include "term/compare.h"
+#include "term/report.h"
+
+namespace vetro {
+namespace {
+
+// Terms are unique, so that equal addresses need no walk.
+bool same_formula(term_ptr a, term_ptr b) { return a == b || term_eqb(a, b); }
+
+void begin_step(dsl_execute_data& data, const dsl_instruction& inst, bool first) {
+  data.current_step_id = dsl_trace_make_step_id(data, data.summary.steps.size() + 1);
+  data.inst = &inst;
+  dsl_trace_print_instruction_progress(data.current_step_id, inst);
+  if (!first) {
+    data.execute_log->write("\n");
+  }
+  dsl_trace_print_header(data, inst);
+  dsl_trace_print_instruction_fields(data, inst);
+  data.execute_log->flush();
+}
+
+void compare_gaps(dsl_execution_step& step, const dsl_execute_data& data, const proof_gap_full& before) {
+  const bool split = step.result_flag == exe_gap_split;
+  step.goal_changed = split || goal_changed_between(before, *data.cur_gap);
+  step.assumption_changed = assumption_changed_between(before, *data.cur_gap);
+  step.split_gap_count = split ? data.split_gaps.size() : 0;
+  step.effect_class = effect_class_for_step(step.result_flag, step.goal_changed);
+}
+
+void keep_instruction_texts(dsl_execution_step& step, dsl_execution_summary& summary, const dsl_instruction& inst) {
+  step.instruction_text = dsl_trace_capture_instruction(inst, false);
+  step.instruction_internal = dsl_trace_capture_instruction(inst, true);
+  step.instruction_signature = instruction_signature_from_text(step.instruction_internal);
+  step.repeated_input = !summary.signatures.insert(step.instruction_signature).second;
+}
+
+// The picture after a split is the first branch.
+void keep_gap_texts(dsl_execution_step& step, dsl_execute_data& data, const proof_gap_full& before) {
+  const bool split = step.result_flag == exe_gap_split && !data.split_gaps.empty();
+  const proof_gap_full& after = split ? data.split_gaps.front() : *data.cur_gap;
+  gap_texts& texts = dsl_gap_texts(data);
+  step.gap_before_text = texts.pretty(before);
+  step.gap_before_internal = texts.internal(before);
+  step.gap_after_text = texts.pretty(after);
+  step.gap_after_internal = texts.internal(after);
+}
+
+dsl_execution_step describe_step(dsl_execute_data& data, const dsl_result& result, const proof_gap_full& before) {
+  dsl_execution_step step;
+  step.step_index = static_cast<int>(data.summary.steps.size()) + 1;
+  step.step_id = data.current_step_id;
+  step.instruction_type = data.inst->type();
+  step.result_flag = result.flag;
+  step.redundant_flag = result.redundant_flag;
+  compare_gaps(step, data, before);
+  if (data.keep_texts) {
+    keep_instruction_texts(step, data.summary, *data.inst);
+    keep_gap_texts(step, data, before);
+  }
+  return step;
+}
+
+void summary_append_step(dsl_execution_summary& summary, dsl_execution_step step) {
+  summary.repeated_input_count += step.repeated_input ? 1U : 0U;
+  summary.final_code = step.result_flag;
+  summary.steps.push_back(std::move(step));
+}
+
+}  // namespace
+
+dsl_execute_data dsl_execute_data_init(log_stream& execute_log, log_stream& err_log, const thm_lib* lib,
+                                       dsl_execute_mode mode, proof_gap_full& gap) {
+  dsl_execute_data data;
+  data.execute_log = &execute_log;
+  data.err_log = &err_log;
+  data.thmlib = lib;
+  data.mode = mode;
+  data.cur_gap = &gap;
+  return data;
+}
+
+dsl_execute_data dsl_nested_execute_data(const dsl_execute_data& parent, proof_gap_full& local_gap) {
+  dsl_execute_data data =
+      dsl_execute_data_init(*parent.execute_log, *parent.err_log, parent.thmlib, parent.mode, local_gap);
+  data.print_internal = parent.print_internal;
+  data.texts = parent.texts;
+  dsl_execute_data_set_trace_parent(data, parent.current_step_id, parent.trace_depth + 1);
+  return data;
+}
+
+void dsl_execute_data_set_trace_parent(dsl_execute_data& data, const std::string& parent_step_id, int trace_depth) {
+  data.trace_depth = trace_depth;
+  data.current_step_id.clear();
+  data.trace_prefix = parent_step_id.substr(0, step_id_size);
+}
+
+dsl_exe_code execute_instruction_list(dsl_execute_data& data, const dsl_instruction_list& list) {
+  dsl_trace_print_initial_context(data);
+  proof_gap_full before;
+  for (const dsl_instruction& inst : list) {
+    before = *data.cur_gap;
+    begin_step(data, inst, &inst == &list.front());
+    const std::optional<dsl_result> result = execute_instruction(data);
+    if (!result.has_value()) {
+      data.err_log->write("execute_instruction returned NULL\n");
+      return exe_fail;
+    }
+    dsl_execution_step step = describe_step(data, *result, before);
+    dsl_trace_print_result(data, *result, before, step.goal_changed, step.assumption_changed);
+    summary_append_step(data.summary, std::move(step));
+    if (result->flag != exe_success) {
+      return result->flag;
+    }
+  }
+  return exe_success;
+}
+
+std::optional<dsl_result> execute_instruction(dsl_execute_data& data) {
+  if (proof_gap_full_is_finished(*data.cur_gap)) {
+    data.err_log->write("current proof gap is already finished\n");
+    return dsl_result{};
+  }
+  const instruction_handler handler = instruction_row_of(data.inst->type()).execute;
+  if (handler == nullptr) {
+    report_error("Error: invalid instruction type: %d\n", static_cast<int>(data.inst->type()));
+    return std::nullopt;
+  }
+  return handler(data);
+}
+
+gap_texts& dsl_gap_texts(dsl_execute_data& data) {
+  if (data.texts == nullptr) {
+    data.texts = std::make_shared<gap_texts>();
+  }
+  return *data.texts;
+}
+
+std::string instruction_signature_from_text(const std::string& text) {
+  std::size_t start = std::min(text.find_first_not_of("0123456789"), text.size());
+  start += start < text.size() && text[start] == '.' ? 1U : 0U;
+  start = std::min(text.find_first_not_of(" \t", start), text.size());
+  return text.substr(start);
+}
+
+bool goal_changed_between(const proof_gap_full& before, const proof_gap_full& after) {
+  if (before.finished != after.finished) {
+    return true;
+  }
+  if (before.finished) {
+    return false;
+  }
+  if (before.goal == nullptr || after.goal == nullptr) {
+    return before.goal != after.goal;
+  }
+  return !same_formula(before.goal, after.goal);
+}
+
+bool assumption_changed_between(const proof_gap_full& before, const proof_gap_full& after) {
+  return !std::equal(before.assum.begin(), before.assum.end(), after.assum.begin(), after.assum.end(), same_formula);
+}
+
+const char* effect_class_for_step(dsl_exe_code flag, bool goal_changed) {
+  switch (flag) {
+    case exe_finish:
+      return "proof_finish";
+    case exe_gap_split:
+      return "gap_split";
+    case exe_success:
+      return goal_changed ? "goal_progress" : "context_progress";
+    case exe_fail:
+      return "execution_fail";
+  }
+  return "execution_fail";
+}
+
+}  // namespace vetro

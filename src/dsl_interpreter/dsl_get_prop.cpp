@@ -1,0 +1,274 @@
+// get_prop brings a fact into the proof state: a theorem or hypothesis, instantiated, compared with the formula that
+// the script expects, and appended in the script's own wording.
+#include <algorithm>
+
+#include "dsl_interpreter/dsl_handler.h"
+#include "dsl_interpreter/dsl_instantiate.h"
+#include "lib/semantic_term.h"
+#include "term/compare.h"
+#include "term/state.h"
+#include "term/substitute.h"
+#include "term/term_split_combine.h"
+
+namespace vetro {
+namespace {
+
+struct get_prop_subst {
+  term_ptr src;
+  term_ptr dest;
+  term_ptr placeholder;
+};
+
+std::string theorem_ref_text(const dsl_term& ref) {
+  std::string text = ref.lib_alias.empty()
+                         ? format_text("Thm %lld", static_cast<long long>(ref.num))
+                         : format_text("@%s:%lld", ref.lib_alias.c_str(), static_cast<long long>(ref.num));
+  if (!ref.name.empty()) {
+    text += ". (" + ref.name + ")";
+  }
+  return text;
+}
+
+// The message for a reference whose name decides and names no single theorem.
+void report_unresolved_name(const dsl_execute_data& data, const dsl_term& ref, const theorem* by_number, int matches) {
+  std::string text = "Invalid theorem reference " + theorem_ref_text(ref);
+  if (by_number != nullptr) {
+    text += ": theorem number resolves to " + format_text("Thm %d", by_number->id);
+    if (!by_number->name.empty()) {
+      text += ". (" + by_number->name + ")";
+    }
+    text += ", but the quoted name does not match";
+  } else {
+    text += ": theorem number was not found";
+  }
+  if (matches > 0) {
+    text += format_text(", and theorem name '%s' is ambiguous (%d matches)\n", ref.name.c_str(), matches);
+  } else {
+    text += format_text(", and no theorem named '%s' was found\n", ref.name.c_str());
+  }
+  log_error_text(data, text);
+}
+
+// The theorem of a reference: by its number where the name agrees or is absent, else by its name. Null after a message.
+const theorem* get_prop_resolve_theorem(const dsl_execute_data& data, const dsl_term& ref, bool& used_name_fallback) {
+  used_name_fallback = false;
+  if (ref.name.empty()) {
+    return theorem_by_number(data, ref);
+  }
+  const theorem* by_number = thm_lib_find_by_ref(data.thmlib, ref.lib_alias, ref.num);
+  if (by_number != nullptr && by_number->name == ref.name) {
+    return by_number;
+  }
+  int matches = 0;
+  const theorem* by_name = thm_lib_find_unique_by_name_ref(data.thmlib, ref.lib_alias, ref.name, &matches);
+  if (by_name == nullptr) {
+    report_unresolved_name(data, ref, by_number, matches);
+    return nullptr;
+  }
+  used_name_fallback = true;
+  return by_name;
+}
+
+// The formula that is to be instantiated; false after a message. A reference of another kind gives a null source, which
+// the normalisation reports.
+bool get_prop_source(const dsl_execute_data& data, const dsl_term& ref, term_ptr& source) {
+  source = nullptr;
+  if (ref.type == dsl_hypo) {
+    source = data.cur_gap->hypothesis(ref.num);
+    if (source == nullptr) {
+      log_error(data, "Invalid hypothesis number: %lld, current proof gap has %d hypotheses\n",
+                static_cast<long long>(ref.num), data.cur_gap->assu_num());
+    }
+    return source != nullptr;
+  }
+  if (ref.type != dsl_thm) {
+    return true;
+  }
+  bool used_name_fallback = false;
+  const theorem* found = get_prop_resolve_theorem(data, ref, used_name_fallback);
+  if (found == nullptr) {
+    return false;
+  }
+  if (used_name_fallback && ref.t != nullptr && !term_eqb(found->content, ref.t)) {
+    log_error_text(data, "get_prop theorem name fallback formula mismatch for " + theorem_ref_text(ref) +
+                             "\nselected theorem:\n" + pretty(found->content) + "\nquoted formula:\n" + pretty(ref.t) +
+                             "\n");
+    return false;
+  }
+  source = found->content;
+  return true;
+}
+
+// A placeholder is a name that the program alone uses; one that a user has taken is passed over.
+term_ptr make_get_prop_placeholder(term_ptr source, const dsl_sub_list& pairs) {
+  for (;;) {
+    term_ptr placeholder = make_var(state().placeholder_counter++);
+    const auto occurs_in = [placeholder](const dsl_sub_pair& pair) {
+      return name_occurs(placeholder->name(), pair.sub_term);
+    };
+    if (!name_occurs(placeholder->name(), source) && std::none_of(pairs.begin(), pairs.end(), occurs_in)) {
+      return placeholder;
+    }
+  }
+}
+
+// Checks every pair against the quantifier; false after a message.
+bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, term_ptr quantified,
+                           const dsl_sub_list& pairs, std::vector<get_prop_subst>& substs) {
+  if (quantified->type() != Quant || quantified->quant() != Forall) {
+    log_error_text(data, "invalid term for get_prop instantiation\n" + pretty(quantified) + "\n");
+    return false;
+  }
+  for (const dsl_sub_pair& pair : pairs) {
+    const auto same_binder = [&pair](const get_prop_subst& known) { return term_eqb(known.src, pair.binder); };
+    if (!term_list_contains(quantified->vars(), pair.binder)) {
+      log_error_text(data, "quant var don't have '" + pretty(pair.binder) + "'\n");
+      result.redundant_flag = redundant_fail;
+      return false;
+    }
+    if (std::any_of(substs.begin(), substs.end(), same_binder)) {
+      log_error_text(data, "duplicate substitution for quant var '" + pretty(pair.binder) + "'\n");
+      result.redundant_flag = redundant_fail;
+      return false;
+    }
+    term_ptr placeholder = make_get_prop_placeholder(quantified, pairs);
+    substs.push_back({pair.binder, pair.sub_term, placeholder});
+  }
+  return true;
+}
+
+// The quantifier with all pairs substituted at once: binders by placeholders, then placeholders by values.
+term_ptr substitute_at_once(term_ptr quantified, const std::vector<get_prop_subst>& substs) {
+  term_list rest(quantified->vars().begin(), quantified->vars().end());
+  for (const get_prop_subst& subst : substs) {
+    term_list_remove(subst.src, rest);
+  }
+  term_ptr t = quantified->body();
+  if (!rest.empty()) {
+    t = with_meta(mk_quant(Forall, rest, quantified->body()), quantified->meta());
+  }
+  for (const get_prop_subst& subst : substs) {
+    t = instantiate_term(subst.src, subst.placeholder, t);
+  }
+  for (const get_prop_subst& subst : substs) {
+    t = instantiate_term(subst.placeholder, subst.dest, t);
+  }
+  return t;
+}
+
+// Names of the three normalisation steps in messages.
+struct normalize_messages {
+  const char* prepare;
+  const char* beta;
+  const char* analyze;
+};
+
+constexpr normalize_messages result_messages = {
+    "failed to prepare get_prop instantiation result before beta-normalization\n",
+    "failed to beta-normalize get_prop instantiation result\n",
+    "failed to run static analysis after get_prop beta-normalization\n"};
+constexpr normalize_messages target_messages = {
+    "failed to prepare get_prop target formula in 'as (...)'\n",
+    "failed to beta-normalize get_prop target formula in 'as (...)'\n",
+    "failed to run static analysis on get_prop target after beta-normalization\n"};
+
+// Binders as read from text, beta normal form, static analysis. Null after a message.
+term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, const normalize_messages& messages) {
+  term_ptr prepared = with_binders_as_read(t);
+  if (prepared == nullptr) {
+    log_error_text(data, messages.prepare);
+    return nullptr;
+  }
+  term_ptr reduced = beta_normalize_term(prepared);
+  if (reduced == nullptr) {
+    log_error_text(data, messages.beta);
+    return nullptr;
+  }
+  term_ptr analyzed = parsed_static_analyze_term(reduced);
+  if (analyzed == nullptr) {
+    log_error_text(data, messages.analyze);
+  }
+  return analyzed;
+}
+
+// The instantiated and normalised source. Null after a message.
+term_ptr instantiate_source(const dsl_execute_data& data, dsl_result& result, term_ptr source,
+                            const dsl_sub_list& pairs) {
+  term_ptr merged = source == nullptr ? nullptr : merge_quant_term(source);
+  if (merged == nullptr) {
+    log_error(data, "failed to normalize theorem before instantiation\n");
+    return nullptr;
+  }
+  term_ptr prepared = dsl_prepare_term_for_substitution(merged);
+  if (prepared == nullptr) {
+    log_error(data, "failed to prepare theorem binders before instantiation\n");
+    return nullptr;
+  }
+  if (!pairs.empty()) {
+    std::vector<get_prop_subst> substs;
+    if (!collect_substitutions(data, result, prepared, pairs, substs)) {
+      return nullptr;
+    }
+    term_ptr substituted = substitute_at_once(prepared, substs);
+    prepared = substituted == nullptr ? nullptr : parsed_static_analyze_term(substituted);
+    if (prepared == nullptr) {
+      log_error(data, "failed to run static analysis after get_prop substitution\n");
+      return nullptr;
+    }
+  }
+  return normalize_for_comparison(data, prepared, result_messages);
+}
+
+// The formula behind `as`, normalised, when it is what the source gives. Null after a message.
+term_ptr checked_target(const dsl_execute_data& data, const dsl_term& target, term_ptr actual) {
+  if (target.type != dsl_hypo) {
+    log_error(data, "get_prop requires an explicit target hypothesis in 'as (...)'\n");
+    return nullptr;
+  }
+  if (target.num != data.cur_gap->assu_num() + 1) {
+    log_error(data, "invalid get_prop target hypothesis number: %lld, expected %d\n",
+              static_cast<long long>(target.num), data.cur_gap->assu_num() + 1);
+    return nullptr;
+  }
+  term_ptr expected = normalize_for_comparison(data, target.t, target_messages);
+  if (expected == nullptr) {
+    return nullptr;
+  }
+  if (!term_eqb(actual, expected)) {
+    log_error_text(data,
+                   "get_prop target formula mismatch in 'as (...)'. expected alpha-equivalent formula.\nactual:\n" +
+                       pretty(actual) + "\nactual_internal:\n" + internal(actual) + "\nexpected:\n" + pretty(expected) +
+                       "\nexpected_internal:\n" + internal(expected) + "\n");
+    return nullptr;
+  }
+  return expected;
+}
+
+}  // namespace
+
+dsl_result execute_get_prop(dsl_execute_data& data) {
+  dsl_result result;
+  const dsl_get_prop& inst = instruction_as<dsl_get_prop>(data);
+  term_ptr source = nullptr;
+  if (!get_prop_source(data, inst.thm, source)) {
+    return result;
+  }
+  term_ptr actual = instantiate_source(data, result, source, inst.list);
+  if (actual == nullptr) {
+    return result;
+  }
+  term_ptr expected = checked_target(data, inst.new_hypo, actual);
+  if (expected == nullptr) {
+    result.redundant_flag = redundant_fail;
+    return result;
+  }
+  add_assumption(*data.cur_gap, expected);
+  if (strong_checks(data) && !term_eqb(expected, inst.new_hypo.t)) {
+    result.redundant_flag = redundant_fail;
+    log_error_text(data, "error get_prop instance result prop, new hypothesis should be :" + pretty(expected) + "\n");
+  }
+  succeed(data, result);
+  return result;
+}
+
+}  // namespace vetro

@@ -1,0 +1,47 @@
+// What the handlers of all instruction families share: messages, checks of written references, the end of a handler.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "dsl_interpreter/dsl_execute.h"
+
+namespace vetro {
+
+// The instruction's own record.
+template <class Content>
+const Content& instruction_as(const dsl_execute_data& data) {
+  return std::get<Content>(data.inst->content);
+}
+
+// Writes one message to the error log.
+[[gnu::format(printf, 2, 3)]] void log_error(const dsl_execute_data& data, const char* format, ...);
+void log_error_text(const dsl_execute_data& data, const std::string& text);
+
+// The pretty and the internal form for a message; a null term gives no text and its line on standard error.
+std::string pretty(term_ptr t);
+std::string internal(term_ptr t);
+
+// Only this mode compares what the script declares but the handler can work out for itself.
+bool strong_checks(const dsl_execute_data& data);
+
+// In strong_check_mode, when the two terms differ: writes "<what> actual <actual> but expected <written>\n" in the
+// given words and marks the result.
+void strong_compare(const dsl_execute_data& data, dsl_result& result, term_ptr actual, term_ptr written,
+                    const char* actual_words, const char* expected_words);
+
+// The end of a successful handler: sets the flag and, in strong_check_mode, that nothing redundant was wrong.
+void succeed(const dsl_execute_data& data, dsl_result& result, dsl_exe_code flag = exe_success);
+
+// Premise and conclusion of an implication; nothing for any other term.
+std::optional<std::pair<term_ptr, term_ptr>> separate_imply(term_ptr t);
+
+// The theorem that a reference's alias and number name, or null after a message.
+const theorem* theorem_by_number(const dsl_execute_data& data, const dsl_term& ref);
+
+// Makes t the goal of the current gap and marks the gap unfinished.
+void install_goal(dsl_execute_data& data, term_ptr t);
+
+}  // namespace vetro

@@ -1,0 +1,343 @@
+// The program: command line, the fixed sequence of a run, its report and the exit status. Text in and out is UTF-8,
+// which the C locale that the program stays in passes through byte by byte.
+#include <fcntl.h>
+#include <getopt.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <csignal>
+#include <cstdio>
+#include <memory>
+#include <new>
+#include <string>
+
+#include "dsl_interpreter/dsl_execute.h"
+#include "lib/dsl_parser.h"
+#include "lib/log_stream.h"
+#include "lib/proof_gap_parser.h"
+#include "lib/thm_lib.h"
+#include "parser/parser_api.h"
+#include "program_context.h"
+#include "structured_result.h"
+#include "term/pattern_match.h"
+#include "term/print.h"
+#include "term/report.h"
+#include "term/state.h"
+
+namespace vetro {
+namespace {
+
+constexpr int run_failed = -1;  // beside the values of dsl_exe_code
+
+// ---- Command line.
+
+enum class command_line { bad_usage, config_failed, help, ready };
+
+void print_usage(const char* program) {
+  print_progress(std::string("Usage: ") + program +
+                 " [OPTIONS] PROOF_GAP_FILE DSL_FILE\n"
+                 "Options:\n"
+                 "  -c, --config FILE    Specify configuration file\n"
+                 "  -d, --debug          Print before/after proof gaps in execute_log\n"
+                 "  -i, --print-internal Print internal format alongside standard output\n"
+                 "  -j, --result-json FILE Write machine-readable execution result to FILE\n"
+                 "  -h, --help           Display this help message\n");
+}
+
+command_line parse_options(int argc, char** argv, ProgramContext& context, const char*& config_path) {
+  static constexpr option long_options[] = {
+      {"config", required_argument, nullptr, 'c'},   {"debug", no_argument, nullptr, 'd'},
+      {"print-internal", no_argument, nullptr, 'i'}, {"result-json", required_argument, nullptr, 'j'},
+      {"help", no_argument, nullptr, 'h'},           {nullptr, 0, nullptr, 0},
+  };
+  for (int choice = 0; (choice = getopt_long(argc, argv, "c:dij:h", long_options, nullptr)) != -1;) {
+    switch (choice) {
+      case 'c':
+        config_path = optarg;
+        break;
+      case 'd':
+        context.mode = debug_mode;
+        break;
+      case 'i':
+        context.print_internal = true;
+        break;
+      case 'j':
+        context.result_json_file = optarg;
+        break;
+      case 'h':
+        return command_line::help;
+      default:
+        return command_line::bad_usage;
+    }
+  }
+  return command_line::ready;
+}
+
+command_line parse_command_line(int argc, char** argv, ProgramContext& context) {
+  const char* program = argc > 0 ? argv[0] : "vetro";
+  const char* config_path = nullptr;
+  const command_line options = parse_options(argc, argv, context, config_path);
+  if (options != command_line::ready) {
+    print_usage(program);
+    return options;
+  }
+  if (argc - optind != 2) {
+    report_error("Error: Expected PROOF_GAP_FILE and DSL_FILE arguments\n");
+    print_usage(program);
+    return command_line::bad_usage;
+  }
+  context.proof_gap_file = argv[optind];
+  context.dsl_file = argv[optind + 1];
+  return parse_config(config_path, context.config) ? command_line::ready : command_line::config_failed;
+}
+
+// ---- Logs.
+
+// One of the two logs, with the words for what went wrong.
+struct log_purpose {
+  const char* cannot_open;
+  const char* not_configured;  // stands in place of the path
+  const char* cannot_write;
+};
+constexpr log_purpose error_log_purpose = {"Error: Cannot open log file: %s\n",
+                                           "no error log configured (DSL_ERROR_LOG in [DSL_RESPONSES])",
+                                           "Error: Cannot write log file: %s\n"};
+constexpr log_purpose execute_log_purpose = {"Error: Cannot open execute log file: %s\n",
+                                             "no execute log configured (DSL_EXECUTE_LOG in [DSL_RESPONSES])",
+                                             "Error: Cannot write execute log file: %s\n"};
+
+void report_with_path(const char* format, const char* path) {
+  std::string message = format;
+  message.replace(message.find("%s"), 2, path);
+  report_text(message);
+}
+
+bool open_log(log_stream& log, const config_text& path, const log_purpose& purpose) {
+  if (path.has_value() && log.open(*path)) {
+    return true;
+  }
+  report_with_path(purpose.cannot_open, path.has_value() ? path->c_str() : purpose.not_configured);
+  return false;
+}
+
+// The code of a run, or a failure when its log lost something.
+int close_log(log_stream& log, const config_text& path, const log_purpose& purpose, int code) {
+  if (log.close()) {
+    return code;
+  }
+  report_with_path(purpose.cannot_write, path->c_str());
+  return run_failed;
+}
+
+// ---- Inputs.
+
+std::optional<proof_gap_full> read_proof_gap(const ProgramContext& context, log_stream& err_log) {
+  print_progress("================start parse proof gap===================\n");
+  std::optional<proof_gap_full> gap = parse_proof_gap(context.proof_gap_file);
+  if (!gap.has_value()) {
+    err_log.write("proof gap parse failed: " + context.proof_gap_file + "\n");
+    err_log.flush();
+    report_error("Error: Failed to parse proof gap file: %s\n", context.proof_gap_file.c_str());
+  }
+  return gap;
+}
+
+std::optional<dsl_instruction_list> read_script(const ProgramContext& context, log_stream& err_log) {
+  print_progress("==================start parse dsl_file==================\n");
+  dsl_parser_error error;
+  std::optional<dsl_instruction_list> script = parse_dsl_instructions(context.dsl_file, &error);
+  if (!script.has_value()) {
+    std::string message = "dsl parse failed: " + context.dsl_file + "\n";
+    if (error.line >= 1) {
+      message += "line " + std::to_string(error.line) + (error.text.empty() ? "" : ": " + error.text) + "\n";
+    }
+    err_log.write(message);
+    err_log.flush();
+    report_error("Error: Failed to parse DSL instructions\n");
+  }
+  return script;
+}
+
+void print_inputs(const ProgramContext& context, const proof_gap_full& gap, const dsl_instruction_list& script) {
+  std::string out = "==================start print proof gap=================\n";
+  print_proof_gap_full(out, gap);
+  if (context.print_internal) {
+    out += "\n[INTERNAL]\n";
+    print_proof_gap_full_internal(out, gap);
+  }
+  out += "\n==================start print dsl file=================\n";
+  print_dsl_instruction_list(out, script, false);
+  if (context.print_internal) {
+    out += "[INTERNAL]\n";
+    print_dsl_instruction_list(out, script, true);
+  }
+  print_progress(out);
+}
+
+std::unique_ptr<thm_lib> load_library(const FileConfig& config) {
+  print_progress("thm_lib load ...\n");
+  std::unique_ptr<thm_lib> library = thm_lib_load_from_config(config);
+  if (library != nullptr) {
+    print_progress("thm_lib load success\n");
+    return library;
+  }
+  const config_text& path = config.theorem_library.lib_index_file;
+  report_error(
+      "thm_lib_file: %s load fail\n",
+      path.has_value() ? path->c_str() : "no theorem library configured (THMEOREM_LIB_SET in [THEOREM_LIBRARY])");
+  return nullptr;
+}
+
+// ---- Execution and report.
+
+const char* outcome_line(dsl_exe_code code) {
+  switch (code) {
+    case exe_success:
+      return "dsl interpret success\n";
+    case exe_fail:
+      return "dsl interpret failed\n";
+    case exe_gap_split:
+      return "dsl gap split\n";
+    case exe_finish:
+      return "dsl proof finished\n";
+  }
+  return "";
+}
+
+// No line ends stand around the formulas.
+std::string pending_goal_notice(const proof_gap_full& gap) {
+  std::string notice = "Proof is not finished. Remaining goal:\n";
+  print_term(notice, gap.goal);
+  notice += "[INTERNAL]\n";
+  print_term_internal(notice, gap.goal);
+  return notice;
+}
+
+std::string admitted_propositions(const dsl_execute_data& data) {
+  std::string report;
+  for (std::size_t i = 0; i < data.admits.size(); ++i) {
+    report += i == 0 ? "\nAdmitted assertions (not proved):\n" : "";
+    report += std::to_string(i + 1) + ". ";
+    print_term(report, data.admits[i].proposition);
+    report += "\n";
+  }
+  return report;
+}
+
+void report_outcome(const dsl_execute_data& data, dsl_exe_code code) {
+  print_progress(outcome_line(code));
+  if (proof_gap_full_is_pending(*data.cur_gap)) {
+    const std::string notice = pending_goal_notice(*data.cur_gap);
+    print_progress(notice);
+    data.execute_log->write(notice);
+  }
+  data.execute_log->write(admitted_propositions(data));
+}
+
+int run_script(const ProgramContext& context, dsl_execute_data data, const dsl_instruction_list& script) {
+  data.print_internal = context.print_internal;
+  data.keep_texts = context.result_json_file.has_value();
+  shared_text initial_gap;
+  if (data.keep_texts) {
+    initial_gap = dsl_gap_texts(data).pretty(*data.cur_gap);
+  }
+  const dsl_exe_code code = execute_instruction_list(data, script);
+  report_outcome(data, code);
+  if (!context.result_json_file.has_value()) {
+    return code;
+  }
+  json_document document = build_structured_summary(context, data, *data.cur_gap, code, initial_gap);
+  return write_structured_result_file(*context.result_json_file, std::move(document)) ? code : run_failed;
+}
+
+int run_with_error_log(const ProgramContext& context, log_stream& err_log) {
+  std::optional<proof_gap_full> gap = read_proof_gap(context, err_log);
+  if (!gap.has_value()) {
+    return run_failed;
+  }
+  print_progress("=======================parse finished===================\n");
+  const std::optional<dsl_instruction_list> script = read_script(context, err_log);
+  if (!script.has_value()) {
+    return run_failed;
+  }
+  print_inputs(context, *gap, *script);
+  const std::unique_ptr<thm_lib> library = load_library(context.config);
+  if (library == nullptr) {
+    return run_failed;
+  }
+  log_stream execute_log;
+  const config_text& path = context.config.dsl_responses.execute_log;
+  if (!open_log(execute_log, path, execute_log_purpose)) {
+    return run_failed;
+  }
+  print_progress("log File open success\n");
+  const int code =
+      run_script(context, dsl_execute_data_init(execute_log, err_log, library.get(), context.mode, *gap), *script);
+  return close_log(execute_log, path, execute_log_purpose, code);
+}
+
+// The dsl_exe_code of the run, or run_failed.
+int execute_program(const ProgramContext& context) {
+  log_stream err_log;
+  const config_text& path = context.config.dsl_responses.err_log;
+  if (!open_log(err_log, path, error_log_purpose)) {
+    return run_failed;
+  }
+  const int code = run_with_error_log(context, err_log);
+  return close_log(err_log, path, error_log_purpose, code);
+}
+
+int exit_status(int code) { return code == run_failed || code == exe_fail ? 1 : 0; }
+
+int run_program(int argc, char** argv) {
+  match_init(read_pattern);
+  ProgramContext context;
+  switch (parse_command_line(argc, argv, context)) {
+    case command_line::help:
+      return 0;
+    case command_line::ready:
+      return exit_status(execute_program(context));
+    default:
+      return 1;
+  }
+}
+
+// ---- Standard streams.
+
+// A closed standard stream would give its number to the next file that is opened, and what is meant for standard output
+// would end up in a log. A descriptor of the wrong direction makes every use an error instead.
+void occupy_closed_standard_streams() {
+  for (int descriptor = 0; descriptor <= 2; ++descriptor) {
+    if (fcntl(descriptor, F_GETFD) == -1 && errno == EBADF) {
+      (void)open("/dev/null", descriptor == 0 ? O_WRONLY : O_RDONLY);
+    }
+  }
+}
+
+int status_of_standard_output(int status) {
+  if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0) {
+    return status;
+  }
+  report_error("Error: Cannot write to standard output\n");
+  return 1;
+}
+
+int guarded_run(int argc, char** argv) {
+  int status = 1;
+  try {
+    status = run_program(argc, argv);
+  } catch (const std::bad_alloc&) {
+    report_error("Error: Out of memory\n");
+  }
+  return status_of_standard_output(status);
+}
+
+}  // namespace
+}  // namespace vetro
+
+int main(int argc, char** argv) {
+  vetro::occupy_closed_standard_streams();
+  // A reader of standard output that goes away must not take the logs with it.
+  std::signal(SIGPIPE, SIG_IGN);
+  return vetro::run_on_large_stack([&] { return vetro::guarded_run(argc, argv); });
+}
