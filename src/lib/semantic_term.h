@@ -19,15 +19,20 @@ term_ptr normalize_parsed_term(term_ptr raw);
 // bound variable becomes i. Null gives null.
 term_ptr parsed_static_analyze_term(term_ptr raw);
 
-// The canonical set-builder, then binders, then duplicate binders removed. Null when a step gives null.
+// The canonical set-builder, then binders, then duplicate binders removed. Null when a step gives null. A term that
+// was prepared before and has not changed comes back as it is.
 term_ptr copy_term_with_binders(term_ptr t);
 
-// The steps of copy_term_with_binders.
+// ---- The steps of copy_term_with_binders. Null gives null.
+
+// Every set-builder in the form SetDesc(element, T(conditions)).
 term_ptr normalize_setdesc_for_catch_binder(term_ptr t);
+
+// The variables that each node binds by its meaning, in front of the binders that it has. global_var: the variables
+// that are bound from outside.
 term_ptr catch_binder_term(term_ptr t, term_span global_var);
+
+// The first of equal binders, at every node.
 term_ptr term_dedup_binders(term_ptr t);
-term_list get_binders(term_ptr binder_term, term_span global_var);
-term_list get_binder_integral(term_ptr t);
-term_list operO_found(term_ptr t);
 
 }  // namespace vetro

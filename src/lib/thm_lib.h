@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -23,8 +24,9 @@ struct theorem {
 struct external_thm_lib;
 
 struct thm_lib {
-  std::vector<std::optional<theorem>> table;  // theorem n at n - 1
-  int num = 0;                                // highest id stored, not a count
+  std::map<int, theorem> table;  // by id; the numbering may have gaps of any width
+  std::multimap<std::string, int, std::less<>> ids_by_name;
+  int num = 0;  // highest id stored, not a count
   std::vector<external_thm_lib> external_libs;
 };
 
@@ -33,11 +35,14 @@ struct external_thm_lib {
   thm_lib lib;
 };
 
-// Nothing when there is no main library, or one library cannot be read.
+// Nothing when there is no main library, or one library cannot be read (its message stands on standard error).
 std::unique_ptr<thm_lib> thm_lib_load_from_config(const FileConfig& config);
 std::optional<thm_lib> thm_lib_load(const std::string& path);
+// Adds the theorems of a library text. Bad headers are reported and left out.
 void thm_lib_parse(std::string_view text, thm_lib& lib);
+// An id below 1 is not stored; a theorem of the same id is replaced.
 void thm_lib_add(theorem entry, thm_lib& lib);
+// False for an empty alias and for a file that cannot be read. A known alias gets the new library.
 bool thm_lib_add_external_from_file(thm_lib& lib, const std::string& alias, const std::string& path);
 
 // Null when there is none. The alias "", or "main", means the main library.

@@ -5,14 +5,30 @@
 // sdata.target. It keeps nothing between calls on which an answer depends.
 #pragma once
 
+#include <memory>
 #include <string_view>
+#include <unordered_set>
 
 #include "lib/log_stream.h"
 #include "lib/proof_gap.h"
 #include "lib/thm_lib.h"
 #include "term/ast.h"
+#include "term/compare.h"
 
 namespace vetro {
+
+// Answers "is this one of the assumptions, up to bound names?" for one list of assumptions. The first question is
+// answered by a scan, because most records are asked once; the second builds a table. The table remembers the list that
+// it was built from, so an index that came along with a changed copy of a record never answers for it.
+class assumption_index {
+ public:
+  bool contains(const term_list& assum, term_ptr t);
+
+ private:
+  bool asked_ = false;
+  term_list indexed_;
+  std::unordered_set<term_ptr, alpha_hasher, alpha_equal> table_;
+};
 
 // The solver's view of a proof state.
 struct solve_data {
@@ -20,6 +36,7 @@ struct solve_data {
   term_ptr target = nullptr;  // what the calling instruction started from
   const thm_lib* lib = nullptr;
   log_stream* log_file = nullptr;
+  std::shared_ptr<assumption_index> index = nullptr;  // set by the dispatcher; derived from assum
 };
 
 enum res_type : unsigned char { bool_res = 0, termlist_and = 1, termlist_or = 2 };
@@ -28,7 +45,7 @@ enum res_type : unsigned char { bool_res = 0, termlist_and = 1, termlist_or = 2 
 struct solve_res {
   res_type type = bool_res;
   bool ans = false;
-  term_list list;
+  term_list list = {};
 };
 
 struct solver_args {
@@ -40,9 +57,9 @@ struct solver_args {
 using solver_decide = bool (*)(term_ptr target, const solve_data& sdata);
 using solver_func_t = solve_res (*)(const solver_args& args);
 
-// A row of the battery. name is the word behind `using` that selects the solver alone, or null.
+// A solver with the word behind `using` that selects it alone.
 struct named_dsl_solver {
-  const char* name;
+  std::string_view name;
   solver_decide solve;
 };
 
@@ -55,6 +72,13 @@ bool solver_manager_dsl(term_ptr target, const solve_data& sdata, int fee);
 bool solver_manager_dsl_with_solver(term_ptr target, const solve_data& sdata, int fee, std::string_view solver_name);
 
 solver_decide find_dsl_named_solver(std::string_view solver_name);  // null for an unknown name
+
+// One call of one solver from outside every other solver: within the budget of a call, and false when memory or budget
+// runs out. Null stands for a solver that is not there and gives false.
+bool call_decision_solver(solver_decide solve, term_ptr target, const solve_data& sdata);
+
+// Evaluates a one-step result: all or one of the listed sub-targets by the full procedure under fee.
+bool solver_manager_list_dsl(const solve_res& res, const solve_data& sdata, int fee);
 
 term_list solver_filter(const term_list& list, const solve_data& sdata);  // without what the battery proves
 term_list zero_step_process(term_ptr target);

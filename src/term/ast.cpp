@@ -224,7 +224,9 @@ const lambda_var_type_list* term_store::types(const lambda_var_type_list& list) 
 }
 
 term_ptr term_store::intern(const content& c, const term_meta* meta) {
-  ++calls_;
+  if (++calls_ > call_limit_) {
+    throw std::bad_alloc();
+  }
   if (meta != nullptr && meta->empty()) {
     meta = nullptr;
   }

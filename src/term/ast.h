@@ -245,12 +245,16 @@ class term_store {
 
   // Calls of the factory since the start, hits included, so that the count does not depend on what ran before.
   std::uint64_t calls() const { return calls_; }
+  // The call beyond this count throws std::bad_alloc: the budget of a solver ends like memory does.
+  std::uint64_t call_limit() const { return call_limit_; }
+  void set_call_limit(std::uint64_t limit) { call_limit_ = limit; }
   std::size_t bytes() const;
 
  private:
   struct impl;
   std::unique_ptr<impl> impl_;
   std::uint64_t calls_ = 0;
+  std::uint64_t call_limit_ = UINT64_MAX;
 };
 
 }  // namespace vetro

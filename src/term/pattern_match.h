@@ -39,13 +39,16 @@ struct pattern_text {
 // pointer\n", a pattern that does not parse "Error: parsing pattern error\n" on every call.
 int match_slots(term_ptr t, const char* pattern, term_ptr* slots);
 
+// The same for a string literal: its address never names another text, so the pattern is found by address.
+int match_literal(term_ptr t, const char* literal, term_ptr* slots);
+
 // True when t matches; each "?" of the text, in text order, is captured ("?FuncApply(?)" captures the head and a
 // TermList of the arguments).
 template <class... Slots>
 bool match(term_ptr t, std::type_identity_t<pattern_text<sizeof...(Slots)>> pattern, Slots&... captures) {
   static_assert((std::is_same_v<Slots, term_ptr> && ...));
   term_ptr slots[sizeof...(Slots) + 1] = {};
-  if (match_slots(t, pattern.text, slots) < 0) {
+  if (match_literal(t, pattern.text, slots) < 0) {
     return false;
   }
   [[maybe_unused]] std::size_t next = 0;
@@ -53,8 +56,9 @@ bool match(term_ptr t, std::type_identity_t<pattern_text<sizeof...(Slots)>> patt
   return true;
 }
 
-// The same on parsed terms.
+// The same on parsed terms. Lists match element by element and must have equal length.
 int match_term(term_ptr t, term_ptr pattern, term_ptr* slots);
+int match_term_list(term_span list, term_span patterns, term_ptr* slots);
 
 // The compiled patterns of the process.
 struct pattern_cache;

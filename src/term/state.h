@@ -17,6 +17,7 @@ struct process_state {
   ~process_state();
   term_store store;
   std::unique_ptr<pattern_cache> patterns;
+  std::shared_ptr<void> enrichment;      // what assumptions were found to say; owned by the solver layer
   int fresh_counter = 0;                 // fresh(): never goes back
   int placeholder_counter = 1000000000;  // "qvar" numbers of get_prop
 };

@@ -1,0 +1,27 @@
+#include "lib/line_reader.h"
+
+#include <cerrno>
+#include <new>
+
+namespace vetro {
+
+line_status qv_read_line(std::FILE* file, std::string& line) {
+  line.clear();
+  try {
+    for (int c = next_character(file); c != EOF; c = next_character(file)) {
+      line.push_back(static_cast<char>(c));
+      if (c == '\n') {
+        return line_status::line;
+      }
+    }
+  } catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    return line_status::failed;
+  }
+  if (std::ferror(file) != 0) {
+    return line_status::failed;
+  }
+  return line.empty() ? line_status::end : line_status::line;
+}
+
+}  // namespace vetro

@@ -1,0 +1,20 @@
+// The order of the preparation steps.
+#include "lib/semantic_term.h"
+
+#include "parser/parser_api.h"
+
+namespace vetro {
+
+term_ptr parse_semantic_term_from_str(std::string_view src, int verbose_debug, int debug) {
+  return normalize_parsed_term(parse_term_from_str(src, verbose_debug, debug));
+}
+
+term_ptr normalize_parsed_term(term_ptr raw) { return copy_term_with_binders(parsed_static_analyze_term(raw)); }
+
+term_ptr copy_term_with_binders(term_ptr t) {
+  term_ptr canonical = normalize_setdesc_for_catch_binder(t);
+  term_ptr bound = catch_binder_term(canonical, {});
+  return term_dedup_binders(bound);
+}
+
+}  // namespace vetro

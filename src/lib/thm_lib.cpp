@@ -1,0 +1,265 @@
+// The theorem library file: headers "Thm 12. (name)", each followed by the lines of its formula.
+#include "lib/thm_lib.h"
+
+#include <cerrno>
+#include <charconv>
+#include <cstdio>
+#include <new>
+#include <utility>
+
+#include "config/text_file.h"
+#include "lib/semantic_term.h"
+#include "term/report.h"
+
+namespace vetro {
+namespace {
+
+constexpr std::string_view white_space = " \t\n\v\f\r";
+constexpr std::size_t name_bytes = 255;
+
+std::string_view trim(std::string_view text) {
+  const std::size_t first = text.find_first_not_of(white_space);
+  return first == std::string_view::npos ? std::string_view()
+                                         : text.substr(first, text.find_last_not_of(white_space) - first + 1);
+}
+
+struct header {
+  int id = 0;
+  std::string_view name;
+};
+
+// The pattern "Thm %d. (%255[^)])" as scanf reads it: a blank stands for any white space or none, a number may carry
+// a sign and stand behind white space, and nothing behind the name is looked at. The name has at least one character
+// and is cut at 255. A number that no int holds gives id 0, which no theorem has.
+std::optional<header> parse_header(std::string_view line) {
+  std::string_view rest = line;
+  const auto skip_white_space = [&] { rest.remove_prefix(std::min(rest.find_first_not_of(white_space), rest.size())); };
+  const auto take = [&](std::string_view text) {
+    const bool there = rest.starts_with(text);
+    rest.remove_prefix(there ? text.size() : 0);
+    return there;
+  };
+  if (!take("Thm")) {
+    return std::nullopt;
+  }
+  skip_white_space();
+  header result;
+  const bool negative = rest.starts_with('-');
+  if (negative || rest.starts_with('+')) {
+    rest.remove_prefix(1);
+  }
+  const std::size_t digits = std::min(rest.find_first_not_of("0123456789"), rest.size());
+  if (digits == 0) {
+    return std::nullopt;
+  }
+  const auto parsed = std::from_chars(rest.data(), rest.data() + digits, result.id);
+  if (negative || parsed.ec != std::errc()) {
+    result.id = 0;
+  }
+  rest.remove_prefix(digits);
+  if (!take(".")) {
+    return std::nullopt;
+  }
+  skip_white_space();
+  if (!take("(")) {
+    return std::nullopt;
+  }
+  result.name = rest.substr(0, rest.find(')')).substr(0, name_bytes);
+  return result.name.empty() ? std::nullopt : std::optional<header>(result);
+}
+
+// Collects the formula of the theorem that is open and stores it when the next one opens.
+class library_reader {
+ public:
+  explicit library_reader(thm_lib& lib) : lib_(lib) {}
+
+  void take(std::string_view raw_line) {
+    const std::string_view line = trim(raw_line);
+    if (!line.starts_with("Thm ")) {
+      if (open_) {
+        formula_ += line;
+        formula_ += ' ';
+      }
+      return;
+    }
+    close();
+    open_ = parse_header(line);
+    if (!open_) {
+      std::string message("Error: Wrong Format: ");
+      message += line;
+      message += '\n';
+      report_text(message);
+    }
+  }
+
+  void finish() {
+    if (!formula_.empty()) {
+      close();
+    }
+  }
+
+ private:
+  void close() {
+    if (open_) {
+      term_ptr content = parse_semantic_term_from_str(formula_);
+      if (content != nullptr) {
+        thm_lib_add({open_->id, std::string(open_->name), content}, lib_);
+      }
+    }
+    open_.reset();
+    formula_.clear();
+  }
+
+  thm_lib& lib_;
+  std::optional<header> open_;  // its name is a part of the library text
+  std::string formula_;
+};
+
+// The whole file, byte for byte.
+std::optional<std::string> read_file_to_string(const std::string& path) {
+  const text_file file = open_text_file(path.c_str());
+  if (file == nullptr) {
+    std::perror("Error Opening File");
+    return std::nullopt;
+  }
+  std::string text;
+  try {
+    constexpr std::size_t block = 64 * 1024;
+    for (std::size_t got = block; got == block;) {
+      const std::size_t old = text.size();
+      text.resize(old + block);
+      got = std::fread(text.data() + old, 1, block, file.get());
+      text.resize(old + got);
+    }
+  } catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    std::perror("Error Reading File");
+    return std::nullopt;
+  }
+  if (std::ferror(file.get()) != 0) {
+    std::perror("Error Reading File");
+    return std::nullopt;
+  }
+  return text;
+}
+
+// The library of an alias, or null.
+const thm_lib* library_of(const thm_lib* lib, std::string_view alias) {
+  if (lib == nullptr || thm_lib_alias_is_main(alias)) {
+    return lib;
+  }
+  for (const external_thm_lib& external : lib->external_libs) {
+    if (external.alias == alias) {
+      return &external.lib;
+    }
+  }
+  return nullptr;
+}
+
+}  // namespace
+
+void thm_lib_parse(std::string_view text, thm_lib& lib) {
+  library_reader reader(lib);
+  while (!text.empty()) {
+    const std::size_t end = text.find('\n');
+    reader.take(text.substr(0, end));
+    text.remove_prefix(end == std::string_view::npos ? text.size() : end + 1);
+  }
+  reader.finish();
+}
+
+void thm_lib_add(theorem entry, thm_lib& lib) {
+  if (entry.id < 1) {
+    return;
+  }
+  const int id = entry.id;
+  const auto old = lib.table.find(id);
+  if (old != lib.table.end()) {
+    auto [first, last] = lib.ids_by_name.equal_range(old->second.name);
+    while (first != last && first->second != id) {
+      ++first;
+    }
+    lib.ids_by_name.erase(first);
+  }
+  lib.ids_by_name.emplace(entry.name, id);
+  lib.table.insert_or_assign(id, std::move(entry));
+  lib.num = std::max(lib.num, id);
+}
+
+std::optional<thm_lib> thm_lib_load(const std::string& path) {
+  const std::optional<std::string> text = read_file_to_string(path);
+  if (!text) {
+    return std::nullopt;
+  }
+  thm_lib lib;
+  thm_lib_parse(*text, lib);
+  return lib;
+}
+
+bool thm_lib_add_external_from_file(thm_lib& lib, const std::string& alias, const std::string& path) {
+  if (alias.empty() || path.empty()) {
+    return false;
+  }
+  std::optional<thm_lib> loaded = thm_lib_load(path);
+  if (!loaded) {
+    return false;
+  }
+  for (external_thm_lib& known : lib.external_libs) {
+    if (known.alias == alias) {
+      known.lib = std::move(*loaded);
+      return true;
+    }
+  }
+  lib.external_libs.push_back({alias, std::move(*loaded)});
+  return true;
+}
+
+std::unique_ptr<thm_lib> thm_lib_load_from_config(const FileConfig& config) {
+  const TheoremLibrary& files = config.theorem_library;
+  if (!files.lib_index_file) {
+    return nullptr;
+  }
+  std::optional<thm_lib> main = thm_lib_load(*files.lib_index_file);
+  if (!main) {
+    return nullptr;
+  }
+  for (const ExternalTheoremLibrary& external : files.external_libs) {
+    if (!thm_lib_add_external_from_file(*main, external.alias, external.path)) {
+      report_error("Error: failed to load external theorem library @%s from %s\n", external.alias.c_str(),
+                   external.path.c_str());
+      return nullptr;
+    }
+  }
+  return std::make_unique<thm_lib>(std::move(*main));
+}
+
+const theorem* thm_lib_find_by_id(const thm_lib* lib, std::int64_t id) {
+  if (lib == nullptr || id < 1 || id > lib->num) {
+    return nullptr;
+  }
+  const auto found = lib->table.find(static_cast<int>(id));
+  return found == lib->table.end() ? nullptr : &found->second;
+}
+
+const theorem* thm_lib_find_by_ref(const thm_lib* lib, std::string_view alias, std::int64_t id) {
+  return thm_lib_find_by_id(library_of(lib, alias), id);
+}
+
+const theorem* thm_lib_find_unique_by_name(const thm_lib* lib, std::string_view name, int* out_matches) {
+  *out_matches = 0;
+  if (lib == nullptr || name.empty()) {
+    return nullptr;
+  }
+  const auto [first, last] = lib->ids_by_name.equal_range(name);
+  *out_matches = static_cast<int>(std::distance(first, last));
+  return *out_matches == 1 ? thm_lib_find_by_id(lib, first->second) : nullptr;
+}
+
+const theorem* thm_lib_find_unique_by_name_ref(const thm_lib* lib, std::string_view alias, std::string_view name,
+                                               int* out_matches) {
+  return thm_lib_find_unique_by_name(library_of(lib, alias), name, out_matches);
+}
+
+bool thm_lib_alias_is_main(std::string_view alias) { return alias.empty() || alias == "main"; }
+
+}  // namespace vetro

@@ -1,0 +1,285 @@
+// What an assumption also says: the walk that lowers memberships, the walk that opens equations of tuples, and the
+// record that puts the derived facts behind the given ones.
+//
+// Each derived fact follows from its assumption. A membership in an interval or in a signed set of reals says the same
+// as its comparison about a real, so it may be lowered in any position; a membership in a set of integers or rationals
+// says more than its comparison, so it may be lowered only where a weaker statement still follows.
+#include "qv_solver_list/solver_preprocess.h"
+
+#include <array>
+#include <memory>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+
+#include "term/state.h"
+#include "term/term_split_combine.h"
+#include "term/traverse.h"
+
+namespace vetro {
+namespace {
+
+// Nodes below this size are walked again wherever they stand; a table of results pays only above. It keeps a walk
+// linear in the number of distinct nodes where a formula shares large parts with itself.
+constexpr std::uint32_t worth_remembering = 64;
+
+// A binary application of the bare leaf: no call of the matcher, since this runs over every assumption.
+bool is_binary(term_ptr t, pred_type pred) {
+  return is_apply(t) && is_apply(t->left()) && is_pred(t->left()->left(), pred);
+}
+
+term_ptr comparison(pred_type pred, term_ptr left, term_ptr right) { return make_binPred_prop(pred, left, right); }
+
+// ---- Memberships.
+
+enum class position : unsigned char { positive, other };
+
+using membership_rule = term_ptr (*)(term_ptr element, term_ptr set, position where);
+
+// Applies a rule to each membership that stands as a proposition: the term itself, or below connectives. One that is
+// an argument of a term, such as the index part of a sum, is notation and stays.
+class membership_walk {
+ public:
+  explicit membership_walk(membership_rule rule) : rule_(rule) {}
+
+  term_ptr run(term_ptr t, position where) {
+    if (is_binary(t, Belong)) {
+      term_ptr lowered = rule_(t->left()->right(), t->right(), where);
+      return lowered == nullptr ? t : lowered;
+    }
+    const auto view = composed_prop_split(t);
+    if (!view) {
+      return t;
+    }
+    if (t->size() < worth_remembering) {
+      return rebuild(t, *view, where);
+    }
+    auto& known = known_[where == position::positive ? 0 : 1];
+    if (const auto found = known.find(t); found != known.end()) {
+      return found->second;
+    }
+    term_ptr result = rebuild(t, *view, where);
+    known.emplace(t, result);
+    return result;
+  }
+
+ private:
+  term_ptr rebuild(term_ptr t, const composed_prop& view, position where) {
+    const bool keeps_left = view.connect == And || view.connect == Or;
+    const bool keeps_right = keeps_left || view.connect == Impl;
+    term_ptr first = run(view.t1, keeps_left ? where : position::other);
+    if (view.t2 == nullptr) {
+      return first == view.t1 ? t : mk_apply(t->left(), first);
+    }
+    term_ptr second = run(view.t2, keeps_right ? where : position::other);
+    return first == view.t1 && second == view.t2 ? t : mk_apply(mk_apply(t->left()->left(), first), second);
+  }
+
+  membership_rule rule_;
+  std::array<std::unordered_map<term_ptr, term_ptr>, 2> known_;
+};
+
+struct interval_row {
+  oper_type interval;
+  pred_type lower;  // lower(lo, elem)
+  pred_type upper;  // upper(elem, hi)
+};
+
+constexpr std::array<interval_row, 4> interval_rows = {{
+    {IntervalLoRo, Lt, Lt},
+    {IntervalLcRo, Le, Lt},
+    {IntervalLoRc, Lt, Le},
+    {IntervalLcRc, Le, Le},
+}};
+
+term_ptr interval_as_comparisons(term_ptr element, term_ptr set, position /*where*/) {
+  const auto view = composed_term_split(set);
+  if (!view || view->t2 == nullptr) {
+    return nullptr;
+  }
+  for (const interval_row& row : interval_rows) {
+    if (view->oper == row.interval) {
+      term_ptr lower = comparison(row.lower, view->t1, element);
+      term_ptr upper = comparison(row.upper, element, view->t2);
+      return make_composed_prop(And, lower, upper);
+    }
+  }
+  return nullptr;
+}
+
+enum class strength : unsigned char { same, weaker };  // the comparison, beside the membership of a real
+
+struct const_set_row {
+  const_type set;
+  pred_type pred;
+  int bound;
+  strength says;
+};
+
+constexpr std::array<const_set_row, 12> const_set_rows = {{
+    {PosIntegerSet, Ge, 1, strength::weaker},
+    {NegIntegerSet, Le, -1, strength::weaker},
+    {NonPosIntegerSet, Le, 0, strength::weaker},
+    {NonPosRationalSet, Le, 0, strength::weaker},
+    {NonPosRealSet, Le, 0, strength::same},
+    {NonNegIntegerSet, Ge, 0, strength::weaker},
+    {NonNegRationalSet, Ge, 0, strength::weaker},
+    {NonNegRealSet, Ge, 0, strength::same},
+    {PosRationalSet, Gt, 0, strength::weaker},
+    {PosRealSet, Gt, 0, strength::same},
+    {NegRationalSet, Lt, 0, strength::weaker},
+    {NegRealSet, Lt, 0, strength::same},
+}};
+
+term_ptr const_set_as_comparison(term_ptr element, term_ptr set, position where) {
+  if (set->type() != Const) {
+    return nullptr;
+  }
+  for (const const_set_row& row : const_set_rows) {
+    if (set->constant() == row.set) {
+      const bool follows = row.says == strength::same || where == position::positive;
+      return follows ? comparison(row.pred, element, mk_integer(row.bound)) : nullptr;
+    }
+  }
+  return nullptr;
+}
+
+// ---- Equations of tuples.
+
+// The components of Tuple(T(...)), or null.
+term_ptr tuple_components(term_ptr t) {
+  return is_apply(t) && is_oper(t->left(), Tuple) && t->right()->type() == TermList ? t->right() : nullptr;
+}
+
+class tuple_walk {
+ public:
+  term_ptr run(term_ptr t) {
+    if (t->size() < worth_remembering) {
+      return rebuild(t);
+    }
+    if (const auto found = known_.find(t); found != known_.end()) {
+      return found->second;
+    }
+    term_ptr result = rebuild(t);
+    known_.emplace(t, result);
+    return result;
+  }
+
+ private:
+  // Conditions of functions and implicit binders stay; every other part is walked, under binders and in scopes too.
+  static constexpr unsigned parts = (walk_children & ~walk_condition) | walk_scope | keep_binders | keep_soft;
+
+  term_ptr rebuild(term_ptr t) {
+    if (t->type() != Apply && t->children().empty() && !t->has_meta()) {
+      return t;
+    }
+    if (is_binary(t, Eq)) {
+      term_ptr left = tuple_components(t->left()->right());
+      term_ptr right = left == nullptr ? nullptr : tuple_components(t->right());
+      if (right != nullptr && left->elements().size() == right->elements().size() && left->elements().size() >= 2) {
+        return open_equation(t, left->elements(), right->elements());
+      }
+    }
+    return map_children(t, parts, [this](term_ptr part) { return run(part); });
+  }
+
+  // The equations of the components, joined to the left. What stands on the equation stands on each of them and on the
+  // whole.
+  term_ptr open_equation(term_ptr t, term_span left, term_span right) {
+    term_ptr joined = nullptr;
+    for (std::size_t i = 0; i < left.size(); ++i) {
+      term_ptr plain = comparison(Eq, left[i], right[i]);
+      term_ptr equation = run(with_meta(plain, t->meta()));
+      joined = joined == nullptr ? equation : make_composed_prop(And, joined, equation);
+    }
+    term_meta meta = t->meta();
+    if (meta.scope != nullptr) {
+      meta.scope = run(meta.scope);
+    }
+    return with_meta(joined, meta);
+  }
+
+  std::unordered_map<term_ptr, term_ptr> known_;
+};
+
+// ---- What each assumption gives, remembered for the whole run: the same assumptions come back with every question.
+
+struct enrichment_cache {
+  std::unordered_map<term_ptr, term_list> derived;  // without the term itself
+};
+
+enrichment_cache& cache() {
+  std::shared_ptr<void>& slot = state().enrichment;
+  if (slot == nullptr) {
+    slot = std::make_shared<enrichment_cache>();
+  }
+  return *static_cast<enrichment_cache*>(slot.get());
+}
+
+// The conjuncts of the rewritten assumption that are not the assumption itself; null when a step failed.
+const term_list* derived_facts(term_ptr assumption) {
+  auto& known = cache().derived;
+  if (const auto found = known.find(assumption); found != known.end()) {
+    return &found->second;
+  }
+  term_ptr comparisons = solver_preprocess_expand_shared_membership(assumption);
+  term_ptr opened = solver_preprocess_expand_tuple_equalities(comparisons);
+  if (opened == nullptr) {
+    return nullptr;
+  }
+  term_list facts = term_split_and(opened);
+  std::erase(facts, assumption);
+  return &known.emplace(assumption, std::move(facts)).first->second;
+}
+
+// Appends the candidates that equal no assumption and no earlier candidate. The table holds the few candidates and not
+// the many assumptions: these only strike out what they already say.
+void append_new(const term_list& candidates, term_list& assum) {
+  std::unordered_set<term_ptr, alpha_hasher, alpha_equal> fresh_facts(candidates.begin(), candidates.end());
+  for (term_ptr given : assum) {
+    if (fresh_facts.empty()) {
+      return;
+    }
+    fresh_facts.erase(given);
+  }
+  for (term_ptr fact : candidates) {
+    if (fresh_facts.erase(fact) != 0) {
+      assum.push_back(fact);
+    }
+  }
+}
+
+}  // namespace
+
+bool solver_preprocess_build_augmented_sdata(const solve_data& src, solve_data& dst) {
+  dst = src;
+  term_list candidates;
+  for (term_ptr assumption : src.assum) {
+    const term_list* facts = assumption == nullptr ? nullptr : derived_facts(assumption);
+    if (facts == nullptr) {
+      return false;
+    }
+    candidates.insert(candidates.end(), facts->begin(), facts->end());
+  }
+  if (!candidates.empty()) {
+    append_new(candidates, dst.assum);
+  }
+  return true;
+}
+
+term_ptr solver_preprocess_expand_shared_membership(term_ptr t) {
+  term_ptr without_intervals = solver_preprocess_expand_interval_membership(t);
+  return without_intervals == nullptr ? nullptr : solver_preprocess_lower_const_set_membership(without_intervals);
+}
+
+term_ptr solver_preprocess_expand_interval_membership(term_ptr t) {
+  return t == nullptr ? nullptr : membership_walk(interval_as_comparisons).run(t, position::positive);
+}
+
+term_ptr solver_preprocess_lower_const_set_membership(term_ptr t) {
+  return t == nullptr ? nullptr : membership_walk(const_set_as_comparison).run(t, position::positive);
+}
+
+term_ptr solver_preprocess_expand_tuple_equalities(term_ptr t) { return t == nullptr ? nullptr : tuple_walk().run(t); }
+
+}  // namespace vetro
