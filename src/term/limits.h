@@ -3,6 +3,7 @@
 // never a wrong answer.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 
 namespace vetro::limits {
@@ -13,8 +14,8 @@ inline constexpr std::uint32_t beta_result_size = 4'000'000;
 // Factory calls of one solver call. The hardest real goals need some hundred thousand; this is about a second.
 inline constexpr std::uint64_t solver_factory_calls = 10'000'000;
 
-// Connectives of one propositional problem, counted as a tree. A gap of 10,000 assumptions has about 100,000.
-inline constexpr std::uint32_t propositional_nodes = 4'000'000;
+// Connectives and atoms of one propositional problem, counted as a tree. A gap of 10,000 assumptions has about 100,000.
+inline constexpr std::size_t propositional_nodes = 1'000'000;
 
 // Literals that one run of the clause-learning core may look at, counted at each assignment, each return and each
 // resolution. About a second of work; a problem that learns its full quota of clauses needs far less.

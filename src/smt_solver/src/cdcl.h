@@ -1,0 +1,82 @@
+// The propositional engine: conflict-driven clause learning over sparse clauses.
+//
+// It keeps exact counters for each clause and decides without heuristics: the lowest unassigned variable becomes true.
+// The next unit clause is always the one with the lowest index, and a conflict is the first clause in index order that
+// the last assignment falsified. A learnt clause keeps, of the current level, the decision alone.
+//
+// Variables count from 0. A literal is +(v + 1) or -(v + 1).
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <queue>
+#include <span>
+#include <vector>
+
+namespace vetro {
+
+using literal_span = std::span<const int>;
+
+enum cdcl_result : int { cdcl_unsat = 0, cdcl_sat = 1, cdcl_exhausted = -2 };
+
+// What is known of each variable.
+struct var_data {
+  std::vector<std::int8_t> value;  // -1 unassigned, 0 false, 1 true
+  std::vector<int> ancient;        // the clause that forced the value; -1 for a decision or an unassigned variable
+  std::vector<int> dl;             // decision level of the assignment, -1 if unassigned
+};
+
+// What is known of each clause. Between any two steps the counters agree with the values.
+//   state   0 satisfied, 1 in conflict, 2 unit, -k with k >= 2: no literal true, k unassigned
+struct clause_data {
+  std::vector<int> state;
+  std::vector<int> lit_state;     // true literals while the clause is satisfied
+  std::vector<int> unassign_num;  // unassigned literals
+  std::vector<std::size_t> end;   // where the clause's literals end in `literals`; they begin where the last one's end
+  std::vector<int> literals;      // of all clauses, one after the other
+};
+
+// One problem and one run over it. Clauses never change their order; learnt ones are appended.
+struct sat_data {
+  int v_size = 0;      // variables
+  int cl_maxsize = 0;  // capacity in clauses
+  int cur_dl = 0;      // current decision level
+  var_data v_data;
+  clause_data cl_data;
+  std::uint64_t work_left = 0;  // literals that may still be looked at
+
+  int cl_size() const { return static_cast<int>(cl_data.state.size()); }
+  literal_span clause(int c) const;
+
+  // The rest makes the steps cheap and follows from the above.
+  struct occurrence {
+    int clause;
+    bool positive;
+  };
+  std::vector<std::vector<occurrence>> occurs;                       // of each variable, by clause index
+  std::priority_queue<int, std::vector<int>, std::greater<>> units;  // all unit clauses, and former ones
+  std::vector<int> trail;                                            // assigned variables, oldest first
+  int lowest_free = 0;                                               // no variable below is unassigned
+  std::vector<bool> seen;                                            // scratch of clause_learning
+};
+
+// A problem of n variables without clauses, and room for m given clauses: the capacity is 8 m.
+sat_data init_cdcl(int n, int m);
+
+// Appends a clause over unassigned variables. Repeated literals count once; a clause with a literal and its negation is
+// always true and is left out, and so is an empty one.
+void add_clause(sat_data& s, literal_span literals);
+
+// cdcl_unsat; cdcl_sat with a full assignment in v_data; cdcl_exhausted when the capacity ("too many clause\n" on
+// standard output) or the work budget ran out, and nothing was decided.
+cdcl_result cdcl_solver(sat_data& s);
+
+// ---- The steps.
+
+int bcp(sat_data& s);                                           // unit propagation: the clause in conflict, or -1
+int decide(sat_data& s);                                        // the variable decided, or -1 if all are assigned
+std::vector<int> clause_learning(int clause, sat_data& s);      // literals of the learnt clause, by variable
+int conflict_analysis(literal_span learnt, const sat_data& s);  // the level to return to; -1 for an empty clause
+void backtrack(int back_dl, sat_data& s);
+
+}  // namespace vetro
