@@ -2,6 +2,7 @@
 // to it.
 #include "config/config_load.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdio>
 #include <string_view>

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "config/text_file.h"
 #include "lib/dsl_cursor.h"
 #include "lib/line_reader.h"
 #include "lib/semantic_term.h"
@@ -386,10 +387,6 @@ bool script_reader::find_block_open(int assert_line) {
   }
 }
 
-struct file_closer {
-  void operator()(std::FILE* file) const { std::fclose(file); }
-};
-
 }  // namespace
 
 std::optional<dsl_instruction_list> parse_dsl_instructions(std::FILE* file, dsl_parser_error* error) {
@@ -403,7 +400,7 @@ std::optional<dsl_instruction_list> parse_dsl_instructions(std::FILE* file, dsl_
 }
 
 std::optional<dsl_instruction_list> parse_dsl_instructions(const std::string& filename, dsl_parser_error* error) {
-  const std::unique_ptr<std::FILE, file_closer> file(std::fopen(filename.c_str(), "rb"));
+  const text_file file(std::fopen(filename.c_str(), "rb"));
   if (file == nullptr) {
     std::perror("File open failed");
     *error = {0, filename};

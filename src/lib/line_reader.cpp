@@ -8,7 +8,7 @@ namespace vetro {
 line_status qv_read_line(std::FILE* file, std::string& line) {
   line.clear();
   try {
-    for (int c = next_character(file); c != EOF; c = next_character(file)) {
+    for (int c = getc_unlocked(file); c != EOF; c = getc_unlocked(file)) {
       line.push_back(static_cast<char>(c));
       if (c == '\n') {
         return line_status::line;
@@ -22,6 +22,16 @@ line_status qv_read_line(std::FILE* file, std::string& line) {
     return line_status::failed;
   }
   return line.empty() ? line_status::end : line_status::line;
+}
+
+std::string_view without_line_end(std::string_view line) {
+  if (line.ends_with('\n')) {
+    line.remove_suffix(1);
+  }
+  if (line.ends_with('\r')) {
+    line.remove_suffix(1);
+  }
+  return line;
 }
 
 }  // namespace vetro

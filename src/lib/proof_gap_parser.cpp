@@ -1,6 +1,7 @@
 // The proof gap file: numbered assumptions behind "ASSUM:", one goal behind "GOAL:", one formula to a line.
 #include "lib/proof_gap_parser.h"
 
+#include <algorithm>
 #include <cstdio>
 
 #include "config/text_file.h"
@@ -113,11 +114,7 @@ std::optional<proof_gap_full> read_proof_gap(std::FILE* file) {
   std::string line;
   line_status status = qv_read_line(file, line);
   for (; status == line_status::line; status = qv_read_line(file, line)) {
-    std::string_view text = line;
-    if (text.ends_with('\n')) {
-      text.remove_suffix(1);
-    }
-    reader.take(text);
+    reader.take(without_line_end(line));
   }
   if (status == line_status::failed) {
     std::perror("File read failed");

@@ -1,6 +1,7 @@
 // The theorem library file: headers "Thm 12. (name)", each followed by the lines of its formula.
 #include "lib/thm_lib.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <charconv>
 #include <cstdio>
