@@ -290,7 +290,7 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
   const bool bare = meta == nullptr && std::all_of(c.children.begin(), c.children.end(), is_bare) &&
                     std::all_of(c.more.begin(), c.more.end(), is_bare);
   term_ptr bare_twin = bare ? nullptr : stripped(c);
-  const std::string_view stored_text = c.text.empty() ? c.text : text(c.text);
+  const std::string_view stored_text = c.text.empty() ? std::string_view("") : text(c.text);
   const term_meta* stored_meta = meta == nullptr ? nullptr : impl_->store_meta(*meta);
   if ((impl_->used + 1) * 2 > table.size()) {
     impl_->grow();
