@@ -25,7 +25,7 @@ inline constexpr std::size_t propositional_nodes = 1'000'000;
 
 // Literals that one run of the clause-learning core may look at, counted at each assignment, each return and each
 // resolution. About a second of work; a problem that learns its full quota of clauses needs far less.
-inline constexpr std::uint64_t cdcl_work = 300'000'000;
+inline constexpr std::uint64_t cdcl_work = 150'000'000;
 
 // Entries of the formula reader's stack: at the start, and at most.
 inline constexpr std::int64_t parse_stack_initial = 200;
