@@ -31,7 +31,7 @@ term_ptr pair(term_ptr a, term_ptr b) {
 }
 
 term_ptr limit_operator(oper_type plain, limit_index index) {
-  return binary(static_cast<oper_type>(plain + index.side), index.variable, index.point);
+  return binary(static_cast<oper_type>(plain + static_cast<int>(index.side)), index.variable, index.point);
 }
 
 namespace {
@@ -141,7 +141,7 @@ term_ptr quantified(parse_context& context, quant_type quant, const list_cell* v
 relation plain_relation(pred_type pred, term_ptr operand) { return {mk_pred(pred), operand}; }
 
 relation limit_relation(pred_type plain, limit_index index, term_ptr operand) {
-  const term_ptr pred = mk_pred(static_cast<pred_type>(plain + index.side));
+  const term_ptr pred = mk_pred(static_cast<pred_type>(plain + static_cast<int>(index.side)));
   return {mk_apply(mk_apply(pred, index.variable), index.point), operand};
 }
 
