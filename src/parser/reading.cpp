@@ -1,6 +1,7 @@
 // What the rules of the grammar build, one function for each shape.
 #include "parser/reading.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string>
 
@@ -37,18 +38,14 @@ namespace {
 
 bool is_membership(term_ptr head) { return is_pred(head, Belong) || is_pred(head, NotBelong) || is_pred(head, Subset); }
 
-// T(first, second), or T(first, a, b, ...) for a second that is a T itself.
 term_ptr list_in_front(term_ptr first, term_ptr second) {
   const term_ptr parts[] = {first, second};
   return mk_term_list(parts);
 }
 
-// The proposition that opens with a membership, with a term put in front of its left side.
+// The proposition t, which opens with a membership of one term, with another term put in front of that one.
 term_ptr with_term_in_front(term_ptr term, term_ptr t) {
   const term_ptr function = t->left();
-  if (!is_apply(function)) {
-    return mk_apply(is_apply(function) ? with_term_in_front(term, function) : function, t->right());
-  }
   if (is_membership(function->left())) {
     return mk_apply(mk_apply(function->left(), list_in_front(term, function->right())), t->right());
   }
@@ -64,7 +61,8 @@ term_ptr with_term_in_front(term_ptr term, term_ptr t) {
   return mk_apply(with_term_in_front(term, function), t->right());
 }
 
-// «f(a, b ∈ S)» is f of a and b ∈ S, or f of (a, b) ∈ S. Gives whether the arguments have such a place, after reporting.
+// «f(a, b ∈ S)» is f of a and b ∈ S, or f of (a, b) ∈ S. Gives whether the arguments have such a place, after
+// reporting.
 bool report_two_lists(parse_context& context, term_ptr head, const list_cell* arguments) {
   for (const list_cell* cell = arguments; cell != nullptr && cell->before != nullptr; cell = cell->before) {
     if (!cell->opens_membership || !cell->before->is_term) {
