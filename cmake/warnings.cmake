@@ -1,5 +1,8 @@
 # Flags that hold for all code of this project, generated code excepted.
 add_compile_options(-Wall -Wextra -Wpedantic -Wshadow -Werror)
+if(CMAKE_CXX_COMPILER_ID STREQUAL "GNU" AND CMAKE_CXX_COMPILER_VERSION VERSION_LESS 13)
+  add_compile_options(-Wno-restrict)  # this release reports every "text" + std::string
+endif()
 if(VETRO_SANITIZE)
   add_compile_options(-fsanitize=address,undefined -fno-sanitize-recover=all -fno-omit-frame-pointer)
   add_link_options(-fsanitize=address,undefined)
