@@ -12,16 +12,13 @@
 #include <unordered_set>
 #include <utility>
 
+#include "lib/walk_memo.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
 
 namespace vetro {
 namespace {
-
-// Nodes below this size are walked again wherever they stand; a table of results pays only above. It keeps a walk
-// linear in the number of distinct nodes where a formula shares large parts with itself.
-constexpr std::uint32_t worth_remembering = 64;
 
 // A binary application of the bare leaf: no call of the matcher, since this runs over every assumption.
 bool is_binary(term_ptr t, pred_type pred) {
@@ -40,7 +37,7 @@ using membership_rule = term_ptr (*)(term_ptr element, term_ptr set, position wh
 // an argument of a term, such as the index part of a sum, is notation and stays.
 class membership_walk {
  public:
-  explicit membership_walk(membership_rule rule) : rule_(rule) {}
+  membership_walk(membership_rule rule, term_ptr root) : rule_(rule), known_{walk_memo(root), walk_memo(root)} {}
 
   term_ptr run(term_ptr t, position where) {
     if (is_binary(t, Belong)) {
@@ -51,16 +48,9 @@ class membership_walk {
     if (!view) {
       return t;
     }
-    if (t->size() < worth_remembering) {
-      return rebuild(t, *view, where);
-    }
-    auto& known = known_[where == position::positive ? 0 : 1];
-    if (const auto found = known.find(t); found != known.end()) {
-      return found->second;
-    }
-    term_ptr result = rebuild(t, *view, where);
-    known.emplace(t, result);
-    return result;
+    walk_memo& known = known_[where == position::positive ? 0 : 1];
+    term_ptr before = known.find(t);
+    return before != nullptr ? before : known.keep(t, rebuild(t, *view, where));
   }
 
  private:
@@ -76,7 +66,7 @@ class membership_walk {
   }
 
   membership_rule rule_;
-  std::array<std::unordered_map<term_ptr, term_ptr>, 2> known_;
+  std::array<walk_memo, 2> known_;  // by position
 };
 
 struct interval_row {
@@ -153,16 +143,11 @@ term_ptr tuple_components(term_ptr t) {
 
 class tuple_walk {
  public:
+  explicit tuple_walk(term_ptr root) : known_(root) {}
+
   term_ptr run(term_ptr t) {
-    if (t->size() < worth_remembering) {
-      return rebuild(t);
-    }
-    if (const auto found = known_.find(t); found != known_.end()) {
-      return found->second;
-    }
-    term_ptr result = rebuild(t);
-    known_.emplace(t, result);
-    return result;
+    term_ptr before = known_.find(t);
+    return before != nullptr ? before : known_.keep(t, rebuild(t));
   }
 
  private:
@@ -199,7 +184,7 @@ class tuple_walk {
     return with_meta(joined, meta);
   }
 
-  std::unordered_map<term_ptr, term_ptr> known_;
+  walk_memo known_;
 };
 
 // ---- What each assumption gives, remembered for the whole run: the same assumptions come back with every question.
@@ -273,13 +258,13 @@ term_ptr solver_preprocess_expand_shared_membership(term_ptr t) {
 }
 
 term_ptr solver_preprocess_expand_interval_membership(term_ptr t) {
-  return t == nullptr ? nullptr : membership_walk(interval_as_comparisons).run(t, position::positive);
+  return t == nullptr ? nullptr : membership_walk(interval_as_comparisons, t).run(t, position::positive);
 }
 
 term_ptr solver_preprocess_lower_const_set_membership(term_ptr t) {
-  return t == nullptr ? nullptr : membership_walk(const_set_as_comparison).run(t, position::positive);
+  return t == nullptr ? nullptr : membership_walk(const_set_as_comparison, t).run(t, position::positive);
 }
 
-term_ptr solver_preprocess_expand_tuple_equalities(term_ptr t) { return t == nullptr ? nullptr : tuple_walk().run(t); }
+term_ptr solver_preprocess_expand_tuple_equalities(term_ptr t) { return t == nullptr ? nullptr : tuple_walk(t).run(t); }
 
 }  // namespace vetro

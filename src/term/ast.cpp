@@ -42,9 +42,10 @@ class arena {
   void* take(std::size_t bytes, std::size_t alignment) {
     std::size_t start = (used_ + alignment - 1) & ~(alignment - 1);
     if (chunks_.empty() || start + bytes > limit_) {
-      limit_ = std::max(chunk_bytes, bytes);
-      chunks_.push_back(std::make_unique_for_overwrite<std::byte[]>(limit_));
-      total_ += limit_;
+      const std::size_t size = std::max(chunk_bytes, bytes);
+      chunks_.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
+      limit_ = size;
+      total_ += size;
       start = 0;
     }
     used_ = start + bytes;
@@ -58,6 +59,8 @@ class arena {
   std::size_t limit_ = 0;
   std::size_t total_ = 0;
 };
+
+bool is_bare(term_ptr t) { return t == nullptr || t->bare() == t; }
 
 bool same_meta(const term_meta* a, const term_meta* b) {
   if (a == b) {
@@ -175,13 +178,27 @@ struct term_store::impl {
       if (node == nullptr) {
         continue;
       }
-      std::size_t slot = node->hash_ & (wider.size() - 1);
-      while (wider[slot] != nullptr) {
-        slot = (slot + 1) & (wider.size() - 1);
-      }
-      wider[slot] = node;
+      wider[free_slot(wider, node->hash_)] = node;
     }
     table.swap(wider);
+  }
+
+  static std::size_t free_slot(const std::vector<term*>& in, std::uint64_t hash) {
+    std::size_t slot = hash & (in.size() - 1);
+    while (in[slot] != nullptr) {
+      slot = (slot + 1) & (in.size() - 1);
+    }
+    return slot;
+  }
+
+  void put(term* node, std::uint64_t hash) {
+    table[free_slot(table, hash)] = node;
+    ++used;
+  }
+
+  const term_meta* store_meta(const term_meta& meta) {
+    metas.push_back(std::make_unique<term_meta>(meta));
+    return metas.back().get();
   }
 };
 
@@ -268,13 +285,20 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
     }
   }
 
+  // Whatever can run out of memory comes before the node is in the table, so that a solver which is stopped by it
+  // leaves no half-built node behind.
+  const bool bare = meta == nullptr && std::all_of(c.children.begin(), c.children.end(), is_bare) &&
+                    std::all_of(c.more.begin(), c.more.end(), is_bare);
+  term_ptr bare_twin = bare ? nullptr : stripped(c);
+  const std::string_view stored_text = c.text.empty() ? std::string_view("") : text(c.text);
+  const term_meta* stored_meta = meta == nullptr ? nullptr : impl_->store_meta(*meta);
+  if ((impl_->used + 1) * 2 > table.size()) {
+    impl_->grow();
+  }
   term* node = static_cast<term*>(impl_->memory.take(sizeof(term) + count * sizeof(term_ptr), alignof(term)));
   new (node) term;
   auto* children = reinterpret_cast<term_ptr*>(node + 1);
-  table[slot] = node;
-  if (++impl_->used * 2 > table.size()) {
-    impl_->grow();
-  }
+  impl_->put(node, hash);
 
   node->type_ = c.type;
   node->code_ = c.code;
@@ -282,9 +306,9 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
   node->child_count_ = static_cast<std::uint32_t>(count);
   node->serial_ = impl_->serial++;
   node->hash_ = hash;
-  node->text_ = c.text.empty() ? c.text : text(c.text);
+  node->text_ = stored_text;
   node->types_ = c.types;
-  node->meta_ = nullptr;
+  node->meta_ = stored_meta;
   node->facts_ = 0;
   node->size_ = 1;
   node->depth_ = 0;
@@ -295,7 +319,6 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
     node->blind_ = mix(node->blind_, hash_text(c.text));
   }
 
-  bool bare = meta == nullptr;
   const auto absorb = [&](term_ptr part) {
     node->facts_ |= part->facts_;
     node->size_ = saturating_add(node->size_, part->size_);
@@ -307,7 +330,6 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
     children[i] = child(i);
     if (child(i) != nullptr) {
       absorb(child(i));
-      bare = bare && child(i)->bare_ == child(i);
     }
   }
   switch (c.type) {
@@ -327,8 +349,6 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
       break;
   }
   if (meta != nullptr) {
-    impl_->metas.push_back(std::make_unique<term_meta>(*meta));
-    node->meta_ = impl_->metas.back().get();
     node->facts_ |= fact_meta;
     for (term_ptr binder : meta->binders) {
       absorb(binder);
@@ -339,22 +359,23 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
       node->facts_ |= fact_scope;
     }
   }
-  if (bare) {
-    node->bare_ = node;
-    return node;
-  }
-  term_list plain;
-  plain.reserve(count);
-  for (std::size_t i = 0; i < count; ++i) {
-    plain.push_back(child(i) == nullptr ? nullptr : child(i)->bare_);
-  }
-  content stripped = c;
-  stripped.children = plain;
-  stripped.more = {};
-  stripped.text = node->text_;
-  --calls_;  // the bare twin is part of this one call
-  node->bare_ = intern(stripped, nullptr);
+  node->bare_ = bare ? node : bare_twin;
   return node;
+}
+
+term_ptr term_store::stripped(const content& c) {
+  term_list plain;
+  plain.reserve(c.children.size() + c.more.size());
+  for (term_span part : {c.children, c.more}) {
+    for (term_ptr child : part) {
+      plain.push_back(child == nullptr ? nullptr : child->bare_);
+    }
+  }
+  content without_metadata = c;
+  without_metadata.children = plain;
+  without_metadata.more = {};
+  --calls_;  // the bare twin is part of the call that needs it
+  return intern(without_metadata, nullptr);
 }
 
 term_ptr term_store::rebuilt(term_ptr t, const term_meta* meta) {

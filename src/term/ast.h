@@ -251,6 +251,8 @@ class term_store {
   std::size_t bytes() const;
 
  private:
+  term_ptr stripped(const content& c);  // the bare twin of a node that is being built
+
   struct impl;
   std::unique_ptr<impl> impl_;
   std::uint64_t calls_ = 0;

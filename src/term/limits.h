@@ -11,6 +11,12 @@ namespace vetro::limits {
 // Nodes (as a tree) that beta normalisation may produce. Applied lambdas can double a term at each level.
 inline constexpr std::uint32_t beta_result_size = 4'000'000;
 
+// Reductions in one beta normalisation. Real proofs need a few; a term without a normal form would go on for ever.
+inline constexpr std::uint32_t beta_reductions = 100'000;
+
+// Nodes (as a tree) of the results of all reductions in one beta normalisation, so that many large steps end too.
+inline constexpr std::uint64_t beta_work = 40'000'000;
+
 // Factory calls of one solver call. The hardest real goals need some hundred thousand; this is about a second.
 inline constexpr std::uint64_t solver_factory_calls = 10'000'000;
 
@@ -19,6 +25,15 @@ inline constexpr std::size_t propositional_nodes = 1'000'000;
 
 // Literals that one run of the clause-learning core may look at, counted at each assignment, each return and each
 // resolution. About a second of work; a problem that learns its full quota of clauses needs far less.
-inline constexpr std::uint64_t cdcl_work = 300'000'000;
+inline constexpr std::uint64_t cdcl_work = 150'000'000;
+
+// Entries of the formula reader's stack: at the start, and at most.
+inline constexpr std::int64_t parse_stack_initial = 200;
+inline constexpr std::int64_t parse_stack = 1'000'000;
+
+// While the reader follows several readings of a text at once, entries for all that these have read, and readings.
+// Real formulas open a handful of readings over a few tokens; brackets nested within open readings double them.
+inline constexpr std::int64_t parse_stack_of_readings = 8'000'000;
+inline constexpr std::size_t parse_readings = 256;
 
 }  // namespace vetro::limits

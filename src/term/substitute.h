@@ -12,6 +12,9 @@ namespace vetro {
 // context (bound and free alike; null means no context). Null with "Error: fresh has invalid argument\n" for a non-Var.
 term_ptr fresh(term_ptr var, term_ptr context);
 
+// The same with several contexts, none of which may hold the name.
+term_ptr fresh_avoiding(term_ptr var, term_span contexts);
+
 // True when var is a Var whose name occurs nowhere in context. A null context gives false.
 bool term_is_fresh_var(term_ptr var, term_ptr context);
 

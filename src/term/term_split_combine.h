@@ -2,6 +2,7 @@
 #pragma once
 
 #include <optional>
+#include <string>
 #include <string_view>
 
 #include "term/ast.h"
@@ -49,29 +50,35 @@ term_ptr make_binPred_prop(pred_type pred, term_ptr t1, term_ptr t2);
 term_ptr make_binOp_term(oper_type oper, term_ptr t1, term_ptr t2);
 term_ptr make_unOp_term(oper_type oper, term_ptr t1);
 term_ptr make_const(const_type type, int num);  // num is the value of an Integer, ignored otherwise
-term_ptr make_var(int id);                      // the variable "qvar%d"
+std::string make_quantvar_str(int id);          // "qvar%d"
+term_ptr make_var(int id);                      // the variable of that name
 term_ptr make_tuple(term_span components);      // Tuple(T(components))
 
 // The conjuncts of t in text order; scopes on an And go to its conjuncts, and every scope is brought to its flat form.
 term_list term_split_and(term_ptr t);
 term_ptr term_split_and_preserve(term_ptr t);
 
-// The links of a comparison nested on its left side, or of a PredChain, last link first; (t) for any other term.
+// The links of a comparison nested on its left side, or of a PredChain, last link first; (t) for any other term, and
+// the empty list for null.
 term_list long_order_split(term_ptr t);
 
-// Null for the empty list, the element for one, else joined by And: nested to the right, or to the left.
+// Null for the empty list, the element for one, else joined by And: the first nests to the right, the second to the
+// left.
 term_ptr and_compose(term_span list);
 term_ptr lambda_condition_from_list(term_span list);
 
 // Chained relations.
 bool is_predchain(term_ptr t);
 term_list predchain_split(term_ptr t);  // the relations in text order; empty when t is no chain
-term_ptr elim_predchain(term_ptr t);    // each chain replaced by the conjunction of its relations
-term_ptr atomic_to_pre_chained_prop(term_ptr t);
-term_ptr pre_chained_prop_add(term_ptr chain, term_ptr pred, term_ptr operand);
+term_ptr elim_predchain(term_ptr t);    // each chain replaced by the conjunction of its relations; null for null
+// A chain from its n predicates and n + 1 operands; the next two build it link by link, which costs a copy each time.
+term_ptr make_predchain(term_span preds, term_span operands);
+term_ptr atomic_to_pre_chained_prop(term_ptr t);                                 // null for any other shape
+term_ptr pre_chained_prop_add(term_ptr chain, term_ptr pred, term_ptr operand);  // on failure chain as it was
 
 // Directly nested quantifiers of one kind joined into one, everywhere in t.
 bool is_Quant_in_Quant(term_ptr t);
 term_ptr merge_quant_term(term_ptr t);
+term_list merge_quant_term_list(term_span list);
 
 }  // namespace vetro

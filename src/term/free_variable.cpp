@@ -1,0 +1,140 @@
+// Free variables in one pass: what is bound on the way down is known at every variable, so nothing has to be taken out
+// of a result again.
+#include "term/free_variable.h"
+
+#include <algorithm>
+
+#include "term/report.h"
+#include "term/walk_tools.h"
+
+namespace vetro {
+namespace {
+
+class free_variable_walk {
+ public:
+  explicit free_variable_walk(term_span bound) {
+    for (term_ptr var : bound) {
+      bound_.bind(var);
+    }
+  }
+
+  void walk(term_ptr t) {
+    if (t == nullptr) {
+      report_error("Error: term_free_variable visiting NULL pointer\n");
+      return;
+    }
+    if (t->size() >= worth_remembering && !t->has(fact_empty_list) && !met_.insert({bindings_, t}).second) {
+      return;  // its variables are all known, and no line would be printed
+    }
+    const std::size_t before = bound_.size();
+    const std::uint64_t bindings_before = bindings_;
+    bind(t->binders());
+    walk_content(t);
+    if (t->scope() != nullptr) {
+      walk(t->scope());
+    }
+    bound_.release(before);
+    bindings_ = bindings_before;
+  }
+
+  void walk_list(term_span list) {
+    if (list.empty()) {
+      report_error("Error: term_list_free_variable visiting NULL pointer\n");
+    }
+    for (term_ptr t : list) {
+      walk(t);
+    }
+  }
+
+  const term_list& found() const { return found_.list(); }
+
+ private:
+  void walk_content(term_ptr t) {
+    if (term_is_var(t)) {
+      if (!bound_.contains(t)) {
+        found_.add(t->bare());
+      }
+      return;
+    }
+    switch (t->type()) {
+      case Apply:
+        walk(t->left());
+        walk(t->right());
+        return;
+      case Lambda:
+      case Quant:
+        walk_binding(t);
+        return;
+      case TermList:
+        walk_list(t->elements());
+        return;
+      case FreeVarTag:
+        walk(t->body());
+        return;
+      default:
+        return;
+    }
+  }
+
+  // Every free variable of an entry is bound inside: x, and the x and the S of x ∈ S.
+  [[gnu::noinline]] void walk_binding(term_ptr t) {
+    const std::size_t before = bound_.size();
+    const std::uint64_t bindings_before = bindings_;
+    if (std::all_of(t->vars().begin(), t->vars().end(), [](term_ptr v) { return is_var(v) && !v->has_meta(); })) {
+      bind(t->vars());
+    } else {
+      free_variable_walk entries{{}};
+      for (term_ptr var : t->vars()) {
+        entries.walk(var);
+      }
+      bind(entries.found());
+    }
+    if (t->type() == Lambda && t->condition() != nullptr) {
+      walk(t->condition());
+    }
+    walk(t->body());
+    bound_.release(before);
+    bindings_ = bindings_before;
+  }
+
+  void bind(term_span vars) {
+    for (term_ptr var : vars) {
+      bound_.bind(var);
+      bindings_ = ++last_bindings_;
+    }
+  }
+
+  bound_names bound_;
+  ordered_terms found_;
+  std::uint64_t bindings_ = 0;  // number of the present state of the bindings
+  std::uint64_t last_bindings_ = 0;
+  visited_nodes met_;
+};
+
+}  // namespace
+
+bool term_is_var(term_ptr t) {
+  if (t == nullptr) {
+    report_error("Error: term_is_var visiting NULL pointer\n");
+    return false;
+  }
+  if (t->type() != Apply || t->left()->type() != Apply) {
+    return t->type() == Var;
+  }
+  const term_ptr head = t->left()->left();
+  return head->type() == Oper && head->oper() == Index;
+}
+
+term_list term_free_variable(term_ptr t, term_span bound) {
+  free_variable_walk walk(bound);
+  walk.walk(t);
+  return walk.found();
+}
+
+term_list term_list_free_variable(term_span list, term_span bound) {
+  free_variable_walk walk(bound);
+  walk.walk_list(list);
+  return walk.found();
+}
+
+}  // namespace vetro

@@ -1,0 +1,146 @@
+// What assumptions are found to say, and what they must not be made to say.
+#include "qv_solver_list/solver_fixture.h"
+#include "qv_solver_list/solver_preprocess.h"
+#include "term/compare.h"
+#include "term/term_split_combine.h"
+
+namespace vetro {
+namespace {
+
+class preprocess : public solver_test {
+ protected:
+  // The derived facts, in their order.
+  static std::string derived(std::initializer_list<std::string_view> assumptions) {
+    const solve_data source = given(assumptions);
+    solve_data enriched;
+    EXPECT_TRUE(solver_preprocess_build_augmented_sdata(source, enriched));
+    EXPECT_TRUE(std::equal(source.assum.begin(), source.assum.end(), enriched.assum.begin()));
+    return shown(term_list(enriched.assum.begin() + source.assum.size(), enriched.assum.end()));
+  }
+
+  static std::string lowered(std::string_view text) {
+    return shown(solver_preprocess_expand_shared_membership(read(text)));
+  }
+  static std::string opened(std::string_view text) {
+    return shown(solver_preprocess_expand_tuple_equalities(read(text)));
+  }
+};
+
+TEST_F(preprocess, IntervalsBecomeComparisons) {
+  EXPECT_EQ(derived({"x ∈ (a, b)"}), "a < x; x < b");
+  EXPECT_EQ(derived({"x ∈ [a, b)"}), "a ≤ x; x < b");
+  EXPECT_EQ(derived({"x ∈ (a, b]"}), "a < x; x ≤ b");
+  EXPECT_EQ(derived({"x ∈ [a, b]"}), "a ≤ x; x ≤ b");
+  EXPECT_EQ(derived({"x ∈ A"}), "");
+}
+
+TEST_F(preprocess, SignedSetsBecomeComparisons) {
+  EXPECT_EQ(derived({"n ∈ PosIntegerSet"}), "n ≥ 1");
+  EXPECT_EQ(derived({"n ∈ NegIntegerSet"}), shown(make_binPred_prop(Le, mk_var("n"), mk_integer(-1))));
+  for (const std::string kind : {"Integer", "Rational", "Real"}) {
+    EXPECT_EQ(derived({"n ∈ NonPos" + kind + "Set"}), "n ≤ 0");
+    EXPECT_EQ(derived({"n ∈ NonNeg" + kind + "Set"}), "n ≥ 0");
+    EXPECT_EQ(derived({"n ∈ " + kind + "Set"}), "");
+    if (kind != "Integer") {
+      EXPECT_EQ(derived({"n ∈ Pos" + kind + "Set"}), "n > 0");
+      EXPECT_EQ(derived({"n ∈ Neg" + kind + "Set"}), "n < 0");
+    }
+  }
+}
+
+TEST_F(preprocess, DiscreteSetsAreLoweredOnlyWhereAWeakerStatementFollows) {
+  EXPECT_EQ(lowered("n ∈ NatPlus ∧ (m ∈ Nat ∨ a = 1)"), "n ≥ 1 ∧ (m ≥ 0 ∨ a = 1)");
+  EXPECT_EQ(lowered("a = 1 ⇒ n ∈ NatPlus"), "a = 1 ⇒ n ≥ 1");
+  // From these the comparison would not follow: x = 1/2 is no positive integer and not below 1 either.
+  for (const std::string_view untouched :
+       {"¬(x ∈ NatPlus)", "x ∈ NatPlus ⇒ a = 1", "x ∈ NatPlus ⇔ a = 1", "a = 1 ⇔ x ∈ RationalPlus",
+        "¬(a = 1 ∧ x ∈ RationalPlus)", "a = 1 ⇒ ¬(x ∈ Nat)"}) {
+    EXPECT_EQ(solver_preprocess_expand_shared_membership(read(untouched)), read(untouched)) << untouched;
+  }
+  // About a real, these say the same as their comparison.
+  EXPECT_EQ(lowered("¬(x ∈ RealPlus)"), "¬x > 0");
+  EXPECT_EQ(lowered("x ∈ (0, 1) ⇔ a = 1"), "0 < x ∧ x < 1 ⇔ a = 1");
+}
+
+TEST_F(preprocess, MembershipsThatAreNoPropositionStay) {
+  for (const std::string_view untouched :
+       {"sum_{i ∈ [1, n]}(a_i) = 1", "sum_{i ∈ NatPlus}(a_i) = 1", "forall (x ∈ [0, 1]), x = 1",
+        "forall (x), x ∈ [0, 1] ⇒ x = 1", "{x | x ∈ [0, 1]} = A"}) {
+    EXPECT_EQ(solver_preprocess_expand_shared_membership(read(untouched)), read(untouched)) << untouched;
+    EXPECT_EQ(derived({untouched}), "") << untouched;
+  }
+}
+
+TEST_F(preprocess, TupleEquationsOpen) {
+  EXPECT_EQ(derived({"(a, b) = (c, d)"}), "a = c; b = d");
+  EXPECT_EQ(derived({"(a, b, p) = (c, d, q)"}), "a = c; b = d; p = q");
+  EXPECT_EQ(derived({"((a, b), x) = ((c, d), y)"}), "a = c; b = d; x = y");
+  EXPECT_EQ(derived({"(a, b) = (c, d, p)"}), "");
+  EXPECT_EQ(derived({"(a, b) = p"}), "");
+  EXPECT_EQ(derived({"a = 1 ∨ (a, b) = (c, d)"}), "a = 1 ∨ a = c ∧ b = d");
+  EXPECT_EQ(opened("forall (x), (x, b) = (c, d)"), "forall (x), x = c ∧ b = d");
+}
+
+TEST_F(preprocess, MetadataOfUntouchedPartsStays) {
+  const std::string_view text = "sum_{i = 1}^{n}(i) = 1 [@scope n > 0 @] ∧ x ∈ RealPlus";
+  term_ptr sum_part = split_connect(read(text), And).front();
+  ASSERT_NE(sum_part->scope(), nullptr);
+  term_ptr result = solver_preprocess_expand_shared_membership(read(text));
+  EXPECT_EQ(split_connect(result, And).front(), sum_part);
+  EXPECT_EQ(solver_preprocess_expand_tuple_equalities(result), result);
+
+  // An opened equation gives what stands on it to its parts and to the whole; its scope is opened too.
+  term_ptr equation = read("(a, b) = (c, d) [@scope (p, q) = (r, s) @]");
+  term_ptr parts = solver_preprocess_expand_tuple_equalities(equation);
+  EXPECT_EQ(shown(parts->scope()), "p = r ∧ q = s");
+  for (term_ptr part : split_connect(parts, And)) {
+    EXPECT_EQ(shown(part->scope()), "p = r ∧ q = s");
+  }
+}
+
+TEST_F(preprocess, NothingIsHeldTwice) {
+  EXPECT_EQ(derived({"x > 0 ∧ y > 0", "x > 0"}), "y > 0");
+  EXPECT_EQ(derived({"x > 0 ∧ y > 0", "y > 0 ∧ x > 0"}), "x > 0; y > 0");
+  EXPECT_EQ(derived({"x > 0", "x > 0"}), "");
+  EXPECT_EQ(derived({"x ∈ RealPlus", "x > 0"}), "");
+  EXPECT_EQ(derived({"a = 1 ∧ (forall (x), x > 0)", "forall (y), y > 0"}), "a = 1");
+}
+
+TEST_F(preprocess, EnrichmentIsTheSameAtEveryLevel) {
+  const solve_data source = given({"x ∈ [0, 1] ∧ n ∈ NatPlus", "(a, b) = (c, d)", "a = 1"});
+  solve_data once;
+  solve_data twice;
+  ASSERT_TRUE(solver_preprocess_build_augmented_sdata(source, once));
+  ASSERT_TRUE(solver_preprocess_build_augmented_sdata(once, twice));
+  EXPECT_EQ(once.assum, twice.assum);
+  EXPECT_EQ(once.assum.size(), 8U);
+}
+
+TEST_F(preprocess, NullsAndEmptyRecords) {
+  solve_data source;
+  solve_data enriched;
+  EXPECT_TRUE(solver_preprocess_build_augmented_sdata(source, enriched));
+  EXPECT_TRUE(enriched.assum.empty());
+  source.assum = {read("x ∈ RealPlus"), nullptr};
+  EXPECT_FALSE(solver_preprocess_build_augmented_sdata(source, enriched));
+  EXPECT_EQ(solver_preprocess_expand_shared_membership(nullptr), nullptr);
+  EXPECT_EQ(solver_preprocess_expand_tuple_equalities(nullptr), nullptr);
+}
+
+TEST_F(preprocess, SharedAndDeepFormulasCostTheirDistinctNodes) {
+  term_ptr shared = read("x ∈ [0, 1]");
+  for (int level = 0; level < 200; ++level) {
+    shared = make_composed_prop(Iff, shared, shared);
+  }
+  EXPECT_NE(solver_preprocess_expand_shared_membership(shared), shared);
+  EXPECT_EQ(solver_preprocess_expand_tuple_equalities(shared), shared);
+
+  term_ptr deep = read("x ∈ NatPlus");
+  for (int level = 0; level < 200'000; ++level) {
+    deep = make_composed_prop(Or, deep, read("a = 1"));
+  }
+  EXPECT_NE(solver_preprocess_expand_shared_membership(deep), deep);
+}
+
+}  // namespace
+}  // namespace vetro
