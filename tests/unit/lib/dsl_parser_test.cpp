@@ -243,7 +243,7 @@ TEST(dsl_parser, theorem_references) {
 
 TEST(dsl_parser, a_formula_that_does_not_parse_leaves_a_reference_without_one) {
   for (const char* formula : {"", "+", "a {+} b", "a b )"}) {
-    const std::string braced = "{" + std::string(formula) + "}";
+    const std::string braced = std::string("{") + formula + "}";
     const parsed_script script = parse_script("apply (hypothesis 1: " + braced + ")\napply (GOAL: {p})\n");
     ASSERT_TRUE(script.list.has_value()) << formula;
     EXPECT_EQ(std::get<dsl_apply>(script.list->front().content).hypo.t, nullptr) << formula;
