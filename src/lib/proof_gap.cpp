@@ -9,27 +9,30 @@ namespace {
 struct gap_layout {
   const char* before_number;
   const char* method_heading;
-  void (*print)(std::string& out, term_ptr t);
 };
 
-constexpr gap_layout pretty_layout = {"", "\n\nMETHOD:\n", print_term};
-constexpr gap_layout internal_layout = {"hypothesis ", "\n\nMethod:\n", print_term_internal};
+constexpr gap_layout pretty_layout = {"", "\n\nMETHOD:\n"};
+constexpr gap_layout internal_layout = {"hypothesis ", "\n\nMethod:\n"};
 
-void print_gap(std::string& out, const proof_gap_full& gap, const gap_layout& layout) {
+}  // namespace
+
+void print_proof_gap_full_with(std::string& out, const proof_gap_full& gap, bool internal,
+                               const gap_term_printer& print) {
+  const gap_layout& layout = internal ? internal_layout : pretty_layout;
   out += "ASSUM:\n";
   int number = 0;
   for (term_ptr assumption : gap.assum) {
     out += layout.before_number;
     out += std::to_string(++number);
     out += ". ";
-    layout.print(out, assumption);
+    print(out, assumption);
     out += '\n';
   }
   out += "\nGOAL:\n";
   if (proof_gap_full_is_finished(gap)) {
     out += "[finished]\n";
   } else {
-    layout.print(out, gap.goal);
+    print(out, gap.goal);
   }
   out += layout.method_heading;
   for (const method& m : gap.meth_list) {
@@ -38,8 +41,6 @@ void print_gap(std::string& out, const proof_gap_full& gap, const gap_layout& la
     out += " @]";
   }
 }
-
-}  // namespace
 
 bool proof_gap_full_is_finished(const proof_gap_full& gap) { return gap.goal != nullptr && gap.finished; }
 
@@ -59,10 +60,12 @@ void proof_gap_full_mark_unfinished(proof_gap_full& gap) {
 
 void add_assumption(proof_gap_full& gap, term_ptr t) { gap.assum.push_back(t); }
 
-void print_proof_gap_full(std::string& out, const proof_gap_full& gap) { print_gap(out, gap, pretty_layout); }
+void print_proof_gap_full(std::string& out, const proof_gap_full& gap) {
+  print_proof_gap_full_with(out, gap, false, print_term);
+}
 
 void print_proof_gap_full_internal(std::string& out, const proof_gap_full& gap) {
-  print_gap(out, gap, internal_layout);
+  print_proof_gap_full_with(out, gap, true, print_term_internal);
 }
 
 }  // namespace vetro

@@ -27,4 +27,13 @@ inline constexpr std::size_t propositional_nodes = 1'000'000;
 // resolution. About a second of work; a problem that learns its full quota of clauses needs far less.
 inline constexpr std::uint64_t cdcl_work = 150'000'000;
 
+// Entries of the formula reader's stack: at the start, and at most.
+inline constexpr std::int64_t parse_stack_initial = 200;
+inline constexpr std::int64_t parse_stack = 1'000'000;
+
+// While the reader follows several readings of a text at once, entries for all that these have read, and readings.
+// Real formulas open a handful of readings over a few tokens; brackets nested within open readings double them.
+inline constexpr std::int64_t parse_stack_of_readings = 8'000'000;
+inline constexpr std::size_t parse_readings = 256;
+
 }  // namespace vetro::limits

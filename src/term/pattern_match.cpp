@@ -2,12 +2,13 @@
 // another number of arguments is refused after a few steps down its own spine.
 #include "term/pattern_match.h"
 
-#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
 #include <string>
 #include <unordered_map>
+#include <utility>
+#include <vector>
 
 #include "term/compare.h"
 #include "term/report.h"
@@ -16,11 +17,31 @@
 namespace vetro {
 namespace {
 
-// A pattern with its left spine laid open.
+// A pattern with its left spine laid open, and what decides most matches told apart beforehand.
 struct compiled_pattern {
+  struct argument {
+    term_ptr pattern;
+    bool any;  // "?"
+  };
   term_ptr head;
-  term_list arguments;
+  bool exact_head;  // a leaf without metadata: it matches itself
+  std::vector<argument> arguments;
 };
+
+bool carries_nothing(term_ptr t) { return !t->has_meta() || (t->scope() == nullptr && t->binders().empty()); }
+
+std::unique_ptr<compiled_pattern> compile(term_ptr pattern) {
+  const spine parts = spine_of(pattern);
+  auto compiled = std::make_unique<compiled_pattern>();
+  compiled->head = parts.head;
+  compiled->exact_head = parts.head->children().empty() && parts.head->type() != Pattern &&
+                         parts.head->type() != TermList && !parts.head->has_meta();
+  for (term_ptr argument : parts.args) {
+    const bool any = argument->type() == Pattern && argument->pattern() == PatternWildCard;
+    compiled->arguments.push_back({argument, any});
+  }
+  return compiled;
+}
 
 // The reader is a function and no state of a run; it stays when the state is thrown away.
 pattern_reader installed_reader = nullptr;
@@ -48,7 +69,7 @@ process_state::process_state() : patterns(std::make_unique<pattern_cache>()) {}
 
 process_state::~process_state() = default;
 
-void match_init(pattern_reader reader) { installed_reader = reader; }
+pattern_reader match_init(pattern_reader reader) { return std::exchange(installed_reader, reader); }
 
 namespace {
 
@@ -64,9 +85,7 @@ const compiled_pattern* pattern_of_text(const char* text) {
     report_error("Error: parsing pattern error\n");
     return nullptr;
   }
-  spine parts = spine_of(parsed);
-  auto compiled = std::make_unique<compiled_pattern>(compiled_pattern{parts.head, std::move(parts.args)});
-  return state().patterns->texts.try_emplace(text, std::move(compiled)).first->second.get();
+  return state().patterns->texts.try_emplace(text, compile(parsed)).first->second.get();
 }
 
 const compiled_pattern* pattern_of_literal(const char* literal) {
@@ -80,8 +99,6 @@ const compiled_pattern* pattern_of_literal(const char* literal) {
   }
   return slot.pattern;
 }
-
-bool carries_nothing(term_ptr t) { return !t->has_meta() || (t->scope() == nullptr && t->binders().empty()); }
 
 // term_eqb with a leaf of the pattern: a scope and binders of t count. Between leaves that have neither it is identity.
 bool matches_leaf(term_ptr t, term_ptr leaf) {
@@ -156,35 +173,49 @@ int match_quant(term_ptr t, term_ptr pattern, term_ptr* slots) {
   return match_next(match_term_list(t->vars(), pattern->vars(), slots), t->body(), pattern->body(), slots);
 }
 
-// The spine of the pattern against the spine of t: first the head, which decides most often, then the arguments in
-// order. What the head captures comes first, as in a walk of the tree.
-int match_compiled(term_ptr t, const compiled_pattern& pattern, term_ptr* slots) {
+int match_argument(int captures, term_ptr t, const compiled_pattern::argument& argument, term_ptr* slots) {
+  if (argument.any) {
+    slots[captures] = t;
+    return captures + 1;
+  }
+  return match_next(captures, t, argument.pattern, slots);
+}
+
+// The arguments of a spine that has at least those of the pattern, in order; they lie on it from the inside out.
+int match_arguments(int captures, term_ptr t, const compiled_pattern& pattern, term_ptr* slots) {
   const std::size_t count = pattern.arguments.size();
+  constexpr std::size_t few = 8;
+  std::array<term_ptr, few> near;
+  term_list far;
+  term_ptr* arguments = near.data();
+  if (count > few) {
+    far.resize(count);
+    arguments = far.data();
+  }
+  for (std::size_t i = count; i-- > 0; t = t->left()) {
+    arguments[i] = t->right();
+  }
+  for (std::size_t i = 0; captures >= 0 && i < count; ++i) {
+    captures = match_argument(captures, arguments[i], pattern.arguments[i], slots);
+  }
+  return captures;
+}
+
+// The spine of the pattern against the spine of t: first the head, which decides most often, then the arguments. What
+// the head captures comes first, as in a walk of the tree.
+int match_compiled(term_ptr t, const compiled_pattern& pattern, term_ptr* slots) {
   term_ptr head = t;
-  for (std::size_t i = 0; i < count; ++i) {
+  for (std::size_t i = pattern.arguments.size(); i > 0; --i) {
     if (head->type() != Apply) {
       return -1;
     }
     head = head->left();
   }
-  int captures = match_term(head, pattern.head, slots);
-  // The arguments lie along the spine from the inside out.
-  constexpr std::size_t few = 8;
-  term_ptr near[few];
-  term_list far;
-  term_ptr* arguments = near;
-  if (count > few) {
-    far.resize(count);
-    arguments = far.data();
+  if (pattern.exact_head && head == pattern.head) {
+    return match_arguments(0, t, pattern, slots);
   }
-  term_ptr node = t;
-  for (std::size_t i = count; captures >= 0 && i-- > 0; node = node->left()) {
-    arguments[i] = node->right();
-  }
-  for (std::size_t i = 0; captures >= 0 && i < count; ++i) {
-    captures = match_next(captures, arguments[i], pattern.arguments[i], slots);
-  }
-  return captures;
+  const int captures = match_term(head, pattern.head, slots);
+  return captures < 0 ? -1 : match_arguments(captures, t, pattern, slots);
 }
 
 int match_against(term_ptr t, const compiled_pattern* pattern, term_ptr* slots) {

@@ -16,8 +16,9 @@ namespace vetro {
 // Reads the text of a pattern; null when it does not parse.
 using pattern_reader = term_ptr (*)(std::string_view text);
 
-// Installs the reader. Called once before the first match (the reader lives in a layer above this one).
-void match_init(pattern_reader reader);
+// Installs the reader and gives the one before it. Called once before the first match (the reader lives in a layer
+// above this one); what is compiled already stays.
+pattern_reader match_init(pattern_reader reader);
 
 // A pattern's text, with the number of its "?" characters checked at compile time against the captures asked for.
 template <std::size_t Captures>
