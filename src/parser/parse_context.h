@@ -46,11 +46,13 @@ struct relation_chain {
 
 // The index of a limit: «x → p», «x → p^-», «x → p^+». The sided forms of an operator or predicate stand behind its
 // plain form in this order.
-enum limit_side : std::uint8_t { two_sided = 0, from_left = 1, from_right = 2 };
+inline constexpr int two_sided = 0;
+inline constexpr int from_left = 1;
+inline constexpr int from_right = 2;
 struct limit_index {
   term_ptr variable;
   term_ptr point;
-  limit_side side;
+  int side;
 };
 
 // A list under construction is its last cell; null is the empty list. Cells never change, so readings may share them.

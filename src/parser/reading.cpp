@@ -1,6 +1,7 @@
 // What the rules of the grammar build, one function for each shape.
 #include "parser/reading.h"
 
+#include <algorithm>
 #include <charconv>
 #include <string>
 
@@ -30,25 +31,21 @@ term_ptr pair(term_ptr a, term_ptr b) {
 }
 
 term_ptr limit_operator(oper_type plain, limit_index index) {
-  return binary(static_cast<oper_type>(plain + index.side), index.variable, index.point);
+  return binary(static_cast<oper_type>(plain + static_cast<int>(index.side)), index.variable, index.point);
 }
 
 namespace {
 
 bool is_membership(term_ptr head) { return is_pred(head, Belong) || is_pred(head, NotBelong) || is_pred(head, Subset); }
 
-// T(first, second), or T(first, a, b, ...) for a second that is a T itself.
 term_ptr list_in_front(term_ptr first, term_ptr second) {
   const term_ptr parts[] = {first, second};
   return mk_term_list(parts);
 }
 
-// The proposition that opens with a membership, with a term put in front of its left side.
+// The proposition t, which opens with a membership of one term, with another term put in front of that one.
 term_ptr with_term_in_front(term_ptr term, term_ptr t) {
   const term_ptr function = t->left();
-  if (!is_apply(function)) {
-    return mk_apply(is_apply(function) ? with_term_in_front(term, function) : function, t->right());
-  }
   if (is_membership(function->left())) {
     return mk_apply(mk_apply(function->left(), list_in_front(term, function->right())), t->right());
   }
@@ -64,7 +61,8 @@ term_ptr with_term_in_front(term_ptr term, term_ptr t) {
   return mk_apply(with_term_in_front(term, function), t->right());
 }
 
-// «f(a, b ∈ S)» is f of a and b ∈ S, or f of (a, b) ∈ S. Gives whether the arguments have such a place, after reporting.
+// «f(a, b ∈ S)» is f of a and b ∈ S, or f of (a, b) ∈ S. Gives whether the arguments have such a place, after
+// reporting.
 bool report_two_lists(parse_context& context, term_ptr head, const list_cell* arguments) {
   for (const list_cell* cell = arguments; cell != nullptr && cell->before != nullptr; cell = cell->before) {
     if (!cell->opens_membership || !cell->before->is_term) {
@@ -143,7 +141,7 @@ term_ptr quantified(parse_context& context, quant_type quant, const list_cell* v
 relation plain_relation(pred_type pred, term_ptr operand) { return {mk_pred(pred), operand}; }
 
 relation limit_relation(pred_type plain, limit_index index, term_ptr operand) {
-  const term_ptr pred = mk_pred(static_cast<pred_type>(plain + index.side));
+  const term_ptr pred = mk_pred(static_cast<pred_type>(plain + static_cast<int>(index.side)));
   return {mk_apply(mk_apply(pred, index.variable), index.point), operand};
 }
 

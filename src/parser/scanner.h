@@ -13,12 +13,14 @@ class scanner {
   scanner(const scanner&) = delete;
   scanner& operator=(const scanner&) = delete;
 
-  // The next token, with its value where it has one; the end of the text again and again.
+  // First the marker that selects the formula language, then the tokens of the text, each with its value where it has
+  // one, then the end of the text again and again. A stopped context has no more tokens.
   int next(FORMULA_STYPE& value);
 
  private:
   parse_context& context_;
   void* state_ = nullptr;
+  bool started_ = false;
 };
 
 // Each reads the newest token of the context and gives the kind of token.
