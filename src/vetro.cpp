@@ -237,6 +237,7 @@ void report_outcome(const dsl_execute_data& data, dsl_exe_code code) {
 int run_script(const ProgramContext& context, dsl_execute_data data, const dsl_instruction_list& script) {
   data.print_internal = context.print_internal;
   data.keep_texts = context.result_json_file.has_value();
+  data.keep_admit_gaps = data.keep_texts;
   shared_text initial_gap;
   if (data.keep_texts) {
     initial_gap = dsl_gap_texts(data).pretty(*data.cur_gap);

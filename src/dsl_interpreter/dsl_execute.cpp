@@ -91,6 +91,7 @@ dsl_execute_data dsl_nested_execute_data(const dsl_execute_data& parent, proof_g
       dsl_execute_data_init(*parent.execute_log, *parent.err_log, parent.thmlib, parent.mode, local_gap);
   data.print_internal = parent.print_internal;
   data.texts = parent.texts;
+  data.keep_admit_gaps = parent.keep_admit_gaps;
   dsl_execute_data_set_trace_parent(data, parent.current_step_id, parent.trace_depth + 1);
   return data;
 }

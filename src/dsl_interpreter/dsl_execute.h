@@ -59,7 +59,7 @@ struct dsl_execution_summary {
 // A proposition that was admitted without proof.
 struct dsl_admit_obligation {
   term_ptr proposition = nullptr;
-  proof_gap_full gap;  // the gap at the admit, with the proposition as goal
+  proof_gap_full gap;  // the gap at the admit, with the proposition as goal; empty where gaps are not kept
   int source_line = 0;
   std::string step_id;
   std::int64_t hypothesis_num = 0;
@@ -81,6 +81,7 @@ struct dsl_execute_data {
   std::string current_step_id;
   dsl_execution_summary summary;
   std::vector<dsl_admit_obligation> admits;
+  bool keep_admit_gaps = true;  // only the result document reads the gaps of admitted propositions
 };
 
 // Longest step id; deeper ones are cut.
