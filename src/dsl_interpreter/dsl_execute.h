@@ -27,8 +27,11 @@ struct dsl_result {
   dsl_exe_code flag = exe_fail;
 };
 
-// One executed instruction. The texts are there only where the run keeps them; without them no step counts as repeated,
-// because only the reader of the texts is told.
+// A gap at one moment of the run. Steps share it while the gap stays what it is.
+using gap_snapshot = std::shared_ptr<const proof_gap_full>;
+
+// One executed instruction. Texts and gaps are there only where the run keeps them; without them no step counts as
+// repeated, because only the reader of the texts is told.
 struct dsl_execution_step {
   int step_index = 0;
   std::string step_id;
@@ -43,10 +46,8 @@ struct dsl_execution_step {
   std::string instruction_signature;
   std::string instruction_text;
   std::string instruction_internal;
-  shared_text gap_before_text;
-  shared_text gap_before_internal;
-  shared_text gap_after_text;
-  shared_text gap_after_internal;
+  gap_snapshot gap_before;
+  gap_snapshot gap_after;
 };
 
 struct dsl_execution_summary {
@@ -74,7 +75,7 @@ struct dsl_execute_data {
   std::vector<proof_gap_full> split_gaps;
   const dsl_instruction* inst = nullptr;
   bool print_internal = false;
-  bool keep_texts = false;           // fill the texts of the step records
+  bool keep_texts = false;           // fill the texts and gaps of the step records
   std::shared_ptr<gap_texts> texts;  // shared with the runs of proof blocks; made when first needed
   int trace_depth = 0;
   std::string trace_prefix;  // parent step id, empty at top level
