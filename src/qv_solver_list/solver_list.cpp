@@ -12,6 +12,7 @@
 #include <string>
 #include <utility>
 
+#include "qv_solver_list/solver_poly_rat.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "qv_solver_list/solver_sat.h"
 #include "term/limits.h"
@@ -27,6 +28,8 @@ namespace {
 
 bool adapter_solver_reflexivity(term_ptr target, const solve_data& /*sdata*/) { return solver_reflexivity(target); }
 
+bool adapter_solver_poly_rat(term_ptr target, const solve_data& /*sdata*/) { return solver_poly_rat_eqb(target); }
+
 bool adapter_solver_sat(term_ptr target, const solve_data& sdata) { return solver_sat(sdata.assum, target); }
 
 solve_res adapter_solver_or_split(const solver_args& args) { return solver_or_split(args.target); }
@@ -41,7 +44,7 @@ solve_res adapter_solver_bwd_saturation_set(const solver_args& args) {
 constexpr std::array<solver_decide, 21> decision_solvers = {{
     solver_eqb,                  // 0
     adapter_solver_reflexivity,  // 1
-    nullptr,                     // 2   context_poly_rat
+    solver_context_poly_rat,     // 2
     nullptr,                     // 3   func_apply
     nullptr,                     // 4   deriv
     nullptr,                     // 5   continuous_func
@@ -54,7 +57,7 @@ constexpr std::array<solver_decide, 21> decision_solvers = {{
     nullptr,                     // 12  numeric_calc
     nullptr,                     // 13  limit_calc
     nullptr,                     // 14  root_power
-    nullptr,                     // 15  poly_rat
+    adapter_solver_poly_rat,     // 15
     adapter_solver_sat,          // 16
     nullptr,                     // 17  interval
     nullptr,                     // 18  squeeze
