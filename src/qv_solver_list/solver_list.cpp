@@ -15,6 +15,7 @@
 #include "qv_solver_list/solver_poly_rat.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "qv_solver_list/solver_sat.h"
+#include "qv_solver_list/solver_shape_simpl.h"
 #include "term/limits.h"
 #include "term/print.h"
 #include "term/report.h"
@@ -37,6 +38,8 @@ solve_res adapter_solver_or_split(const solver_args& args) { return solver_or_sp
 solve_res adapter_solver_bwd_saturation_set(const solver_args& args) {
   return solver_bwd_saturation_set(args.target, *args.sdata);
 }
+
+solve_res adapter_solver_shape_simpl(const solver_args& args) { return solver_shape_simpl(*args.gap, *args.sdata); }
 
 // ---- Tables.
 
@@ -68,7 +71,7 @@ constexpr std::array<solver_decide, 21> decision_solvers = {{
 constexpr std::array<solver_func_t, 3> one_step_solvers_traditional = {{
     adapter_solver_or_split,            // 0
     adapter_solver_bwd_saturation_set,  // 1
-    nullptr,                            // 2   shape_simpl
+    adapter_solver_shape_simpl,         // 2
 }};
 
 // What a script may select. The sign solver without its rewriting has no place in the battery; the solvers for domains
