@@ -4,7 +4,7 @@
 // the first whose set has the right shape decides, also when it then needs a pair and the element is none.
 #include <array>
 #include <optional>
-#include <string>
+#include <utility>
 
 #include "qv_solver_list/solver_sat.h"
 #include "term/pattern_match.h"
@@ -20,19 +20,19 @@ term_ptr pair_of(term_ptr first, term_ptr second) { return make_composed_term(Tu
 
 bool is_pair(term_ptr t, term_ptr& first, term_ptr& second) { return match(t, "(?, ?)", first, second); }
 
-// A name for a variable that the goal does not hold: "qvar" and the first free number.
-std::string bound_name(int first_number, term_ptr element, term_ptr set) {
+// A variable that the goal does not hold: "qvar" and the first free number.
+term_ptr bound_variable(int first_number, term_ptr element, term_ptr set) {
   for (int number = first_number;; ++number) {
-    std::string name = "qvar" + std::to_string(number);
-    if (!name_occurs(name, element) && !name_occurs(name, set)) {
-      return name;
+    term_ptr variable = make_var(number);
+    if (!name_occurs(variable->name(), element) && !name_occurs(variable->name(), set)) {
+      return variable;
     }
   }
 }
 
-term_ptr exists_both(const std::string& name, term_ptr left, term_ptr right) {
+term_ptr exists_both(term_ptr variable, term_ptr left, term_ptr right) {
   term_ptr both = make_composed_prop(And, left, right);
-  return make_quant_prop(Exists, name, both);
+  return make_quant_prop(Exists, variable->name(), both);
 }
 
 // What x in S means, for one shape of S. Nothing when S has another shape; an empty list when no rule applies after
@@ -116,11 +116,10 @@ meaning in_family_union(term_ptr x, term_ptr set) {
   if (!match(set, "SetUnion(?)", family)) {
     return std::nullopt;
   }
-  const std::string name = bound_name(0, x, set);
-  term_ptr z = mk_var(name);
+  term_ptr z = bound_variable(0, x, set);
   term_ptr in_z = belongs(x, z);
   term_ptr in_family = belongs(z, family);
-  return term_list{exists_both(name, in_z, in_family)};
+  return term_list{exists_both(z, in_z, in_family)};
 }
 
 // From x1 by the first relation to some z, from there by the second to x2.
@@ -135,11 +134,10 @@ meaning in_composition(term_ptr x, term_ptr set) {
   if (!is_pair(x, x1, x2)) {
     return term_list{};
   }
-  const std::string name = bound_name(1, x, set);
-  term_ptr z = mk_var(name);
+  term_ptr z = bound_variable(1, x, set);
   term_ptr in_first = belongs(pair_of(x1, z), first);
   term_ptr in_second = belongs(pair_of(z, x2), second);
-  return term_list{exists_both(name, in_first, in_second)};
+  return term_list{exists_both(z, in_first, in_second)};
 }
 
 meaning in_class(term_ptr x, term_ptr set) {

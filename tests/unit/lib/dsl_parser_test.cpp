@@ -13,10 +13,13 @@
 namespace vetro {
 namespace {
 
+// A line as a failed test names it: the large ones have megabytes.
+std::string brief(const std::string& line) { return line.substr(0, 100); }
+
 // The only instruction of a one-line script; an empty apply when the line does not parse.
 dsl_instruction only_instruction(const std::string& line) {
   const parsed_script script = parse_script(line);
-  EXPECT_TRUE(script.list.has_value()) << line;
+  EXPECT_TRUE(script.list.has_value()) << brief(line);
   return script.list ? script.list->front() : dsl_instruction{0, dsl_apply{}};
 }
 
@@ -29,10 +32,10 @@ bool parses(const std::string& line) { return parse_script(line).list.has_value(
 
 void expect_bad_line(const std::string& line) {
   const parsed_script script = parse_script("# first\n" + line + "\napply (GOAL: {p})\n");
-  EXPECT_FALSE(script.list.has_value()) << line;
-  EXPECT_EQ(script.error.line, 2) << line;
-  EXPECT_EQ(script.error.text, line + "\n");
-  EXPECT_TRUE(script.messages.ends_with("Error: Error parsing line 2: " + line + "\n\n")) << script.messages;
+  EXPECT_FALSE(script.list.has_value()) << brief(line);
+  EXPECT_EQ(script.error.line, 2) << brief(line);
+  EXPECT_TRUE(script.error.text == line + "\n") << brief(script.error.text);
+  EXPECT_TRUE(script.messages.ends_with("Error: Error parsing line 2: " + line + "\n\n")) << brief(script.messages);
 }
 
 TEST(dsl_parser, accepted_lines_mean_what_they_print) {
@@ -240,7 +243,7 @@ TEST(dsl_parser, theorem_references) {
 
 TEST(dsl_parser, a_formula_that_does_not_parse_leaves_a_reference_without_one) {
   for (const char* formula : {"", "+", "a {+} b", "a b )"}) {
-    const std::string braced = "{" + std::string(formula) + "}";
+    const std::string braced = std::string("{") + formula + "}";
     const parsed_script script = parse_script("apply (hypothesis 1: " + braced + ")\napply (GOAL: {p})\n");
     ASSERT_TRUE(script.list.has_value()) << formula;
     EXPECT_EQ(std::get<dsl_apply>(script.list->front().content).hypo.t, nullptr) << formula;

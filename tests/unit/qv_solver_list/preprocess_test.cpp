@@ -136,8 +136,9 @@ TEST_F(preprocess, SharedAndDeepFormulasCostTheirDistinctNodes) {
   EXPECT_EQ(solver_preprocess_expand_tuple_equalities(shared), shared);
 
   term_ptr deep = read("x ∈ NatPlus");
+  term_ptr side = read("a = 1");
   for (int level = 0; level < 200'000; ++level) {
-    deep = make_composed_prop(Or, deep, read("a = 1"));
+    deep = make_composed_prop(Or, deep, side);
   }
   EXPECT_NE(solver_preprocess_expand_shared_membership(deep), deep);
 }

@@ -66,7 +66,7 @@ TEST_F(sat, WhatPrintsAlikeIsNotOneAtom) {
   term_ptr size = make_binPred_prop(Eq, app(mk_oper(Cardinal), {a}), one);
   EXPECT_FALSE(solver_sat(term_list{absolute}, size));
   EXPECT_TRUE(solver_sat(term_list{absolute}, absolute));
-  term_ptr pair = make_binPred_prop(Eq, a, make_tuple(term_list{one, mk_var("x")}));
+  term_ptr pair = make_binPred_prop(Eq, a, vetro::make_tuple(term_list{one, mk_var("x")}));
   term_ptr interval = make_binPred_prop(Eq, a, app(mk_oper(IntervalLoRo), {one, mk_var("x")}));
   EXPECT_FALSE(solver_sat(term_list{pair}, interval));
   // The same text with and without the record of its bound variables is one atom; another scope makes another.
@@ -163,8 +163,8 @@ TEST_F(sat, ClausesAreNumberedFromTheOperandsUp) {
 TEST_F(sat, TenThousandAssumptionsOfWhichFewMatter) {
   term_list assumptions;
   for (int i = 0; i < 10000; ++i) {
-    term_ptr lower = make_binPred_prop(Lt, mk_integer(i), mk_var("x" + std::to_string(i)));
-    term_ptr upper = make_binPred_prop(Lt, mk_var("y" + std::to_string(i)), mk_integer(i));
+    term_ptr lower = make_binPred_prop(Lt, mk_integer(i), numbered("x", i));
+    term_ptr upper = make_binPred_prop(Lt, numbered("y", i), mk_integer(i));
     assumptions.push_back(make_composed_prop(i % 2 == 0 ? Or : Impl, lower, upper));
   }
   assumptions[5000] = read("a = 1 ∨ b = 1");

@@ -38,6 +38,12 @@ class solver_test : public testing::Test {
     return sdata;
   }
 
+  // The variable of that name and number.
+  static term_ptr numbered(std::string name, int number) {
+    name += std::to_string(number);
+    return mk_var(name);
+  }
+
   static std::string shown(term_ptr t) { return t == nullptr ? "(null)" : print_term_to_string(t); }
 
   static std::string shown(const term_list& list) {
