@@ -139,17 +139,13 @@ bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, ter
 
 // The quantifier with all pairs substituted at once: binders by placeholders, then placeholders by values.
 term_ptr substitute_at_once(term_ptr quantified, const std::vector<get_prop_subst>& substs) {
-  term_list rest(quantified->vars().begin(), quantified->vars().end());
+  term_list binders;
+  term_list placeholders;
   for (const get_prop_subst& subst : substs) {
-    term_list_remove(subst.src, rest);
+    binders.push_back(subst.src);
+    placeholders.push_back(subst.placeholder);
   }
-  term_ptr t = quantified->body();
-  if (!rest.empty()) {
-    t = with_meta(mk_quant(Forall, rest, quantified->body()), quantified->meta());
-  }
-  for (const get_prop_subst& subst : substs) {
-    t = instantiate_term(subst.src, subst.placeholder, t);
-  }
+  term_ptr t = instantiate_binders(quantified, binders, placeholders);
   for (const get_prop_subst& subst : substs) {
     t = instantiate_term(subst.placeholder, subst.dest, t);
   }

@@ -12,17 +12,6 @@
 namespace vetro {
 namespace {
 
-// Takes the binder off the quantifier and replaces it in what remains. The binder is in the quantifier's list.
-term_ptr instantiate_binder(term_ptr quantified, term_ptr binder, term_ptr value) {
-  term_list rest(quantified->vars().begin(), quantified->vars().end());
-  term_list_remove(binder, rest);
-  term_ptr opened = quantified->body();
-  if (!rest.empty()) {
-    opened = with_meta(mk_quant(quantified->quant(), rest, quantified->body()), quantified->meta());
-  }
-  return instantiate_term(binder, value, opened);
-}
-
 bool is_quantifier(term_ptr t, quant_type kind) { return t->type() == Quant && t->quant() == kind; }
 
 bool free_in_assumptions(term_ptr var, const proof_gap_full& gap) {
@@ -91,7 +80,7 @@ term_ptr instantiate_pairs(const dsl_execute_data& data, dsl_result& result, ter
         return nullptr;
       }
     }
-    working = instantiate_binder(working, pair.binder, pair.sub_term);
+    working = instantiate_binders(working, {&pair.binder, 1}, {&pair.sub_term, 1});
     if (working == nullptr) {
       log_error(data, "the instantiation of a quantifier failed\n");
       return nullptr;
