@@ -12,8 +12,10 @@
 #include <string>
 #include <utility>
 
+#include "qv_solver_list/solver_poly_rat.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "qv_solver_list/solver_sat.h"
+#include "qv_solver_list/solver_shape_simpl.h"
 #include "term/limits.h"
 #include "term/print.h"
 #include "term/report.h"
@@ -27,6 +29,8 @@ namespace {
 
 bool adapter_solver_reflexivity(term_ptr target, const solve_data& /*sdata*/) { return solver_reflexivity(target); }
 
+bool adapter_solver_poly_rat(term_ptr target, const solve_data& /*sdata*/) { return solver_poly_rat_eqb(target); }
+
 bool adapter_solver_sat(term_ptr target, const solve_data& sdata) { return solver_sat(sdata.assum, target); }
 
 solve_res adapter_solver_or_split(const solver_args& args) { return solver_or_split(args.target); }
@@ -35,13 +39,15 @@ solve_res adapter_solver_bwd_saturation_set(const solver_args& args) {
   return solver_bwd_saturation_set(args.target, *args.sdata);
 }
 
+solve_res adapter_solver_shape_simpl(const solver_args& args) { return solver_shape_simpl(*args.gap, *args.sdata); }
+
 // ---- Tables.
 
 // In the order of trial: cheap and exact ones first.
 constexpr std::array<solver_decide, 21> decision_solvers = {{
     solver_eqb,                  // 0
     adapter_solver_reflexivity,  // 1
-    nullptr,                     // 2   context_poly_rat
+    solver_context_poly_rat,     // 2
     nullptr,                     // 3   func_apply
     nullptr,                     // 4   deriv
     nullptr,                     // 5   continuous_func
@@ -54,7 +60,7 @@ constexpr std::array<solver_decide, 21> decision_solvers = {{
     nullptr,                     // 12  numeric_calc
     nullptr,                     // 13  limit_calc
     nullptr,                     // 14  root_power
-    nullptr,                     // 15  poly_rat
+    adapter_solver_poly_rat,     // 15
     adapter_solver_sat,          // 16
     nullptr,                     // 17  interval
     nullptr,                     // 18  squeeze
@@ -65,7 +71,7 @@ constexpr std::array<solver_decide, 21> decision_solvers = {{
 constexpr std::array<solver_func_t, 3> one_step_solvers_traditional = {{
     adapter_solver_or_split,            // 0
     adapter_solver_bwd_saturation_set,  // 1
-    nullptr,                            // 2   shape_simpl
+    adapter_solver_shape_simpl,         // 2
 }};
 
 // What a script may select. The sign solver without its rewriting has no place in the battery; the solvers for domains
@@ -206,13 +212,19 @@ void append_operands(term_ptr t, connect_type connect, term_list& out) {
 }  // namespace
 
 bool assumption_index::contains(const term_list& assum, term_ptr t) {
-  if (asked_ && table_.empty()) {
+  if (asked_ && position_.empty()) {
     indexed_ = assum;
-    table_.insert(assum.begin(), assum.end());
+    for (std::size_t i = 0; i < assum.size(); ++i) {
+      position_.emplace(assum[i], i);
+    }
   }
   asked_ = true;
-  if (!table_.empty() && assum == indexed_) {
-    return table_.contains(t);
+  const auto found = position_.find(t);
+  if (found != position_.end() && found->second < assum.size() && term_eqb(assum[found->second], t)) {
+    return true;
+  }
+  if (!position_.empty() && assum == indexed_) {
+    return false;
   }
   return std::any_of(assum.begin(), assum.end(), [t](term_ptr known) { return term_eqb(known, t); });
 }
