@@ -192,10 +192,6 @@ solve_data active_record(const solve_data& sdata) {
   if (!solver_preprocess_build_augmented_sdata(sdata, active)) {
     active = sdata;
   }
-  // An outer level's index still fits where nothing was derived.
-  if (active.index == nullptr || active.assum.size() != sdata.assum.size()) {
-    active.index = std::make_shared<assumption_index>();
-  }
   return active;
 }
 
