@@ -237,17 +237,15 @@ void report_outcome(const dsl_execute_data& data, dsl_exe_code code) {
 int run_script(const ProgramContext& context, dsl_execute_data data, const dsl_instruction_list& script) {
   data.print_internal = context.print_internal;
   data.keep_texts = context.result_json_file.has_value();
-  shared_text initial_gap;
-  if (data.keep_texts) {
-    initial_gap = dsl_gap_texts(data).pretty(*data.cur_gap);
-  }
+  data.keep_admit_gaps = data.keep_texts;
+  const proof_gap_full initial_gap = *data.cur_gap;
   const dsl_exe_code code = execute_instruction_list(data, script);
   report_outcome(data, code);
   if (!context.result_json_file.has_value()) {
     return code;
   }
-  json_document document = build_structured_summary(context, data, *data.cur_gap, code, initial_gap);
-  return write_structured_result_file(*context.result_json_file, std::move(document)) ? code : run_failed;
+  const run_outcome outcome{context, data, initial_gap, code};
+  return write_structured_result_file(*context.result_json_file, outcome) ? code : run_failed;
 }
 
 int run_with_error_log(const ProgramContext& context, log_stream& err_log) {

@@ -39,10 +39,12 @@ bool dsl_record_admitted_proposition(dsl_execute_data& data, term_ptr propositio
   }
   dsl_admit_obligation record;
   record.proposition = proposition;
-  record.gap = *data.cur_gap;
-  record.gap.goal = proposition;
-  record.gap.meth_list.clear();
-  proof_gap_full_mark_unfinished(record.gap);
+  if (data.keep_admit_gaps) {
+    record.gap = *data.cur_gap;
+    record.gap.goal = proposition;
+    record.gap.meth_list.clear();
+    proof_gap_full_mark_unfinished(record.gap);
+  }
   record.source_line = source_line;
   record.step_id = step_id;
   record.hypothesis_num = hypothesis_num;

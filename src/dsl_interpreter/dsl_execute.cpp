@@ -41,15 +41,17 @@ void keep_instruction_texts(dsl_execution_step& step, dsl_execution_summary& sum
   step.repeated_input = !summary.signatures.insert(step.instruction_signature).second;
 }
 
+// A snapshot of the gap: the earlier one where that shows the same.
+gap_snapshot snapshot(const proof_gap_full& gap, const gap_snapshot& earlier) {
+  return earlier != nullptr && same_gap(*earlier, gap) ? earlier : std::make_shared<const proof_gap_full>(gap);
+}
+
 // The picture after a split is the first branch.
-void keep_gap_texts(dsl_execution_step& step, dsl_execute_data& data, const proof_gap_full& before) {
+void keep_gaps(dsl_execution_step& step, const dsl_execute_data& data, const proof_gap_full& before) {
+  const std::vector<dsl_execution_step>& steps = data.summary.steps;
   const bool split = step.result_flag == exe_gap_split && !data.split_gaps.empty();
-  const proof_gap_full& after = split ? data.split_gaps.front() : *data.cur_gap;
-  gap_texts& texts = dsl_gap_texts(data);
-  step.gap_before_text = texts.pretty(before);
-  step.gap_before_internal = texts.internal(before);
-  step.gap_after_text = texts.pretty(after);
-  step.gap_after_internal = texts.internal(after);
+  step.gap_before = snapshot(before, steps.empty() ? nullptr : steps.back().gap_after);
+  step.gap_after = snapshot(split ? data.split_gaps.front() : *data.cur_gap, step.gap_before);
 }
 
 dsl_execution_step describe_step(dsl_execute_data& data, const dsl_result& result, const proof_gap_full& before) {
@@ -62,7 +64,7 @@ dsl_execution_step describe_step(dsl_execute_data& data, const dsl_result& resul
   compare_gaps(step, data, before);
   if (data.keep_texts) {
     keep_instruction_texts(step, data.summary, *data.inst);
-    keep_gap_texts(step, data, before);
+    keep_gaps(step, data, before);
   }
   return step;
 }
@@ -91,6 +93,7 @@ dsl_execute_data dsl_nested_execute_data(const dsl_execute_data& parent, proof_g
       dsl_execute_data_init(*parent.execute_log, *parent.err_log, parent.thmlib, parent.mode, local_gap);
   data.print_internal = parent.print_internal;
   data.texts = parent.texts;
+  data.keep_admit_gaps = parent.keep_admit_gaps;
   dsl_execute_data_set_trace_parent(data, parent.current_step_id, parent.trace_depth + 1);
   return data;
 }

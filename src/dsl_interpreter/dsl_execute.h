@@ -27,8 +27,11 @@ struct dsl_result {
   dsl_exe_code flag = exe_fail;
 };
 
-// One executed instruction. The texts are there only where the run keeps them; without them no step counts as repeated,
-// because only the reader of the texts is told.
+// A gap at one moment of the run. Steps share it while the gap stays what it is.
+using gap_snapshot = std::shared_ptr<const proof_gap_full>;
+
+// One executed instruction. Texts and gaps are there only where the run keeps them; without them no step counts as
+// repeated, because only the reader of the texts is told.
 struct dsl_execution_step {
   int step_index = 0;
   std::string step_id;
@@ -43,10 +46,8 @@ struct dsl_execution_step {
   std::string instruction_signature;
   std::string instruction_text;
   std::string instruction_internal;
-  shared_text gap_before_text;
-  shared_text gap_before_internal;
-  shared_text gap_after_text;
-  shared_text gap_after_internal;
+  gap_snapshot gap_before;
+  gap_snapshot gap_after;
 };
 
 struct dsl_execution_summary {
@@ -59,7 +60,7 @@ struct dsl_execution_summary {
 // A proposition that was admitted without proof.
 struct dsl_admit_obligation {
   term_ptr proposition = nullptr;
-  proof_gap_full gap;  // the gap at the admit, with the proposition as goal
+  proof_gap_full gap;  // the gap at the admit, with the proposition as goal; empty where gaps are not kept
   int source_line = 0;
   std::string step_id;
   std::int64_t hypothesis_num = 0;
@@ -74,13 +75,14 @@ struct dsl_execute_data {
   std::vector<proof_gap_full> split_gaps;
   const dsl_instruction* inst = nullptr;
   bool print_internal = false;
-  bool keep_texts = false;           // fill the texts of the step records
+  bool keep_texts = false;           // fill the texts and gaps of the step records
   std::shared_ptr<gap_texts> texts;  // shared with the runs of proof blocks; made when first needed
   int trace_depth = 0;
   std::string trace_prefix;  // parent step id, empty at top level
   std::string current_step_id;
   dsl_execution_summary summary;
   std::vector<dsl_admit_obligation> admits;
+  bool keep_admit_gaps = true;  // only the result document reads the gaps of admitted propositions
 };
 
 // Longest step id; deeper ones are cut.

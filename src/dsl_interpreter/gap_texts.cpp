@@ -5,18 +5,14 @@
 #include "term/print.h"
 
 namespace vetro {
-namespace {
 
-// Terms are unique, so that equal addresses mean equal texts.
-bool prints_alike(const proof_gap_full& a, const proof_gap_full& b) {
+bool same_gap(const proof_gap_full& a, const proof_gap_full& b) {
   return a.goal == b.goal && a.finished == b.finished && a.assum == b.assum && a.meth_list.empty() &&
          b.meth_list.empty();
 }
 
-}  // namespace
-
 shared_text gap_texts::render(form& texts, const proof_gap_full& gap, bool internal) {
-  if (texts.last_text != nullptr && prints_alike(texts.last_gap, gap)) {
+  if (texts.last_text != nullptr && same_gap(texts.last_gap, gap)) {
     return texts.last_text;
   }
   std::string text;

@@ -10,7 +10,10 @@
 
 namespace vetro {
 
-using shared_text = std::shared_ptr<const std::string>;  // null: not rendered
+using shared_text = std::shared_ptr<const std::string>;
+
+// Whether two gaps are the same to the letter. Terms are unique, so that addresses decide.
+bool same_gap(const proof_gap_full& a, const proof_gap_full& b);
 
 class gap_texts {
  public:

@@ -39,7 +39,7 @@ constexpr bool cnum_eq(const cnum& a, const cnum& b) { return a == b; }  // two 
 int cnum_cmp(const cnum& a, const cnum& b);  // not-a-number is greater than every finite value
 
 // Not-a-number where an operand is, and where the numerator or the denominator does not fit 64 bits before it is
-// reduced: (2^40/3) * (3/2^40) is not-a-number.
+// reduced: 1/2^40 + 1/2^40 is not-a-number.
 cnum cnum_neg(const cnum& a);
 cnum cnum_add(const cnum& a, const cnum& b);
 cnum cnum_sub(const cnum& a, const cnum& b);

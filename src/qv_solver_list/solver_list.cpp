@@ -192,10 +192,6 @@ solve_data active_record(const solve_data& sdata) {
   if (!solver_preprocess_build_augmented_sdata(sdata, active)) {
     active = sdata;
   }
-  // An outer level's index still fits where nothing was derived.
-  if (active.index == nullptr || active.assum.size() != sdata.assum.size()) {
-    active.index = std::make_shared<assumption_index>();
-  }
   return active;
 }
 
@@ -212,13 +208,19 @@ void append_operands(term_ptr t, connect_type connect, term_list& out) {
 }  // namespace
 
 bool assumption_index::contains(const term_list& assum, term_ptr t) {
-  if (asked_ && table_.empty()) {
+  if (asked_ && position_.empty()) {
     indexed_ = assum;
-    table_.insert(assum.begin(), assum.end());
+    for (std::size_t i = 0; i < assum.size(); ++i) {
+      position_.emplace(assum[i], i);
+    }
   }
   asked_ = true;
-  if (!table_.empty() && assum == indexed_) {
-    return table_.contains(t);
+  const auto found = position_.find(t);
+  if (found != position_.end() && found->second < assum.size() && term_eqb(assum[found->second], t)) {
+    return true;
+  }
+  if (!position_.empty() && assum == indexed_) {
+    return false;
   }
   return std::any_of(assum.begin(), assum.end(), [t](term_ptr known) { return term_eqb(known, t); });
 }

@@ -5,9 +5,10 @@
 // sdata.target. It keeps nothing between calls on which an answer depends.
 #pragma once
 
+#include <cstddef>
 #include <memory>
 #include <string_view>
-#include <unordered_set>
+#include <unordered_map>
 
 #include "lib/log_stream.h"
 #include "lib/proof_gap.h"
@@ -18,8 +19,9 @@
 namespace vetro {
 
 // Answers "is this one of the assumptions, up to bound names?" for one list of assumptions. The first question is
-// answered by a scan, because most records are asked once; the second builds a table. The table remembers the list that
-// it was built from, so an index that came along with a changed copy of a record never answers for it.
+// answered by a scan, because most records are asked once; the second builds a table. An answer never rests on the
+// table alone, so that an index which came along with a changed copy of a record does no harm: a hit is checked against
+// the list, and a miss counts only while the list is the one that the table was built from.
 class assumption_index {
  public:
   bool contains(const term_list& assum, term_ptr t);
@@ -27,7 +29,7 @@ class assumption_index {
  private:
   bool asked_ = false;
   term_list indexed_;
-  std::unordered_set<term_ptr, alpha_hasher, alpha_equal> table_;
+  std::unordered_map<term_ptr, std::size_t, alpha_hasher, alpha_equal> position_;
 };
 
 // The solver's view of a proof state.
