@@ -7,6 +7,8 @@
 // is a new base.
 #include "qv_solver_list/rational_domain.h"
 
+#include <algorithm>
+
 #include "term/limits.h"
 
 namespace vetro {
@@ -67,15 +69,14 @@ std::optional<std::uint32_t> rational_domain::form_number(const value& v) {
     return v->number;
   }
   if (v->print.has_value) {
-    std::vector<value>& candidates = by_fingerprint_[v->print.value];
-    for (const value& other : candidates) {
-      if (equal(v, other)) {
-        v->number = other->number;
-        numbers_.emplace(v->r, v->number);
-        return v->number;
-      }
+    const auto [first, last] = by_fingerprint_.equal_range(v->print.value);
+    const auto same = std::find_if(first, last, [&](const auto& entry) { return equal(v, entry.second); });
+    if (same != last) {
+      v->number = same->second->number;
+      numbers_.emplace(v->r, v->number);
+      return v->number;
     }
-    candidates.push_back(v);
+    by_fingerprint_.emplace(v->print.value, v);
   }
   v->number = *number_of_rat(v->r);
   representatives_.emplace(v->number, v);

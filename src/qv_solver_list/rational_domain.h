@@ -66,7 +66,8 @@ class rational_domain {
   rational_registry registry_;
   std::unordered_map<term_ptr, value> known_;
   std::unordered_map<rat, std::uint32_t, rat_hash> numbers_;
-  std::unordered_map<std::uint64_t, std::vector<value>> by_fingerprint_;  // forms with a number
+  std::unordered_multimap<std::uint64_t, value> by_fingerprint_;  // forms with a number
+  // The first form of each number. Roots and symbolic powers are taken of it.
   std::unordered_map<std::uint32_t, value> representatives_;
   std::uint32_t last_number_ = 0;
 };

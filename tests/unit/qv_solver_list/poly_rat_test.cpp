@@ -122,7 +122,7 @@ TEST_F(poly_rat, arguments_are_compared_as_expressions) {
                 {"f(1 / (2 * x + 2))", "f((1 / 2) / (x + 1))"},
                 {"a_{n + 1} - a_{1 + n}", "0"},
                 {"sum_{i = 1}^{n}(i + i)", "sum_{i = 1}^{n}(2 * i)"},
-                {"lim_{x \\to 0}(x + f(x)) * 2", "2 * lim_{x \\to 0}(f(x) + x)"}});
+                {"lim_{x → 0}(x + f(x)) * 2", "2 * lim_{x → 0}(f(x) + x)"}});
   expect_open({{"f(x)", "g(x)"},
                {"g(a, b)", "g(b, a)"},
                {"f(x)", "f(y)"},
@@ -353,11 +353,11 @@ TEST_F(poly_rat, explosions_are_given_up) {
 }
 
 TEST_F(poly_rat, many_symbolic_powers_are_instant) {
-  std::string product = "x^a_1";
+  std::string product = "x^(a_1)";
   std::string exponent = "a_1";
   for (int i = 2; i <= 200; ++i) {
     const std::string name = "a_" + std::to_string(i);
-    product += " * x^" + name;
+    product += " * x^(" + name + ")";
     exponent = name + " + " + exponent;
   }
   EXPECT_TRUE(equal(product, "x^(" + exponent + ")"));
