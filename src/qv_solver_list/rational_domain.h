@@ -60,7 +60,9 @@ class rational_domain {
   value atom(const key_words& words, const fingerprint& print);
   std::optional<std::int32_t> plain_name(const rat& r) const;
   rat number_power(const value& base, const cnum& exponent);
-  std::optional<rat> symbolic_power(const value& base, std::span<const signed_value<value>> addends);
+  rat symbolic_power(const value& base, std::span<const signed_value<value>> addends);
+  rat power_of_part(const value& base, std::uint32_t base_number, const rat& part, const cnum& coef);
+  rat multiply_all(std::vector<rat> factors);
   std::optional<std::uint32_t> number_of_rat(const rat& r);
 
   rational_registry registry_;
