@@ -189,8 +189,17 @@ class tuple_walk {
 
 // ---- What each assumption gives, remembered for the whole run: the same assumptions come back with every question.
 
+// A list of assumptions and what became of it, with the index of the result.
+struct enriched_list {
+  term_list source;
+  term_list result;
+  std::shared_ptr<assumption_index> index;
+};
+
 struct enrichment_cache {
-  std::unordered_map<term_ptr, term_list> derived;  // without the term itself
+  std::unordered_map<term_ptr, term_list> derived;  // of each assumption, without the assumption itself
+  std::array<enriched_list, 4> recent;              // the levels of one recursion, and one more
+  std::size_t oldest = 0;
 };
 
 enrichment_cache& cache() {
@@ -238,6 +247,17 @@ void append_new(const term_list& candidates, term_list& assum) {
 
 bool solver_preprocess_build_augmented_sdata(const solve_data& src, solve_data& dst) {
   dst = src;
+  if (src.assum.empty()) {
+    return true;
+  }
+  auto& recent = cache().recent;
+  for (const enriched_list& known : recent) {
+    if (known.source == src.assum) {
+      dst.assum = known.result;
+      dst.index = known.index;
+      return true;
+    }
+  }
   term_list candidates;
   for (term_ptr assumption : src.assum) {
     const term_list* facts = assumption == nullptr ? nullptr : derived_facts(assumption);
@@ -249,6 +269,9 @@ bool solver_preprocess_build_augmented_sdata(const solve_data& src, solve_data& 
   if (!candidates.empty()) {
     append_new(candidates, dst.assum);
   }
+  dst.index = std::make_shared<assumption_index>();
+  recent[cache().oldest] = {src.assum, dst.assum, dst.index};
+  cache().oldest = (cache().oldest + 1) % recent.size();
   return true;
 }
 

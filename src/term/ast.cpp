@@ -163,8 +163,13 @@ std::uint64_t name_bit(std::string_view name) { return 1ULL << (hash_text(name) 
 // ---- The store.
 
 struct term_store::impl {
+  // The hash stands beside the node, so that probing and growing touch no other node.
+  struct place {
+    std::uint64_t hash = 0;
+    const term* node = nullptr;
+  };
   arena memory;
-  std::vector<term*> table = std::vector<term*>(4096, nullptr);
+  std::vector<place> table = std::vector<place>(4096);
   std::size_t used = 0;
   std::uint32_t serial = 0;
   std::unordered_set<std::string_view> texts;
@@ -173,26 +178,25 @@ struct term_store::impl {
   std::vector<std::unique_ptr<lambda_var_type_list>> type_lists;
 
   void grow() {
-    std::vector<term*> wider(table.size() * 2, nullptr);
-    for (term* node : table) {
-      if (node == nullptr) {
-        continue;
+    std::vector<place> wider(table.size() * 2);
+    for (const place& taken : table) {
+      if (taken.node != nullptr) {
+        wider[free_slot(wider, taken.hash)] = taken;
       }
-      wider[free_slot(wider, node->hash_)] = node;
     }
     table.swap(wider);
   }
 
-  static std::size_t free_slot(const std::vector<term*>& in, std::uint64_t hash) {
+  static std::size_t free_slot(const std::vector<place>& in, std::uint64_t hash) {
     std::size_t slot = hash & (in.size() - 1);
-    while (in[slot] != nullptr) {
+    while (in[slot].node != nullptr) {
       slot = (slot + 1) & (in.size() - 1);
     }
     return slot;
   }
 
   void put(term* node, std::uint64_t hash) {
-    table[free_slot(table, hash)] = node;
+    table[free_slot(table, hash)] = {hash, node};
     ++used;
   }
 
@@ -206,7 +210,7 @@ term_store::term_store() : impl_(std::make_unique<impl>()) {}
 
 term_store::~term_store() = default;
 
-std::size_t term_store::bytes() const { return impl_->memory.total() + impl_->table.size() * sizeof(term*); }
+std::size_t term_store::bytes() const { return impl_->memory.total() + impl_->table.size() * sizeof(impl::place); }
 
 std::string_view term_store::text(std::string_view text) {
   const auto found = impl_->texts.find(text);
@@ -268,12 +272,15 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
     }
   }
 
-  std::vector<term*>& table = impl_->table;
+  std::vector<impl::place>& table = impl_->table;
   std::size_t slot = hash & (table.size() - 1);
-  for (; table[slot] != nullptr; slot = (slot + 1) & (table.size() - 1)) {
-    const term& node = *table[slot];
-    if (node.hash_ != hash || node.type_ != c.type || node.code_ != c.code || node.integer_ != c.integer ||
-        node.child_count_ != count || node.text_ != c.text || node.types_ != c.types || !same_meta(node.meta_, meta)) {
+  for (; table[slot].node != nullptr; slot = (slot + 1) & (table.size() - 1)) {
+    if (table[slot].hash != hash) {
+      continue;
+    }
+    const term& node = *table[slot].node;
+    if (node.type_ != c.type || node.code_ != c.code || node.integer_ != c.integer || node.child_count_ != count ||
+        node.text_ != c.text || node.types_ != c.types || !same_meta(node.meta_, meta)) {
       continue;
     }
     bool same = true;

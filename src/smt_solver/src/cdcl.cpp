@@ -28,16 +28,21 @@ int open_state(int unassigned) { return unassigned == 0 ? conflicting : unassign
 
 void spend(sat_data& s, std::size_t literals) { s.work_left -= std::min<std::uint64_t>(s.work_left, literals); }
 
-void append_clause(sat_data& s, literal_span literals, int state, int unassigned) {
+// Makes a clause of the literals that stand behind the last clause.
+void close_clause(sat_data& s, int state, int unassigned) {
+  constexpr std::size_t usual_occurrences = 4;
   clause_data& cl = s.cl_data;
   const int index = s.cl_size();
   cl.state.push_back(state);
   cl.lit_state.push_back(0);
   cl.unassign_num.push_back(unassigned);
-  cl.literals.insert(cl.literals.end(), literals.begin(), literals.end());
   cl.end.push_back(cl.literals.size());
-  for (const int literal : literals) {
-    s.occurs[static_cast<std::size_t>(variable_of(literal))].push_back({index, literal > 0});
+  for (const int literal : s.clause(index)) {
+    auto& places = s.occurs[static_cast<std::size_t>(variable_of(literal))];
+    if (places.empty()) {
+      places.reserve(usual_occurrences);
+    }
+    places.push_back({index, literal > 0});
   }
   if (state == unit) {
     s.units.push(index);
@@ -142,7 +147,8 @@ conflict_outcome resolve_conflict(int conflict, sat_data& s) {
     print_progress("too many clause\n");
     return conflict_outcome::exhausted;
   }
-  append_clause(s, learnt, conflicting, 0);
+  s.cl_data.literals.insert(s.cl_data.literals.end(), learnt.begin(), learnt.end());
+  close_clause(s, conflicting, 0);
   const int level = conflict_analysis(learnt, s);
   if (level < 0) {
     return conflict_outcome::unsatisfiable;
@@ -172,16 +178,20 @@ sat_data init_cdcl(int n, int m) {
 }
 
 void add_clause(sat_data& s, literal_span literals) {
-  std::vector<int> row(literals.begin(), literals.end());
-  const auto by_variable = [](int a, int b) { return std::abs(a) != std::abs(b) ? std::abs(a) < std::abs(b) : a < b; };
-  std::sort(row.begin(), row.end(), by_variable);
-  row.erase(std::unique(row.begin(), row.end()), row.end());
-  const bool always_true =
-      std::adjacent_find(row.begin(), row.end(), [](int a, int b) { return a == -b; }) != row.end();
-  if (!row.empty() && !always_true) {
-    const int size = static_cast<int>(row.size());
-    append_clause(s, row, open_state(size), size);
+  std::vector<int>& all = s.cl_data.literals;
+  const auto size_before = static_cast<std::ptrdiff_t>(all.size());
+  all.insert(all.end(), literals.begin(), literals.end());
+  const auto begin = all.begin() + size_before;
+  std::sort(begin, all.end(),
+            [](int a, int b) { return std::abs(a) != std::abs(b) ? std::abs(a) < std::abs(b) : a < b; });
+  all.erase(std::unique(begin, all.end()), all.end());
+  const bool always_true = std::adjacent_find(begin, all.end(), [](int a, int b) { return a == -b; }) != all.end();
+  const auto size = static_cast<int>(all.end() - begin);
+  if (size == 0 || always_true) {
+    all.erase(begin, all.end());
+    return;
   }
+  close_clause(s, open_state(size), size);
 }
 
 cdcl_result cdcl_solver(sat_data& s) {
