@@ -153,7 +153,6 @@ TEST_F(preprocess, EnrichmentFollowsAListThatGrowsShrinksAndChanges) {
         list.push_back(pool[draw(pool.size())]);
     }
     const term_list followed = enriched(list);
-    state().enrichment = draw(20) == 0 ? nullptr : state().enrichment;
     const std::shared_ptr<void> kept = std::exchange(state().enrichment, nullptr);
     ASSERT_EQ(followed, enriched(list)) << shown(list);
     state().enrichment = kept;
