@@ -16,6 +16,7 @@
 #include "term/compare.h"
 #include "term/free_variable.h"
 #include "term/traverse.h"
+#include "term/walk_tools.h"
 
 namespace vetro {
 namespace {
@@ -156,40 +157,36 @@ const binding_operator* binding_operator_of(const application& app) {
   return row.arity == app.count ? &row : nullptr;
 }
 
-// The variables bound around the node that a walk is at. Entered and left like a stack; a list for each level would
-// cost the square of the nesting.
+// The variables bound around the node that a walk is at, entered and left like a stack.
 class outer_variables {
  public:
-  using mark = std::pair<std::size_t, std::uint32_t>;
+  struct mark {
+    std::size_t count;
+    std::uint32_t level;
+  };
 
   explicit outer_variables(term_span global_var) { enter(global_var); }
 
   mark enter(term_span vars) {
-    const mark before{trail_.size(), level_};
+    const mark before{bound_.size(), level_};
     for (term_ptr var : vars) {
-      if (++counts_[var] == 1) {
+      if (!bound_.contains(var)) {
+        bound_.bind(var);
         level_ = ++last_level_;
       }
-      trail_.push_back(var);
     }
     return before;
   }
   void leave(const mark& before) {
-    for (; trail_.size() > before.first; trail_.pop_back()) {
-      const auto entry = counts_.find(trail_.back());
-      if (--entry->second == 0) {
-        counts_.erase(entry);
-      }
-    }
-    level_ = before.second;
+    bound_.release(before.count);
+    level_ = before.level;
   }
-  bool contains(term_ptr var) const { return !counts_.empty() && counts_.contains(var); }
+  bool contains(term_ptr var) const { return bound_.contains(var); }
   // Equal numbers mean the same set of variables.
   std::uint32_t level() const { return level_; }
 
  private:
-  std::unordered_map<term_ptr, std::uint32_t, alpha_hasher, alpha_equal> counts_;
-  term_list trail_;
+  bound_names bound_;
   std::uint32_t level_ = 0;
   std::uint32_t last_level_ = 0;
 };
@@ -226,7 +223,8 @@ class collected_terms {
 
 class binder_catcher {
  public:
-  binder_catcher(term_ptr root, term_span global_var) : outer_(global_var), remember_(root->size() >= 2048) {}
+  binder_catcher(term_ptr root, term_span global_var)
+      : outer_(global_var), remember_(root->size() >= worth_remembering) {}
 
   term_ptr visit(term_ptr t) {
     if (t->children().empty() && t->scope() == nullptr) {
@@ -298,7 +296,7 @@ class binder_catcher {
   term_ptr visit_binding(term_ptr t, const marks& start) {
     const auto part = [this](term_ptr below) { return visit(below); };
     term_ptr with_vars = map_children(t, walk_lambda_vars | walk_quant_vars | keep_meta, part);
-    const term_list inner = term_list_free_variable(with_vars->vars());
+    const term_list inner = free_variables_.of_list(with_vars->vars());
     const outer_variables::mark outside = outer_.enter(inner);
     term_ptr result = visit_body(with_vars, start);
     outer_.leave(outside);
@@ -315,11 +313,18 @@ class binder_catcher {
     return result;
   }
 
+  // A binder that is found again is not listed again, so that a prepared node comes back as it is.
   static term_ptr bind(term_ptr node, term_list&& found) {
     if (found.empty()) {
       return node;
     }
-    found.insert(found.end(), node->binders().begin(), node->binders().end());
+    const std::size_t count = found.size();
+    for (term_ptr binder : node->binders()) {
+      const auto same = [&](term_ptr other) { return other->bare() == binder->bare(); };
+      if (std::none_of(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(count), same)) {
+        found.push_back(binder);
+      }
+    }
     return with_binders(node, found);
   }
 
@@ -344,7 +349,7 @@ class binder_catcher {
 
   // The free variables of b that are not bound from outside; all of them when that leaves none.
   term_list get_binders(term_ptr b) {
-    term_list free = term_free_variable(b);
+    term_list free = free_variables_.of(b);
     term_list found;
     std::copy_if(free.begin(), free.end(), std::back_inserter(found), [&](term_ptr v) { return !outer_.contains(v); });
     return found.empty() ? free : found;
@@ -358,10 +363,11 @@ class binder_catcher {
     if (candidates.empty()) {
       return {};
     }
-    std::unordered_set<term_ptr, alpha_hasher, alpha_equal> constrained;
+    ordered_terms constrained;
     for (term_ptr condition : conditions->elements()) {
-      const term_list found = get_binders(condition);
-      constrained.insert(found.begin(), found.end());
+      for (term_ptr var : get_binders(condition)) {
+        constrained.add(var);
+      }
     }
     term_list result;
     std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(result),
@@ -370,13 +376,13 @@ class binder_catcher {
   }
 
   term_list landau_binders(std::size_t from) {
-    term_list result;
+    ordered_terms result;
     for (term_ptr variable_part : landau_.distinct_from(from)) {
-      const term_list found = get_binders(variable_part);
-      result.insert(result.end(), found.begin(), found.end());
+      for (term_ptr var : get_binders(variable_part)) {
+        result.add(var);
+      }
     }
-    term_list_dedup(result);
-    return result;
+    return result.list();
   }
 
   // ---- Shared subterms of large terms are visited once for each set of outer variables.
@@ -431,6 +437,7 @@ class binder_catcher {
   }
 
   outer_variables outer_;
+  free_variable_memo free_variables_;
   collected_terms differentials_;
   collected_terms landau_;
   bool remember_;

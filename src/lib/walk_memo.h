@@ -2,18 +2,18 @@
 // walk over a small tree is faster without the table.
 #pragma once
 
-#include <cstdint>
 #include <unordered_map>
 
 #include "term/ast.h"
+#include "term/walk_tools.h"
 
 namespace vetro {
 
 class walk_memo {
  public:
-  explicit walk_memo(term_ptr root) : active_(root != nullptr && root->size() >= least_size) {}
+  explicit walk_memo(term_ptr root) : active_(root != nullptr && root->size() >= worth_remembering) {}
 
-  // Null when the node has not been seen (under the same key).
+  // Null when the node has not been seen.
   term_ptr find(term_ptr t) const {
     if (!active_ || t->children().empty()) {
       return nullptr;
@@ -27,10 +27,8 @@ class walk_memo {
     }
     return result;
   }
-  bool active() const { return active_; }
 
  private:
-  static constexpr std::uint32_t least_size = 2048;
   bool active_;
   std::unordered_map<term_ptr, term_ptr> results_;
 };

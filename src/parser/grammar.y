@@ -10,7 +10,7 @@
    read as the left side of a membership, as in «f(a, b ∈ S)», is seen when the list is complete (apply_arguments). */
 
 %glr-parser
-%expect 26
+%expect 26  /* 18 around the evaluation bar; 8 of relations without precedence in front of "(" and "[@scope" */
 %define api.pure
 %define api.prefix {formula_}
 %define api.token.prefix {TOK_}
@@ -143,7 +143,7 @@ term:
 | ELLIPSIS { $$ = mk_const(Ellipsis); }
 | infinity
 | interval
-| pattern_term
+| pattern_term %merge <two_terms>
 | LPAREN term RPAREN { $$ = $2; }
 | LBRACKET term RBRACKET { $$ = $2; }
 | PLUS term %prec UMINUS %merge <two_terms> { $$ = $2; }
@@ -353,7 +353,7 @@ chained_prop:
 | pre_chained_prop membership { $$ = extend_chain(context, $1, $2); }
 ;
 
-/* A relation and its right operand. Only the last three may stand behind a list of terms. */
+/* A relation and its right operand. Only a membership may stand behind a list of terms. */
 
 relation:
   comparison term %prec EQ { $$ = plain_relation($1, $2); }

@@ -31,7 +31,7 @@ void append_reading(std::string& out, term_ptr reading) {
 
 list_cell* parse_context::new_cell(const list_cell* before, term_ptr term) {
   if (cells_used_ == cells_per_chunk) {
-    chunks_.push_back(std::make_unique<list_cell[]>(cells_per_chunk));
+    chunks_.push_back(std::make_unique_for_overwrite<list_cell[]>(cells_per_chunk));
     cells_used_ = 0;
   }
   list_cell* cell = &chunks_.back()[cells_used_++];

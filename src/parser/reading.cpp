@@ -46,19 +46,20 @@ term_ptr list_in_front(term_ptr first, term_ptr second) {
 // The proposition t, which opens with a membership of one term, with another term put in front of that one.
 term_ptr with_term_in_front(term_ptr term, term_ptr t) {
   const term_ptr function = t->left();
+  term_ptr changed = nullptr;
   if (is_membership(function->left())) {
-    return mk_apply(mk_apply(function->left(), list_in_front(term, function->right())), t->right());
-  }
-  if (is_pred(function->left(), PredChain)) {
+    changed = mk_apply(mk_apply(function->left(), list_in_front(term, function->right())), t->right());
+  } else if (is_pred(function->left(), PredChain)) {
     term_list operands(t->right()->elements().begin(), t->right()->elements().end());
     operands.front() = list_in_front(term, operands.front());
-    return mk_apply(function, mk_term_list(operands));
-  }
-  if (function->left()->type() == Connect) {
+    changed = mk_apply(function, mk_term_list(operands));
+  } else if (function->left()->type() == Connect) {
     const term_ptr first = with_term_in_front(term, function->right());
-    return mk_apply(mk_apply(function->left(), first), t->right());
+    changed = mk_apply(mk_apply(function->left(), first), t->right());
+  } else {
+    changed = mk_apply(with_term_in_front(term, function), t->right());
   }
-  return mk_apply(with_term_in_front(term, function), t->right());
+  return with_scope(changed, t->scope());
 }
 
 // «f(a, b ∈ S)» is f of a and b ∈ S, or f of (a, b) ∈ S. Gives whether the arguments have such a place, after

@@ -50,8 +50,11 @@ struct signed_value {
 // text. The binders of a set description stay: { x + y | x > y } ranges over x alone where y is bound outside.
 term_ptr written_form(term_ptr t);
 
-bool describes_set(term_ptr t);         // SetDesc applied to two arguments
-bool depends_on_domain(term_ptr head);  // its value depends on where the argument is defined: x/x is not 1 under it
+bool describes_set(term_ptr t);  // SetDesc applied to two arguments
+
+// The value of the application depends on where its parts are defined, so that x/x must not become 1 in it:
+// { x | x/x = 1 } is without 0. Such a term is compared as it is written.
+bool depends_on_domain(term_ptr t);
 
 template <class Domain>
 class expression_reader {
@@ -119,7 +122,7 @@ class expression_reader {
   }
 
   value read_application(term_ptr t) {
-    if (depends_on_domain(t->left())) {
+    if (depends_on_domain(t)) {
       return domain_.opaque(written_form(t));
     }
     const term_ptr parts[] = {t->left(), t->right()};

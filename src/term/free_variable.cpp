@@ -3,16 +3,36 @@
 #include "term/free_variable.h"
 
 #include <algorithm>
+#include <unordered_map>
 
 #include "term/report.h"
 #include "term/walk_tools.h"
 
 namespace vetro {
+
+struct free_variable_memo::answers {
+  std::unordered_map<term_ptr, term_list> known;
+
+  const term_list* find(term_ptr t) const {
+    const auto found = t->size() < worth_remembering ? known.end() : known.find(t);
+    return found == known.end() ? nullptr : &found->second;
+  }
+  // Long answers are not kept: a tower of them would cost the square of its height in memory. Neither is one that
+  // comes with a line on standard error.
+  void keep(term_ptr t, const term_list& list) {
+    constexpr std::size_t longest = 64;
+    if (t->size() >= worth_remembering && !t->has(fact_empty_list) && list.size() <= longest) {
+      known.emplace(t, list);
+    }
+  }
+};
+
 namespace {
 
 class free_variable_walk {
  public:
-  explicit free_variable_walk(term_span bound) {
+  explicit free_variable_walk(term_span bound, const free_variable_memo::answers* answers = nullptr)
+      : answers_(answers) {
     for (term_ptr var : bound) {
       bound_.bind(var);
     }
@@ -25,6 +45,10 @@ class free_variable_walk {
     }
     if (t->size() >= worth_remembering && !t->has(fact_empty_list) && !met_.insert({bindings_, t}).second) {
       return;  // its variables are all known, and no line would be printed
+    }
+    if (const term_list* known = answers_ == nullptr ? nullptr : answers_->find(t); known != nullptr) {
+      add_unbound(*known);
+      return;
     }
     const std::size_t before = bound_.size();
     const std::uint64_t bindings_before = bindings_;
@@ -49,6 +73,14 @@ class free_variable_walk {
   const term_list& found() const { return found_.list(); }
 
  private:
+  void add_unbound(const term_list& variables) {
+    for (term_ptr var : variables) {
+      if (!bound_.contains(var)) {
+        found_.add(var);
+      }
+    }
+  }
+
   void walk_content(term_ptr t) {
     if (term_is_var(t)) {
       if (!bound_.contains(t)) {
@@ -83,7 +115,7 @@ class free_variable_walk {
     if (std::all_of(t->vars().begin(), t->vars().end(), [](term_ptr v) { return is_var(v) && !v->has_meta(); })) {
       bind(t->vars());
     } else {
-      free_variable_walk entries{{}};
+      free_variable_walk entries({}, answers_);
       for (term_ptr var : t->vars()) {
         entries.walk(var);
       }
@@ -104,6 +136,7 @@ class free_variable_walk {
     }
   }
 
+  const free_variable_memo::answers* answers_;
   bound_names bound_;
   ordered_terms found_;
   std::uint64_t bindings_ = 0;  // number of the present state of the bindings
@@ -135,6 +168,29 @@ term_list term_list_free_variable(term_span list, term_span bound) {
   free_variable_walk walk(bound);
   walk.walk_list(list);
   return walk.found();
+}
+
+free_variable_memo::free_variable_memo() : answers_(std::make_unique<answers>()) {}
+
+free_variable_memo::~free_variable_memo() = default;
+
+term_list free_variable_memo::of(term_ptr t) {
+  free_variable_walk walk({}, answers_.get());
+  walk.walk(t);
+  if (t != nullptr) {
+    answers_->keep(t, walk.found());
+  }
+  return walk.found();
+}
+
+term_list free_variable_memo::of_list(term_span list) {
+  ordered_terms result;
+  for (term_ptr t : list) {
+    for (term_ptr var : of(t)) {
+      result.add(var);
+    }
+  }
+  return result.list();
 }
 
 }  // namespace vetro

@@ -1,7 +1,7 @@
 #!/bin/sh
 # Runs the examples of one document and compares what they show: check_examples.sh VETRO SOURCE_FOLDER SCRATCH DOCUMENT.
 #
-# Each heading of the document starts a fresh folder that holds the default files of tests/cases. In it, in the order of
+# Each heading of the first two levels starts a fresh folder that holds the default files of tests/cases. In it, in the order of
 # the text, blocks between ``` fences count by the word behind the opening fence:
 #     gap, script, library, config   written to gap.txt, script.txt, library.txt, config.ini
 #     trace                          vetro runs; the block shows the steps of its execute log

@@ -30,6 +30,8 @@ void expect_rejected(std::span<const char* const> texts, const std::string& reas
     const term_ptr built = parse_term_from_str(text, 0, 0);
     const std::string errors = testing::internal::GetCapturedStderr();
     EXPECT_EQ(built, nullptr) << text << " gave " << shape(built);
+    EXPECT_EQ(errors.starts_with("Ambiguity detected.\nOption 1,\n"), reason.starts_with("syntax is ambiguous"))
+        << text;
     EXPECT_NE(errors.find(": " + reason), std::string::npos) << text << " reported " << errors;
     EXPECT_TRUE(errors.ends_with("\nError: Parsing failed with code 1.\n")) << text << " reported " << errors;
   }
@@ -383,6 +385,7 @@ TEST(grammar, texts_with_two_readings) {
       "-x|_{0}^{1}^2",
       "a + b|_{0}^{1} * c",
       "|a + b|_{0}^{1}|",
+      "?TermList ∈ S|_{0}^{1}",
       "a | f(x)",
       "a | f(x)(y)",
       "a | b [@scope a > 0 @]",
@@ -395,6 +398,7 @@ TEST(grammar, texts_with_two_readings) {
   };
   expect_rejected(ambiguous, "syntax is ambiguous.\n");
 
+  // The report shows both readings.
   testing::internal::CaptureStderr();
   EXPECT_EQ(parse_term_from_str("a | f(x)", 0, 0), nullptr);
   EXPECT_EQ(testing::internal::GetCapturedStderr(),
