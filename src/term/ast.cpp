@@ -349,6 +349,9 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
     case Pattern:
       node->facts_ |= fact_pattern;
       break;
+    case Const:
+      node->facts_ |= c.code == Ellipsis ? fact_ellipsis : 0;
+      break;
     case TermList:
       node->facts_ |= count == 0 ? fact_empty_list : 0;
       break;

@@ -95,6 +95,7 @@ enum term_fact : std::uint8_t {
   fact_pattern = 8,      // a Pattern leaf somewhere inside
   fact_lambda = 16,      // a Lambda somewhere inside
   fact_empty_list = 32,  // a TermList without elements somewhere inside
+  fact_ellipsis = 64,    // the constant Ellipsis somewhere inside
 };
 
 class term {
