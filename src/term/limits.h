@@ -27,6 +27,9 @@ inline constexpr std::size_t propositional_nodes = 1'000'000;
 // resolution. About a second of work; a problem that learns its full quota of clauses needs far less.
 inline constexpr std::uint64_t cdcl_work = 150'000'000;
 
+// Questions about one applied chain of implications that may end undecided. Each can cost the full work of the core.
+inline constexpr int apply_undecided = 8;
+
 // Products of monomials, new factors and visited terms in one comparison of rational forms: a few tenths of a
 // second and some 100 MB at most. The identities that people write need some hundred; (x1 + ... + x5)^20 needs 200,000.
 inline constexpr std::uint64_t poly_work = 2'000'000;
