@@ -4,6 +4,7 @@
 
 #include "dsl_interpreter/dsl_handler.h"
 #include "dsl_interpreter/dsl_instantiate.h"
+#include "dsl_interpreter/dsl_reread.h"
 #include "lib/semantic_term.h"
 #include "term/compare.h"
 #include "term/state.h"
@@ -170,7 +171,7 @@ constexpr normalize_messages target_messages = {
 
 // Binders as read from text, beta normal form, static analysis. Null after a message.
 term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, const normalize_messages& messages) {
-  term_ptr prepared = with_binders_as_read(t);
+  term_ptr prepared = t == nullptr ? nullptr : reread(data, t, reread_rule::any_instance);
   if (prepared == nullptr) {
     log_error_text(data, messages.prepare);
     return nullptr;
@@ -183,8 +184,9 @@ term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, cons
   term_ptr analyzed = parsed_static_analyze_term(reduced);
   if (analyzed == nullptr) {
     log_error_text(data, messages.analyze);
+    return nullptr;
   }
-  return analyzed;
+  return reread(data, analyzed, reread_rule::exact);
 }
 
 // The instantiated and normalised source. Null after a message.

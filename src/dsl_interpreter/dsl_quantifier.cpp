@@ -4,6 +4,7 @@
 
 #include "dsl_interpreter/dsl_handler.h"
 #include "dsl_interpreter/dsl_instantiate.h"
+#include "dsl_interpreter/dsl_reread.h"
 #include "lib/semantic_term.h"
 #include "term/bound_variables.h"
 #include "term/compare.h"
@@ -129,7 +130,11 @@ dsl_result execute_exists(dsl_execute_data& data) {
     log_error(data, "Error: Failed to run static analysis after exists instantiation\n");
     return result;
   }
-  install_goal(data, with_binders_as_read(analyzed));
+  term_ptr goal = reread(data, analyzed, reread_rule::any_instance);
+  if (goal == nullptr) {
+    return result;
+  }
+  install_goal(data, goal);
   succeed(data, result);
   return result;
 }
@@ -148,10 +153,11 @@ dsl_result execute_get_exists(dsl_execute_data& data) {
     return result;
   }
   working = instantiate_pairs(data, result, working, Exists, inst.list, get_exists_messages);
+  working = working == nullptr ? nullptr : reread(data, working, reread_rule::exact);
   if (working == nullptr) {
     return result;
   }
-  add_assumption(*data.cur_gap, with_binders_as_read(working));
+  add_assumption(*data.cur_gap, working);
   succeed(data, result);
   return result;
 }
@@ -170,10 +176,11 @@ dsl_result execute_get_forall(dsl_execute_data& data) {
     return result;
   }
   working = instantiate_pairs(data, result, working, Forall, inst.list, get_forall_messages);
+  working = working == nullptr ? nullptr : reread(data, working, reread_rule::exact);
   if (working == nullptr) {
     return result;
   }
-  install_goal(data, with_binders_as_read(working));
+  install_goal(data, working);
   succeed(data, result);
   return result;
 }
