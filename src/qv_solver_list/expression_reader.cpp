@@ -12,12 +12,14 @@ term_ptr strip(term_ptr t, std::unordered_map<term_ptr, term_ptr>& done) {
   if (known != done.end()) {
     return known->second;
   }
-  const unsigned kept = describes_set(t) ? keep_binders : 0U;
-  term_ptr plain =
-      map_children(t, walk_children | kept | always_rebuild, [&](term_ptr part) { return strip(part, done); });
+  constexpr unsigned parts = walk_children | keep_binders | always_rebuild;
+  term_ptr plain = map_children(t, parts, [&](term_ptr part) { return strip(part, done); });
   done.emplace(t, plain);
   return plain;
 }
+
+// SetDesc applied to two arguments.
+bool describes_set(term_ptr t) { return is_apply(t) && is_apply(t->left()) && is_oper(t->left()->left(), SetDesc); }
 
 // Set descriptions beyond this size count as depending on their domain unseen.
 constexpr std::uint32_t most_nodes_searched = 10'000;
@@ -47,8 +49,6 @@ term_ptr written_form(term_ptr t) {
   std::unordered_map<term_ptr, term_ptr> done;
   return strip(t, done);
 }
-
-bool describes_set(term_ptr t) { return is_apply(t) && is_apply(t->left()) && is_oper(t->left()->left(), SetDesc); }
 
 bool depends_on_domain(term_ptr t) {
   if (is_pred(t->left(), Defined) || is_oper(t->left(), Dom)) {

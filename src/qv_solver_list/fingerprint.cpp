@@ -78,6 +78,7 @@ bool integer_power(std::uint64_t base, std::int64_t k, const modulus& m, std::ui
 fingerprint fingerprint::of_number(const cnum& c) {
   fingerprint f;
   if (!cnum_is_finite(c)) {
+    f.fails = true;
     return f;
   }
   f.constant = c;
@@ -104,19 +105,24 @@ fingerprint fingerprint_sum(std::span<const signed_value<fingerprint>> addends) 
     sum.constant = negative ? cnum_sub(sum.constant, f.constant) : cnum_add(sum.constant, f.constant);
     sum.has_value = sum.has_value && f.has_value;
     sum.has_exponent = sum.has_exponent && f.has_exponent;
+    sum.fails = sum.fails || f.fails;
   }
   return sum;
 }
 
 fingerprint fingerprint_product(std::span<const fingerprint> factors) {
   fingerprint product = fingerprint::of_number(cnum_from_int(1));
+  bool may_be_zero = false;
   for (const fingerprint& f : factors) {
     product.value = multiply(product.value, f.value, value_field);
     product.exponent = multiply(product.exponent, f.exponent, exponent_field);
     product.constant = cnum_mul(product.constant, f.constant);
     product.has_value = product.has_value && f.has_value;
     product.has_exponent = product.has_exponent && f.has_exponent;
+    product.fails = product.fails || f.fails;
+    may_be_zero = may_be_zero || (!f.fails && !f.is_nonzero());
   }
+  product.fails = product.fails && !may_be_zero;
   return product;
 }
 
@@ -127,6 +133,8 @@ fingerprint fingerprint_quotient(const fingerprint& numerator, const fingerprint
                 quotient(numerator.value, denominator.value, value_field, f.value);
   f.has_exponent = numerator.has_exponent && denominator.has_exponent &&
                    quotient(numerator.exponent, denominator.exponent, exponent_field, f.exponent);
+  f.fails = (numerator.fails && (denominator.fails || denominator.is_nonzero())) ||
+            (denominator.fails && numerator.is_nonzero());
   return f;
 }
 
@@ -143,9 +151,12 @@ fingerprint fingerprint_power(const fingerprint& base, const fingerprint& expone
       const std::uint64_t magnitude = k < 0 ? ~static_cast<std::uint64_t>(k) + 1 : static_cast<std::uint64_t>(k);
       const cnum whole = cnum_power(base.constant, magnitude);
       f.constant = k < 0 ? cnum_div(cnum_from_int(1), whole) : whole;
+      f.fails = !cnum_is_finite(whole);
     }
+    f.fails = f.fails || base.fails;
     return f;
   }
+  f.fails = exponent.fails;
   // Only squares have powers with every exponent; their order divides the exponents' prime.
   f.has_value = base.has_value && exponent.has_exponent && power(base.value, exponent_field.prime, value_field) == 1;
   f.value = f.has_value ? power(base.value, exponent.exponent, value_field) : 0;
@@ -154,13 +165,14 @@ fingerprint fingerprint_power(const fingerprint& base, const fingerprint& expone
 
 fingerprint fingerprint_compound(compound_kind kind, std::span<const fingerprint> parts) {
   std::uint64_t hash = mix(static_cast<std::uint64_t>(kind) + 11);
+  fingerprint unknown;
+  bool known = true;
   for (const fingerprint& part : parts) {
-    if (!part.has_value) {
-      return {};
-    }
     hash = mix(hash ^ part.value) + 1;
+    known = known && part.has_value;
+    unknown.fails = unknown.fails || part.fails;
   }
-  return fingerprint::of_hash(hash);
+  return known && !unknown.fails ? fingerprint::of_hash(hash) : unknown;
 }
 
 fingerprint fingerprint_leaf(term_ptr t) { return fingerprint::of_hash(mix(t->hash()) + 5); }

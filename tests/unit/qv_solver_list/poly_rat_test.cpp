@@ -388,6 +388,17 @@ TEST_F(poly_rat, explosions_are_given_up) {
   EXPECT_FALSE(equal(product, product + " * 1 + 0"));
 }
 
+// Comparing all pairs of subterms of two deep terms that have no exact form, as rewriting does.
+TEST_F(poly_rat, all_levels_of_a_deep_term) {
+  term_ptr left = read("x + 10^20");
+  term_ptr right = read("10^20 + x");
+  for (int i = 0; i < 3000; ++i) {
+    EXPECT_FALSE(poly_rat_eqb(left, right));
+    left = make_binOp_term(Plus, mk_integer(1), make_unOp_term(Sin, left));
+    right = make_binOp_term(Plus, mk_integer(1), make_unOp_term(Sin, right));
+  }
+}
+
 TEST_F(poly_rat, many_symbolic_powers_are_instant) {
   std::string product = "x^(a_1)";
   std::string exponent = "a_1";
