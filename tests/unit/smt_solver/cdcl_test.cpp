@@ -341,12 +341,12 @@ TEST(Cdcl, CountersAreExactAfterEveryStep) {
     if (conflict < 0) {
       continue;
     }
-    const auto first = std::find(s.cl_data.state.begin(), s.cl_data.state.end(), 1);
-    ASSERT_EQ(first - s.cl_data.state.begin(), conflict);
+    const auto first = std::find_if(s.cl_data.begin(), s.cl_data.end(), [](const auto& c) { return c.state == 1; });
+    ASSERT_EQ(first - s.cl_data.begin(), conflict);
     if (s.cur_dl > 0) {
       backtrack(conflict_analysis(clause_learning(conflict, s), s), s);
       expect_exact_counters(s);
-      ASSERT_NE(s.cl_data.state[static_cast<std::size_t>(conflict)], 1);
+      ASSERT_NE(s.cl_data[static_cast<std::size_t>(conflict)].state, 1);
       ++returned;
     }
   }
