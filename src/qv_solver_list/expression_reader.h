@@ -35,9 +35,9 @@ namespace vetro {
 
 // Opaque values that are equal when their parts are equal as rational expressions.
 enum class compound_kind : std::uint8_t {
-  application,      // function, argument
-  list,             // elements
-  set_description,  // the application, the variables that range over the set
+  application,  // function, argument
+  list,         // elements
+  binding,      // the application, the variables that it binds
 };
 
 template <class Value>
@@ -46,15 +46,23 @@ struct signed_value {
   bool negative;
 };
 
+// What the application binds depends on what was bound around it when it was read: { x + y | x > y } ranges over x
+// alone where y was bound outside, and sum_{i = k}^{n}(i) has a free k only there. So it is with set descriptions, sums
+// and their kin; other binders follow from the text.
+bool binds_by_surroundings(term_ptr t);
+
 // The term without what a comparison of written forms ignores: scopes, soft types, and binders that follow from the
-// text. The binders of a set description stay: { x + y | x > y } ranges over x alone where y is bound outside.
+// text.
 term_ptr written_form(term_ptr t);
 
-bool describes_set(term_ptr t);  // SetDesc applied to two arguments
-
-// The value of the application depends on where its parts are defined, so that x/x must not become 1 in it:
-// { x | x/x = 1 } is without 0. Such a term is compared as it is written.
+// The value of the application depends on where its parts are defined, so that x/x must not become 1 in it, nor
+// ln(x) - ln(x) 0: { x | x/x = 1 } is without 0. Such a term is compared as it is written.
 bool depends_on_domain(term_ptr t);
+
+// A partial differential, or a product or power with a differential in it: a quotient by it is a symbol, not a number
+// that cancels. The product of pdiff(x)/pdiff(y), pdiff(y)/pdiff(z) and pdiff(z)/pdiff(x) is -1. A quotient by diff(x)
+// is one, as the chain rule has it.
+bool divides_by_differentials(term_ptr divisor);
 
 template <class Domain>
 class expression_reader {
@@ -127,14 +135,14 @@ class expression_reader {
     }
     const term_ptr parts[] = {t->left(), t->right()};
     const value application = read_compound(compound_kind::application, parts);
-    if (!describes_set(t)) {
+    if (!binds_by_surroundings(t)) {
       return application;
     }
-    std::vector<value> described{application};
+    std::vector<value> parts_and_variables{application};
     for (term_ptr variable : t->binders()) {
-      described.push_back(domain_.leaf(variable->bare()));
+      parts_and_variables.push_back(domain_.leaf(variable->bare()));
     }
-    return domain_.compound(compound_kind::set_description, described);
+    return domain_.compound(compound_kind::binding, parts_and_variables);
   }
 
   value read_compound(compound_kind kind, term_span parts) {
@@ -147,7 +155,7 @@ class expression_reader {
   }
 
   // The operators that are computed, with their operands (t2 is null for Neg). A node that binds variables is no
-  // arithmetic, whatever its head.
+  // arithmetic, whatever its head, and neither is a derivative that is written as a quotient.
   static std::optional<composed_term> arithmetic_view(term_ptr t) {
     const auto view = t->binders().empty() ? composed_term_split(t) : std::nullopt;
     if (!view || (view->oper == Neg) != (view->t2 == nullptr)) {
@@ -158,10 +166,11 @@ class expression_reader {
       case Minus:
       case Neg:
       case Mult:
-      case Div:
-      case Frac:
       case Power:
         return view;
+      case Div:
+      case Frac:
+        return divides_by_differentials(view->t2) ? std::nullopt : view;
       default:
         return std::nullopt;
     }
