@@ -12,12 +12,14 @@ term_ptr strip(term_ptr t, std::unordered_map<term_ptr, term_ptr>& done) {
   if (known != done.end()) {
     return known->second;
   }
-  const unsigned kept = binds_by_surroundings(t) ? keep_binders : 0U;
-  term_ptr plain =
-      map_children(t, walk_children | kept | always_rebuild, [&](term_ptr part) { return strip(part, done); });
+  constexpr unsigned parts = walk_children | keep_binders | always_rebuild;
+  term_ptr plain = map_children(t, parts, [&](term_ptr part) { return strip(part, done); });
   done.emplace(t, plain);
   return plain;
 }
+
+// SetDesc applied to two arguments.
+bool describes_set(term_ptr t) { return is_apply(t) && is_apply(t->left()) && is_oper(t->left()->left(), SetDesc); }
 
 // Set descriptions beyond this size count as depending on their domain unseen.
 constexpr std::uint32_t most_nodes_searched = 10'000;
@@ -101,24 +103,11 @@ bool may_cancel(term_ptr t) {
 
 bool is_differential(term_ptr t) { return is_apply(t) && (is_oper(t->left(), PD) || is_oper(t->left(), D)); }
 
-bool describes_set(term_ptr t) { return is_apply(t) && is_apply(t->left()) && is_oper(t->left()->left(), SetDesc); }
-
 }  // namespace
 
 term_ptr written_form(term_ptr t) {
   std::unordered_map<term_ptr, term_ptr> done;
   return strip(t, done);
-}
-
-bool binds_by_surroundings(term_ptr t) {
-  if (describes_set(t)) {
-    return true;
-  }
-  term_ptr head = t;
-  while (is_apply(head)) {
-    head = head->left();
-  }
-  return !t->binders().empty() && head->type() == Oper && head->oper() >= BigSum && head->oper() <= BigInterSup;
 }
 
 bool divides_by_differentials(term_ptr divisor) {

@@ -37,7 +37,7 @@ namespace vetro {
 enum class compound_kind : std::uint8_t {
   application,  // function, argument
   list,         // elements
-  binding,      // the application, the variables that it binds
+  binding,      // an application that binds variables, the variables
 };
 
 template <class Value>
@@ -46,13 +46,8 @@ struct signed_value {
   bool negative;
 };
 
-// What the application binds depends on what was bound around it when it was read: { x + y | x > y } ranges over x
-// alone where y was bound outside, and sum_{i = k}^{n}(i) has a free k only there. So it is with set descriptions, sums
-// and their kin; other binders follow from the text.
-bool binds_by_surroundings(term_ptr t);
-
-// The term without what a comparison of written forms ignores: scopes, soft types, and binders that follow from the
-// text.
+// The term without what a comparison of written forms ignores: scopes and soft types. Binders stay: { x + y | x > y }
+// ranges over x alone where y is bound outside.
 term_ptr written_form(term_ptr t);
 
 // The value of the application depends on where its parts are defined, so that x/x must not become 1 in it, nor
@@ -135,14 +130,19 @@ class expression_reader {
     }
     const term_ptr parts[] = {t->left(), t->right()};
     const value application = read_compound(compound_kind::application, parts);
-    if (!binds_by_surroundings(t)) {
-      return application;
+    return t->binders().empty() ? application : read_binding(application, t->binders());
+  }
+
+  // Calculation may take a variable out of an index part, and what the operator binds must not change by that:
+  // sum_{i = k - k}^{n}(k) binds k, sum_{i = 0}^{n}(k) does not.
+  value read_binding(const value& application, term_list binders) {
+    std::sort(binders.begin(), binders.end(),
+              [](term_ptr a, term_ptr b) { return a->bare()->hash() < b->bare()->hash(); });
+    std::vector<value> values{application};
+    for (term_ptr variable : binders) {
+      values.push_back(domain_.opaque(written_form(variable)));
     }
-    std::vector<value> parts_and_variables{application};
-    for (term_ptr variable : t->binders()) {
-      parts_and_variables.push_back(domain_.leaf(variable->bare()));
-    }
-    return domain_.compound(compound_kind::binding, parts_and_variables);
+    return domain_.compound(compound_kind::binding, values);
   }
 
   value read_compound(compound_kind kind, term_span parts) {

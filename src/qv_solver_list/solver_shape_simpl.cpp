@@ -163,7 +163,7 @@ class rewrite_check {
       ++hits_;
       return true;
     }
-    if (from == nullptr || to == nullptr || from->type() != to->type() || is_whole(from) ||
+    if (from == nullptr || to == nullptr || from->type() != to->type() || is_whole(from) || !same_scope(from, to) ||
         crosses_implicit(from, to)) {
       return equal(from, to);
     }
@@ -185,7 +185,7 @@ class rewrite_check {
     if (equal(from, to)) {
       return from;
     }
-    if (from->type() != to->type() || is_whole(from) || crosses_implicit(from, to)) {
+    if (from->type() != to->type() || is_whole(from) || !same_scope(from, to) || crosses_implicit(from, to)) {
       return nullptr;
     }
     switch (from->type()) {
@@ -230,8 +230,15 @@ class rewrite_check {
     return a->quant() == b->quant() && term_list_eqb_pure(a->vars(), b->vars());
   }
 
+  static bool same_scope(term_ptr a, term_ptr b) {
+    return a->scope() == b->scope() ||
+           (a->scope() != nullptr && b->scope() != nullptr && term_eqb(a->scope(), b->scope()));
+  }
+
+  // A sum over i that stands under forall (c) may look like one outside that binds c, too.
   bool equal_by_parts(term_ptr left, term_ptr right) {
-    if (left->type() != right->type() || is_whole(left) || is_whole(right)) {
+    if (left->type() != right->type() || is_whole(left) || is_whole(right) ||
+        !term_list_eqb_pure(left->binders(), right->binders()) || !same_scope(left, right)) {
       return false;
     }
     switch (left->type()) {

@@ -33,6 +33,12 @@ inline constexpr std::uint64_t poly_operation = 300'000;
 
 // Products of monomials, new factors and visited terms in one comparison of rational forms: a few tenths of a second
 // and some 100 MB at most.
+
+// Questions about one applied chain of implications that may end undecided. Each can cost the full work of the core.
+inline constexpr int apply_undecided = 8;
+
+// Products of monomials, new factors and visited terms in one comparison of rational forms: a few tenths of a
+// second and some 100 MB at most. The identities that people write need some hundred; (x1 + ... + x5)^20 needs 200,000.
 inline constexpr std::uint64_t poly_work = 2'000'000;
 
 // Facts about terms and pairs of terms that comparisons remember, beside those of the terms at hand; about 100 bytes
