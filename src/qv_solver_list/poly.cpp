@@ -43,7 +43,7 @@ class collector {
       slot = static_cast<std::uint32_t>(terms_.size());
     } else {
       cnum& sum = terms_[slot - 1].coef;
-      sum = cnum_add(sum, coef);
+      sum = cnum_add_reduced(sum, coef);
     }
     failed_ = failed_ || !cnum_is_finite(terms_[slot - 1].coef);
   }
@@ -162,7 +162,7 @@ std::optional<monomial_id> poly_data::multiply(monomial_id a, monomial_id b) {
       scratch_.push_back(left[i].key < right[j].key ? left[i++] : right[j++]);
       continue;
     }
-    const cnum sum = cnum_add(left[i].exp, right[j].exp);
+    const cnum sum = cnum_add_reduced(left[i].exp, right[j].exp);
     if (!cnum_is_finite(sum)) {
       return std::nullopt;
     }
@@ -184,7 +184,7 @@ std::optional<monomial_id> poly_data::power(monomial_id m, const cnum& exponent)
   const std::span<const factor> list = factors(m);
   scratch_.assign(list.begin(), list.end());
   for (factor& f : scratch_) {
-    f.exp = cnum_mul(f.exp, exponent);
+    f.exp = cnum_mul_reduced(f.exp, exponent);
     if (!cnum_is_finite(f.exp)) {
       return std::nullopt;
     }
@@ -276,7 +276,7 @@ poly poly_mul(poly_data& pdata, const poly& a, const poly& b) {
       if (!m) {
         return poly_nan();
       }
-      out.add(*m, cnum_mul(left.coef, right.coef));
+      out.add(*m, cnum_mul_reduced(left.coef, right.coef));
     }
   }
   return pdata.exhausted() ? poly_nan() : out.take();
@@ -338,7 +338,7 @@ class multinomial_power {
         choices = next_binomial(choices, left - e + 1, e);
       }
       const poly power = pow_of_one_term(pdata_, t, e);
-      const cnum product = cnum_mul(cnum_mul(coef, choices), power.front().coef);
+      const cnum product = cnum_mul_reduced(cnum_mul_reduced(coef, choices), power.front().coef);
       const std::optional<monomial_id> next = pdata_.multiply(m, power.front().monomial);
       if (!pdata_.charge(1) || !next || !cnum_is_finite(product)) {
         out_.fail();

@@ -223,7 +223,7 @@ rat rational_domain::power_of_part(const value& base, std::uint32_t base_number,
   const rat normal = rat_normalize(registry_, part);
   cnum constant;
   if (rat_is_const(normal, &constant)) {
-    return number_power(base, cnum_mul(coef, constant));
+    return number_power(base, cnum_mul_reduced(coef, constant));
   }
   const auto part_number = number_of_rat(normal);
   if (!part_number) {
