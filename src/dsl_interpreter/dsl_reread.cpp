@@ -10,6 +10,7 @@
 #include "lib/semantic_term.h"
 #include "term/bound_variables.h"
 #include "term/compare.h"
+#include "term/index_variables.h"
 #include "term/substitute.h"
 
 namespace vetro {
@@ -22,8 +23,10 @@ class binder_comparison {
     if (kept == text || !done_.insert({kept, text}).second) {
       return;
     }
-    note_missing(text->binders(), kept->binders(), text, captured_);
-    note_missing(kept->binders(), text->binders(), kept, released_);
+    const term_list kept_names = binding_names(kept);
+    const term_list text_names = binding_names(text);
+    note_missing(text_names, kept_names, text, captured_);
+    note_missing(kept_names, text_names, kept, released_);
     for (std::size_t i = 0; i < kept->children().size(); ++i) {
       if (kept->children()[i] != nullptr) {
         walk(kept->children()[i], text->children()[i]);

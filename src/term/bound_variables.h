@@ -47,6 +47,7 @@ class free_occurrences {
   bool beside(term_ptr entry);
 
  private:
+  bool bound_implicitly(term_ptr t) const;
   bool in_node(term_ptr t);
   bool in_any(term_span list);
   bool in_binding(term_ptr t);

@@ -31,9 +31,6 @@ inline constexpr std::uint64_t cdcl_work = 150'000'000;
 // a page has some hundred, (x1 + ... + x5)^20 has 10,000.
 inline constexpr std::uint64_t poly_operation = 300'000;
 
-// Products of monomials, new factors and visited terms in one comparison of rational forms: a few tenths of a second
-// and some 100 MB at most.
-
 // Questions about one applied chain of implications that may end undecided. Each can cost the full work of the core.
 inline constexpr int apply_undecided = 8;
 

@@ -9,6 +9,7 @@
 #include <unordered_map>
 
 #include "term/compare.h"
+#include "term/index_variables.h"
 #include "term/report.h"
 #include "term/state.h"
 #include "term/walk_tools.h"
@@ -337,7 +338,7 @@ class plain_free_walk {
     }
     const std::size_t before = bound_.size();
     const std::uint64_t bindings_before = bindings_;
-    bind(t->binders());
+    bind(binding_names(t));
     walk_content(t);
     if (t->scope() != nullptr) {
       walk(t->scope());
