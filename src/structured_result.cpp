@@ -186,7 +186,12 @@ class document_writer {
     return text;
   }
 
-  void write(std::string_view text) { std::fwrite(text.data(), 1, text.size(), file_); }
+  // An empty view may have no address, which fwrite must not be given.
+  void write(std::string_view text) {
+    if (!text.empty()) {
+      std::fwrite(text.data(), 1, text.size(), file_);
+    }
+  }
 
   std::FILE* file_;
   bool serialised_ = true;

@@ -337,5 +337,7 @@ int main(int argc, char** argv) {
   vetro::occupy_closed_standard_streams();
   // A reader of standard output that goes away must not take the logs with it.
   std::signal(SIGPIPE, SIG_IGN);
+  // Nor may a limit on the size of files: like a full disk it is an error of the one file that it meets.
+  std::signal(SIGXFSZ, SIG_IGN);
   return vetro::run_on_large_stack([&] { return vetro::guarded_run(argc, argv); });
 }

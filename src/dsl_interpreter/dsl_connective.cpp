@@ -1,29 +1,89 @@
 // The instructions on connectives: destruct_and, case_analysis, or_intro, and apply.
+#include <algorithm>
+
 #include "dsl_interpreter/dsl_handler.h"
 #include "qv_solver_list/solver_sat.h"
 #include "term/compare.h"
+#include "term/limits.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
 namespace {
 
+// p1 ⇒ (p2 ⇒ ... ⇒ c), taken apart: rest number k is what stands behind the first k premises.
+struct implication_chain {
+  term_list premises;
+  term_list rests;
+};
+
+implication_chain open_chain(term_ptr hypothesis) {
+  implication_chain chain;
+  chain.rests.push_back(hypothesis);
+  while (const auto parts = separate_imply(chain.rests.back())) {
+    chain.premises.push_back(parts->first);
+    chain.rests.push_back(parts->second);
+  }
+  return chain;
+}
+
+sat_answer implies(term_ptr rest, term_ptr goal) {
+  const term_ptr only[] = {rest};
+  return propositional_answer(only, goal);
+}
+
+// The first of rests[low] to rests[high - 1] that is seen to imply the goal, else high. Rest number given_up is known
+// to be undecided.
+std::size_t first_seen_to_imply(term_span rests, std::size_t low, std::size_t high, std::size_t given_up,
+                                term_ptr goal) {
+  int undecided = 0;
+  for (std::size_t k = low; k < high && undecided < limits::apply_undecided; ++k) {
+    const sat_answer answer = k == given_up ? sat_answer::undecided : implies(rests[k], goal);
+    if (answer == sat_answer::proved) {
+      return k;
+    }
+    undecided += answer == sat_answer::undecided ? 1 : 0;
+  }
+  return high;
+}
+
+// The first rest that implies the goal by propositional reasoning; rests.size() when there is none.
+//
+// Each rest follows from the next one, so that the rests which imply the goal are the last ones, and halving finds the
+// first of them in a few questions. Only an undecided question says nothing about the other rests; then they are asked
+// one by one.
+std::size_t first_implying(term_span rests, term_ptr goal) {
+  std::size_t low = 0;
+  std::size_t high = rests.size();
+  while (low < high) {
+    const std::size_t middle = low + (high - low) / 2;
+    switch (implies(rests[middle], goal)) {
+      case sat_answer::proved:
+        high = middle;
+        break;
+      case sat_answer::open:
+        low = middle + 1;
+        break;
+      case sat_answer::undecided:
+        return first_seen_to_imply(rests, low, high, middle, goal);
+    }
+  }
+  return low;
+}
+
 // The premises of the hypothesis that are left to show once its conclusion has met the goal; nothing when it never
 // does. The conclusion meets the goal when they are equal up to bound names or the goal follows by propositional
 // reasoning.
 std::optional<term_list> dsl_term_apply(term_ptr hypothesis, term_ptr goal) {
-  term_list premises;
-  for (term_ptr working = hypothesis;;) {
-    const term_ptr only[] = {working};
-    if (alpha_equivalent(working, goal) || solver_sat(only, goal)) {
-      return premises;
-    }
-    const auto parts = separate_imply(working);
-    if (!parts) {
-      return std::nullopt;
-    }
-    premises.push_back(parts->first);
-    working = parts->second;
+  implication_chain chain = open_chain(hypothesis);
+  const auto equal = std::find_if(chain.rests.begin(), chain.rests.end(),
+                                  [goal](term_ptr rest) { return alpha_equivalent(rest, goal); });
+  const auto before = static_cast<std::size_t>(equal - chain.rests.begin());
+  const std::size_t met = first_implying(term_span(chain.rests).first(before), goal);
+  if (met == chain.rests.size()) {
+    return std::nullopt;
   }
+  chain.premises.resize(met);
+  return std::move(chain.premises);
 }
 
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "dsl_interpreter/dsl_handler.h"
 #include "dsl_interpreter/dsl_instantiate.h"
+#include "dsl_interpreter/dsl_reread.h"
 #include "lib/semantic_term.h"
 #include "term/compare.h"
 #include "term/state.h"
@@ -139,17 +140,13 @@ bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, ter
 
 // The quantifier with all pairs substituted at once: binders by placeholders, then placeholders by values.
 term_ptr substitute_at_once(term_ptr quantified, const std::vector<get_prop_subst>& substs) {
-  term_list rest(quantified->vars().begin(), quantified->vars().end());
+  term_list binders;
+  term_list placeholders;
   for (const get_prop_subst& subst : substs) {
-    term_list_remove(subst.src, rest);
+    binders.push_back(subst.src);
+    placeholders.push_back(subst.placeholder);
   }
-  term_ptr t = quantified->body();
-  if (!rest.empty()) {
-    t = with_meta(mk_quant(Forall, rest, quantified->body()), quantified->meta());
-  }
-  for (const get_prop_subst& subst : substs) {
-    t = instantiate_term(subst.src, subst.placeholder, t);
-  }
+  term_ptr t = instantiate_binders(quantified, binders, placeholders);
   for (const get_prop_subst& subst : substs) {
     t = instantiate_term(subst.placeholder, subst.dest, t);
   }
@@ -174,7 +171,7 @@ constexpr normalize_messages target_messages = {
 
 // Binders as read from text, beta normal form, static analysis. Null after a message.
 term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, const normalize_messages& messages) {
-  term_ptr prepared = with_binders_as_read(t);
+  term_ptr prepared = t == nullptr ? nullptr : reread(data, t, reread_rule::any_instance);
   if (prepared == nullptr) {
     log_error_text(data, messages.prepare);
     return nullptr;
@@ -187,8 +184,9 @@ term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, cons
   term_ptr analyzed = parsed_static_analyze_term(reduced);
   if (analyzed == nullptr) {
     log_error_text(data, messages.analyze);
+    return nullptr;
   }
-  return analyzed;
+  return reread(data, analyzed, reread_rule::exact);
 }
 
 // The instantiated and normalised source. Null after a message.

@@ -4,6 +4,7 @@
 
 #include "dsl_interpreter/dsl_handler.h"
 #include "dsl_interpreter/dsl_instantiate.h"
+#include "dsl_interpreter/dsl_reread.h"
 #include "lib/semantic_term.h"
 #include "term/bound_variables.h"
 #include "term/compare.h"
@@ -11,17 +12,6 @@
 
 namespace vetro {
 namespace {
-
-// Takes the binder off the quantifier and replaces it in what remains. The binder is in the quantifier's list.
-term_ptr instantiate_binder(term_ptr quantified, term_ptr binder, term_ptr value) {
-  term_list rest(quantified->vars().begin(), quantified->vars().end());
-  term_list_remove(binder, rest);
-  term_ptr opened = quantified->body();
-  if (!rest.empty()) {
-    opened = with_meta(mk_quant(quantified->quant(), rest, quantified->body()), quantified->meta());
-  }
-  return instantiate_term(binder, value, opened);
-}
 
 bool is_quantifier(term_ptr t, quant_type kind) { return t->type() == Quant && t->quant() == kind; }
 
@@ -91,7 +81,7 @@ term_ptr instantiate_pairs(const dsl_execute_data& data, dsl_result& result, ter
         return nullptr;
       }
     }
-    working = instantiate_binder(working, pair.binder, pair.sub_term);
+    working = instantiate_binders(working, {&pair.binder, 1}, {&pair.sub_term, 1});
     if (working == nullptr) {
       log_error(data, "the instantiation of a quantifier failed\n");
       return nullptr;
@@ -140,7 +130,11 @@ dsl_result execute_exists(dsl_execute_data& data) {
     log_error(data, "Error: Failed to run static analysis after exists instantiation\n");
     return result;
   }
-  install_goal(data, with_binders_as_read(analyzed));
+  term_ptr goal = reread(data, analyzed, reread_rule::any_instance);
+  if (goal == nullptr) {
+    return result;
+  }
+  install_goal(data, goal);
   succeed(data, result);
   return result;
 }
@@ -159,10 +153,11 @@ dsl_result execute_get_exists(dsl_execute_data& data) {
     return result;
   }
   working = instantiate_pairs(data, result, working, Exists, inst.list, get_exists_messages);
+  working = working == nullptr ? nullptr : reread(data, working, reread_rule::exact);
   if (working == nullptr) {
     return result;
   }
-  add_assumption(*data.cur_gap, with_binders_as_read(working));
+  add_assumption(*data.cur_gap, working);
   succeed(data, result);
   return result;
 }
@@ -181,10 +176,11 @@ dsl_result execute_get_forall(dsl_execute_data& data) {
     return result;
   }
   working = instantiate_pairs(data, result, working, Forall, inst.list, get_forall_messages);
+  working = working == nullptr ? nullptr : reread(data, working, reread_rule::exact);
   if (working == nullptr) {
     return result;
   }
-  install_goal(data, with_binders_as_read(working));
+  install_goal(data, working);
   succeed(data, result);
   return result;
 }

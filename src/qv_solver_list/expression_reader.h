@@ -35,9 +35,9 @@ namespace vetro {
 
 // Opaque values that are equal when their parts are equal as rational expressions.
 enum class compound_kind : std::uint8_t {
-  application,      // function, argument
-  list,             // elements
-  set_description,  // the application, the variables that range over the set
+  application,  // function, argument
+  list,         // elements
+  binding,      // an application that binds variables, the variables
 };
 
 template <class Value>
@@ -46,12 +46,13 @@ struct signed_value {
   bool negative;
 };
 
-// The term without what a comparison of written forms ignores: scopes, soft types, and binders that follow from the
-// text. The binders of a set description stay: { x + y | x > y } ranges over x alone where y is bound outside.
+// The term without what a comparison of written forms ignores: scopes and soft types. Binders stay: { x + y | x > y }
+// ranges over x alone where y is bound outside.
 term_ptr written_form(term_ptr t);
 
-bool describes_set(term_ptr t);         // SetDesc applied to two arguments
-bool depends_on_domain(term_ptr head);  // its value depends on where the argument is defined: x/x is not 1 under it
+// The value of the application depends on where its parts are defined, so that x/x must not become 1 in it:
+// { x | x/x = 1 } is without 0. Such a term is compared as it is written.
+bool depends_on_domain(term_ptr t);
 
 template <class Domain>
 class expression_reader {
@@ -119,19 +120,24 @@ class expression_reader {
   }
 
   value read_application(term_ptr t) {
-    if (depends_on_domain(t->left())) {
+    if (depends_on_domain(t)) {
       return domain_.opaque(written_form(t));
     }
     const term_ptr parts[] = {t->left(), t->right()};
     const value application = read_compound(compound_kind::application, parts);
-    if (!describes_set(t)) {
-      return application;
+    return t->binders().empty() ? application : read_binding(application, t->binders());
+  }
+
+  // Calculation may take a variable out of an index part, and what the operator binds must not change by that:
+  // sum_{i = k - k}^{n}(k) binds k, sum_{i = 0}^{n}(k) does not.
+  value read_binding(const value& application, term_list binders) {
+    std::sort(binders.begin(), binders.end(),
+              [](term_ptr a, term_ptr b) { return a->bare()->hash() < b->bare()->hash(); });
+    std::vector<value> values{application};
+    for (term_ptr variable : binders) {
+      values.push_back(domain_.opaque(written_form(variable)));
     }
-    std::vector<value> described{application};
-    for (term_ptr variable : t->binders()) {
-      described.push_back(domain_.leaf(variable->bare()));
-    }
-    return domain_.compound(compound_kind::set_description, described);
+    return domain_.compound(compound_kind::binding, values);
   }
 
   value read_compound(compound_kind kind, term_span parts) {

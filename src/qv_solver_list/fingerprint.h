@@ -24,6 +24,9 @@ struct fingerprint {
   cnum constant = cnum_nan();  // the number itself, where the term is built of numbers only
   bool has_value = false;
   bool has_exponent = false;
+  bool fails = false;  // the exact form is certainly not a number
+
+  bool is_nonzero() const { return has_value && value != 0; }
 
   static fingerprint of_number(const cnum& c);
   static fingerprint of_hash(std::uint64_t hash);  // of an opaque part

@@ -6,6 +6,8 @@
 #include <limits>
 #include <utility>
 
+#include "term/limits.h"
+
 namespace vetro {
 namespace {
 
@@ -261,6 +263,9 @@ poly poly_mul(poly_data& pdata, const poly& a, const poly& b) {
   if (poly_is_one(a) || poly_is_one(b)) {
     return poly_is_one(a) ? b : a;
   }
+  if (a.size() > limits::poly_operation / b.size()) {
+    return poly_nan();
+  }
   collector out(pdata);
   for (const poly_term& left : a) {
     if (out.failed() || !pdata.charge(b.size())) {
@@ -291,9 +296,10 @@ poly pow_of_one_term(poly_data& pdata, const poly_term& t, std::uint64_t k) {
   return m ? poly_monomial(*m, cnum_power(t.coef, k)) : poly_nan();
 }
 
-// C(n, e) from C(n, e - 1). The division is exact; done in 128 bits, nothing overflows that fits in the end.
-cnum next_binomial(const cnum& previous, std::uint64_t n, std::uint64_t e) {
-  const wide_uint next = static_cast<wide_uint>(previous.num) * (n - e + 1) / e;
+// previous * up / down, where that is exact: a step along a row or a diagonal of binomial coefficients. In 128 bits
+// nothing overflows that fits in the end.
+cnum next_binomial(const cnum& previous, std::uint64_t up, std::uint64_t down) {
+  const wide_uint next = static_cast<wide_uint>(previous.num) * up / down;
   const bool fits = next <= static_cast<wide_uint>(std::numeric_limits<std::int64_t>::max());
   return fits ? cnum_from_int(static_cast<std::int64_t>(next)) : cnum_nan();
 }
@@ -305,11 +311,23 @@ class multinomial_power {
   multinomial_power(poly_data& pdata, const poly& base) : pdata_(pdata), base_(base), out_(pdata) {}
 
   poly run(std::uint64_t k) {
+    if (!worth_running(k)) {
+      return poly_nan();
+    }
     walk(0, k, 0, cnum_from_int(1));
     return pdata_.exhausted() ? poly_nan() : out_.take();
   }
 
  private:
+  // The number of ways to write k as a sum of one exponent for each term is within the limit.
+  bool worth_running(std::uint64_t k) const {
+    cnum ways = cnum_from_int(1);
+    for (std::uint64_t i = 1; i < base_.size() && cnum_is_finite(ways); ++i) {
+      ways = next_binomial(ways, k + i, i);
+    }
+    return cnum_is_finite(ways) && static_cast<std::uint64_t>(ways.num) <= limits::poly_operation;
+  }
+
   // Chooses the exponents of the terms from `index` on, which add up to `left`.
   void walk(std::size_t index, std::uint64_t left, monomial_id m, const cnum& coef) {
     const poly_term& t = base_[index];
@@ -317,7 +335,7 @@ class multinomial_power {
     cnum choices = cnum_from_int(1);  // binomial coefficient of left and e
     for (std::uint64_t e = last ? left : 0; e <= left && !out_.failed(); ++e) {
       if (!last && e > 0) {
-        choices = next_binomial(choices, left, e);
+        choices = next_binomial(choices, left - e + 1, e);
       }
       const poly power = pow_of_one_term(pdata_, t, e);
       const cnum product = cnum_mul(cnum_mul(coef, choices), power.front().coef);
@@ -346,7 +364,7 @@ poly pow_by_steps(poly_data& pdata, const poly& a, poly result, std::uint64_t st
 
 }  // namespace
 
-// A sum of several terms has a power of more than k terms, so that the work is at least k in every case.
+// The power of a sum takes at least as many products as its exponent says; a great exponent is hopeless.
 poly poly_pow_int(poly_data& pdata, const poly& a, std::uint64_t k) {
   if (k == 0) {
     return poly_const(cnum_from_int(1));
@@ -357,7 +375,7 @@ poly poly_pow_int(poly_data& pdata, const poly& a, std::uint64_t k) {
   if (a.size() == 1) {
     return pow_of_one_term(pdata, a.front(), k);
   }
-  if (!pdata.charge(k)) {
+  if (k > limits::poly_operation) {
     return poly_nan();
   }
   poly square = poly_mul(pdata, a, a);

@@ -7,6 +7,8 @@
 // is a new base.
 #include "qv_solver_list/rational_domain.h"
 
+#include <algorithm>
+
 #include "term/limits.h"
 
 namespace vetro {
@@ -67,15 +69,14 @@ std::optional<std::uint32_t> rational_domain::form_number(const value& v) {
     return v->number;
   }
   if (v->print.has_value) {
-    std::vector<value>& candidates = by_fingerprint_[v->print.value];
-    for (const value& other : candidates) {
-      if (equal(v, other)) {
-        v->number = other->number;
-        numbers_.emplace(v->r, v->number);
-        return v->number;
-      }
+    const auto [first, last] = by_fingerprint_.equal_range(v->print.value);
+    const auto same = std::find_if(first, last, [&](const auto& entry) { return equal(v, entry.second); });
+    if (same != last) {
+      v->number = same->second->number;
+      numbers_.emplace(v->r, v->number);
+      return v->number;
     }
-    candidates.push_back(v);
+    by_fingerprint_.emplace(v->print.value, v);
   }
   v->number = *number_of_rat(v->r);
   representatives_.emplace(v->number, v);
@@ -125,6 +126,21 @@ rational_domain::value rational_domain::sum(std::span<const signed_value<value>>
 }
 
 // Neighbours are multiplied in rounds, so that a long product of names costs little more than its length.
+rat rational_domain::multiply_all(std::vector<rat> factors) {
+  if (factors.empty()) {
+    return rat_const(cnum_from_int(1));
+  }
+  for (std::size_t count = factors.size(); count > 1; count = (count + 1) / 2) {
+    for (std::size_t i = 0; i < count / 2; ++i) {
+      factors[i] = rat_mul(registry_, factors[2 * i], factors[2 * i + 1]);
+    }
+    if (count % 2 != 0) {
+      factors[count / 2] = std::move(factors[count - 1]);
+    }
+  }
+  return std::move(factors.front());
+}
+
 rational_domain::value rational_domain::product(std::span<const value> factors) {
   std::vector<rat> rats;
   std::vector<fingerprint> prints;
@@ -132,15 +148,7 @@ rational_domain::value rational_domain::product(std::span<const value> factors) 
     rats.push_back(v->r);
     prints.push_back(v->print);
   }
-  for (std::size_t count = rats.size(); count > 1; count = (count + 1) / 2) {
-    for (std::size_t i = 0; i < count / 2; ++i) {
-      rats[i] = rat_mul(registry_, rats[2 * i], rats[2 * i + 1]);
-    }
-    if (count % 2 != 0) {
-      rats[count / 2] = rats[count - 1];
-    }
-  }
-  return make(std::move(rats.front()), fingerprint_product(prints));
+  return make(multiply_all(std::move(rats)), fingerprint_product(prints));
 }
 
 rational_domain::value rational_domain::quotient(const value& numerator, const value& denominator) {
@@ -158,8 +166,7 @@ rational_domain::value rational_domain::power(const value& base, const value& ex
   if (rat_is_const(exponent->r, &constant)) {
     return make(number_power(base, constant), print);
   }
-  std::optional<rat> result = symbolic_power(base, addends);
-  return result ? make(std::move(*result), print) : failed();
+  return make(symbolic_power(base, addends), print);
 }
 
 // base^exponent for a number: the whole part is multiplied out, the rest is a root. A plain name needs no root key: its
@@ -195,31 +202,36 @@ std::optional<std::int32_t> rational_domain::plain_name(const rat& r) const {
 }
 
 // The product over the addends of the exponent. An addend N/D counts with each term of N alone.
-std::optional<rat> rational_domain::symbolic_power(const value& base, std::span<const signed_value<value>> addends) {
-  poly_data& pdata = registry_.pdata;
+rat rational_domain::symbolic_power(const value& base, std::span<const signed_value<value>> addends) {
   const auto number = form_number(base);
   if (!number) {
-    return std::nullopt;
+    return rat_nan();
   }
-  rat result = rat_const(cnum_from_int(1));
+  std::vector<rat> powers;
   for (const auto& [addend, negative] : addends) {
     for (const poly_term& t : addend->r.num) {
       const cnum coef = negative ? cnum_neg(t.coef) : t.coef;
-      const rat part = rat_normalize(registry_, {poly_monomial(t.monomial, cnum_from_int(1)), addend->r.den});
-      cnum constant;
-      if (rat_is_const(part, &constant)) {
-        result = rat_mul(registry_, result, number_power(base, cnum_mul(coef, constant)));
-        continue;
-      }
-      const auto part_number = number_of_rat(part);
-      if (!part_number) {
-        return std::nullopt;
-      }
-      const std::int32_t key = pdata.intern_key(F_SYMBOLIC, {tag_symbolic_power, *number, *part_number});
-      result = rat_mul(registry_, result, {poly_atom(pdata, key, coef)});
+      powers.push_back(
+          power_of_part(base, *number, {poly_monomial(t.monomial, cnum_from_int(1)), addend->r.den}, coef));
     }
   }
-  return result;
+  return multiply_all(std::move(powers));
+}
+
+// base^(coef * part).
+rat rational_domain::power_of_part(const value& base, std::uint32_t base_number, const rat& part, const cnum& coef) {
+  const rat normal = rat_normalize(registry_, part);
+  cnum constant;
+  if (rat_is_const(normal, &constant)) {
+    return number_power(base, cnum_mul(coef, constant));
+  }
+  const auto part_number = number_of_rat(normal);
+  if (!part_number) {
+    return rat_nan();
+  }
+  poly_data& pdata = registry_.pdata;
+  const std::int32_t key = pdata.intern_key(F_SYMBOLIC, {tag_symbolic_power, base_number, *part_number});
+  return {poly_atom(pdata, key, coef)};
 }
 
 // ---- One comparison.

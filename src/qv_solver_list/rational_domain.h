@@ -60,13 +60,16 @@ class rational_domain {
   value atom(const key_words& words, const fingerprint& print);
   std::optional<std::int32_t> plain_name(const rat& r) const;
   rat number_power(const value& base, const cnum& exponent);
-  std::optional<rat> symbolic_power(const value& base, std::span<const signed_value<value>> addends);
+  rat symbolic_power(const value& base, std::span<const signed_value<value>> addends);
+  rat power_of_part(const value& base, std::uint32_t base_number, const rat& part, const cnum& coef);
+  rat multiply_all(std::vector<rat> factors);
   std::optional<std::uint32_t> number_of_rat(const rat& r);
 
   rational_registry registry_;
   std::unordered_map<term_ptr, value> known_;
   std::unordered_map<rat, std::uint32_t, rat_hash> numbers_;
-  std::unordered_map<std::uint64_t, std::vector<value>> by_fingerprint_;  // forms with a number
+  std::unordered_multimap<std::uint64_t, value> by_fingerprint_;  // forms with a number
+  // The first form of each number. Roots and symbolic powers are taken of it.
   std::unordered_map<std::uint32_t, value> representatives_;
   std::uint32_t last_number_ = 0;
 };

@@ -188,11 +188,14 @@ bool apply_solvers_dsl(term_ptr t, const solve_data& sdata, std::span<const solv
 
 // The record that the solvers see: enriched where that works, else the given one.
 solve_data active_record(const solve_data& sdata) {
-  solve_data active;
-  if (!solver_preprocess_build_augmented_sdata(sdata, active)) {
-    active = sdata;
+  try {
+    solve_data active;
+    if (solver_preprocess_build_augmented_sdata(sdata, active)) {
+      return active;
+    }
+  } catch (const std::bad_alloc&) {  // one cause of failure among others
   }
-  return active;
+  return sdata;
 }
 
 void append_operands(term_ptr t, connect_type connect, term_list& out) {

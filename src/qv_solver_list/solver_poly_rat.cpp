@@ -47,12 +47,20 @@ struct comparison_memory {
 
 comparison_memory& memory() {
   std::shared_ptr<void>& slot = state().comparisons;
-  const auto* known = static_cast<const comparison_memory*>(slot.get());
-  if (known == nullptr ||
-      known->prints.remembered() + known->marks.size() + known->answers.size() > limits::poly_remembered) {
+  if (slot == nullptr) {
     slot = std::make_shared<comparison_memory>();
   }
   return *static_cast<comparison_memory*>(slot.get());
+}
+
+// Forgets everything when much is remembered beside two such terms. What belongs to these may stay, so that the
+// comparisons of all subterms of a large term do not read it anew each time.
+void limit_memory(term_ptr a, term_ptr b) {
+  const comparison_memory& known = memory();
+  const std::size_t entries = known.prints.remembered() + known.marks.size() + known.answers.size();
+  if (entries > limits::poly_remembered + 2 * (std::size_t{a->size()} + b->size())) {
+    state().comparisons.reset();
+  }
 }
 
 term_marks marks_of_leaf(term_ptr t) {
@@ -87,8 +95,9 @@ term_marks marks_of(term_ptr t, std::unordered_map<term_ptr, term_marks>& known)
 
 fingerprint print_of(term_ptr t) { return expression_reader<fingerprint_domain>(memory().prints).read(t); }
 
-bool prints_differ(const fingerprint& a, const fingerprint& b) {
-  return a.has_value && b.has_value && a.value != b.value;
+// The exact comparison would certainly fail.
+bool certainly_open(const fingerprint& a, const fingerprint& b) {
+  return a.fails || b.fails || (a.has_value && b.has_value && a.value != b.value);
 }
 
 // Calculating with these marks on the two sides proves something.
@@ -105,9 +114,8 @@ bool poly_rat_eqb(term_ptr a, term_ptr b) {
   if (term_eqb(a, b)) {
     return true;
   }
-  const fingerprint left = print_of(a);
-  const fingerprint right = print_of(b);
-  if (prints_differ(left, right)) {
+  limit_memory(a, b);
+  if (certainly_open(print_of(a), print_of(b))) {
     return false;
   }
   comparison_memory& known = memory();
@@ -179,7 +187,7 @@ bool differences_equal(const decision_normal_form& goal, term_ptr left, term_ptr
     return true;
   }
   const fingerprint of_goal = print_of_difference(goal.left, goal.right);
-  if (prints_differ(of_goal, print_of_difference(left, right))) {
+  if (certainly_open(of_goal, print_of_difference(left, right))) {
     return false;
   }
   auto& known = memory().marks;
@@ -217,6 +225,9 @@ bool assumption_matches(const decision_normal_form& goal, term_ptr assumption) {
 
 bool solver_context_poly_rat(term_ptr target, const solve_data& sdata) {
   const auto goal = decision_normalize_atomic(target);
+  if (goal) {
+    limit_memory(goal->left, goal->right);
+  }
   return goal && std::any_of(sdata.assum.begin(), sdata.assum.end(), [&](term_ptr assumption) {
            return assumption != nullptr && assumption_matches(*goal, assumption);
          });

@@ -6,13 +6,13 @@
 // says more than its comparison, so it may be lowered only where a weaker statement still follows.
 #include "qv_solver_list/solver_preprocess.h"
 
+#include <algorithm>
 #include <array>
 #include <memory>
 #include <unordered_map>
-#include <unordered_set>
-#include <utility>
 
 #include "lib/walk_memo.h"
+#include "qv_solver_list/enriched_list.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
@@ -189,17 +189,12 @@ class tuple_walk {
 
 // ---- What each assumption gives, remembered for the whole run: the same assumptions come back with every question.
 
-// A list of assumptions and what became of it, with the index of the result.
-struct enriched_list {
-  term_list source;
-  term_list result;
-  std::shared_ptr<assumption_index> index;
-};
-
 struct enrichment_cache {
   std::unordered_map<term_ptr, term_list> derived;  // of each assumption, without the assumption itself
-  std::array<enriched_list, 4> recent;              // the levels of one recursion, and one more
-  std::size_t oldest = 0;
+  // For each level of one recursion a list of all assumptions, and one of the few that an instruction selects.
+  std::array<enriched_list, 6> lists;
+  std::array<std::size_t, 6> last_use{};
+  std::size_t uses = 0;
 };
 
 enrichment_cache& cache() {
@@ -212,6 +207,9 @@ enrichment_cache& cache() {
 
 // The conjuncts of the rewritten assumption that are not the assumption itself; null when a step failed.
 const term_list* derived_facts(term_ptr assumption) {
+  if (assumption == nullptr) {
+    return nullptr;
+  }
   auto& known = cache().derived;
   if (const auto found = known.find(assumption); found != known.end()) {
     return &found->second;
@@ -226,21 +224,24 @@ const term_list* derived_facts(term_ptr assumption) {
   return &known.emplace(assumption, std::move(facts)).first->second;
 }
 
-// Appends the candidates that equal no assumption and no earlier candidate. The table holds the few candidates and not
-// the many assumptions: these only strike out what they already say.
-void append_new(const term_list& candidates, term_list& assum) {
-  std::unordered_set<term_ptr, alpha_hasher, alpha_equal> fresh_facts(candidates.begin(), candidates.end());
-  for (term_ptr given : assum) {
-    if (fresh_facts.empty()) {
-      return;
-    }
-    fresh_facts.erase(given);
-  }
-  for (term_ptr fact : candidates) {
-    if (fresh_facts.erase(fact) != 0) {
-      assum.push_back(fact);
+// The record that follows the list: the one that has most of its beginning, provided that this is most of both; else
+// the one that has not been used for longest.
+enriched_list& list_to_follow(const term_list& assum) {
+  auto& [derived, lists, last_use, uses] = cache();
+  std::size_t best = 0;
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < lists.size(); ++i) {
+    const std::size_t common = lists[i].common_beginning(assum);
+    if (common > kept || (common == kept && lists[i].size() < lists[best].size())) {
+      best = i;
+      kept = common;
     }
   }
+  if (2 * kept < std::max(lists[best].size(), assum.size())) {
+    best = static_cast<std::size_t>(std::min_element(last_use.begin(), last_use.end()) - last_use.begin());
+  }
+  last_use[best] = ++uses;
+  return lists[best];
 }
 
 }  // namespace
@@ -250,28 +251,12 @@ bool solver_preprocess_build_augmented_sdata(const solve_data& src, solve_data& 
   if (src.assum.empty()) {
     return true;
   }
-  auto& recent = cache().recent;
-  for (const enriched_list& known : recent) {
-    if (known.source == src.assum) {
-      dst.assum = known.result;
-      dst.index = known.index;
-      return true;
-    }
+  enriched_list& list = list_to_follow(src.assum);
+  if (!list.follow(src.assum, derived_facts)) {
+    return false;
   }
-  term_list candidates;
-  for (term_ptr assumption : src.assum) {
-    const term_list* facts = assumption == nullptr ? nullptr : derived_facts(assumption);
-    if (facts == nullptr) {
-      return false;
-    }
-    candidates.insert(candidates.end(), facts->begin(), facts->end());
-  }
-  if (!candidates.empty()) {
-    append_new(candidates, dst.assum);
-  }
-  dst.index = std::make_shared<assumption_index>();
-  recent[cache().oldest] = {src.assum, dst.assum, dst.index};
-  cache().oldest = (cache().oldest + 1) % recent.size();
+  dst.assum = list.result();
+  dst.index = list.index();
   return true;
 }
 

@@ -115,7 +115,7 @@ class propositional_problem {
 
 }  // namespace
 
-bool solver_sat(term_span assum, term_ptr target) {
+sat_answer propositional_answer(term_span assum, term_ptr target) {
   propositional_problem problem;
   const auto opened = [&](term_ptr t) { return problem.translate(solver_preprocess_expand_tuple_equalities(t)); };
   // Not(Impl(And(And(a1, a2), ...), target)), or Not(target): opening tuples part by part opens them in the whole.
@@ -124,12 +124,25 @@ bool solver_sat(term_span assum, term_ptr target) {
     const auto assumption = opened(assum[i]);
     premises = i == 0 ? assumption : problem.connective(SAT_AND, premises, assumption);
     if (!premises) {
-      return false;
+      return sat_answer::undecided;
     }
   }
   const auto goal = opened(target);
   const auto refuted = problem.negation(assum.empty() ? goal : problem.connective(SAT_IMPLY, premises, goal));
-  return refuted && problem.solve() == cdcl_unsat;
+  if (!refuted) {
+    return sat_answer::undecided;
+  }
+  switch (problem.solve()) {
+    case cdcl_unsat:
+      return sat_answer::proved;
+    case cdcl_sat:
+      return sat_answer::open;
+    case cdcl_exhausted:
+      break;
+  }
+  return sat_answer::undecided;
 }
+
+bool solver_sat(term_span assum, term_ptr target) { return propositional_answer(assum, target) == sat_answer::proved; }
 
 }  // namespace vetro

@@ -5,6 +5,12 @@
 
 namespace vetro {
 
+// What propositional reasoning alone says of a target. It is undecided when the question is beyond a limit, or when a
+// term is missing.
+enum class sat_answer : unsigned char { open, proved, undecided };
+
+sat_answer propositional_answer(term_span assum, term_ptr target);
+
 // True when the assumptions imply the target by propositional reasoning alone.
 bool solver_sat(term_span assum, term_ptr target);
 

@@ -29,6 +29,25 @@ struct term_pair {
 };
 using term_pair_acc = std::vector<term_pair>;
 
+// True for a node whose parts may not be compared one by one. 1 + 2 + ... + n is not its first part plus the rest, and
+// a domain or definedness is one of the expression as written, which arithmetic does not keep.
+bool is_whole(term_ptr t) {
+  if (t->type() != Apply) {
+    return false;
+  }
+  if (is_oper(t->left(), Dom) || is_pred(t->left(), Defined)) {
+    return true;
+  }
+  if (!t->has(fact_ellipsis)) {
+    return false;
+  }
+  term_ptr head = t->left();
+  while (head->type() == Apply) {
+    head = head->left();
+  }
+  return head->type() == Oper;
+}
+
 bool mentions(term_ptr t, term_ptr var) {
   return any_subterm(t, walk_children | walk_scope | walk_binders,
                      [var](term_ptr node) { return term_eqb_pure(node, var); });
@@ -87,7 +106,7 @@ void collect_mismatch_frontier(term_ptr t1, term_ptr t2, term_pair_acc& acc) {
   if (term_eqb(t1, t2)) {
     return;
   }
-  if (t1->type() != t2->type() || !term_list_eqb_pure(t1->binders(), t2->binders())) {
+  if (t1->type() != t2->type() || is_whole(t1) || is_whole(t2) || !term_list_eqb_pure(t1->binders(), t2->binders())) {
     acc.push_back({t1, t2});
     return;
   }
@@ -144,7 +163,8 @@ class rewrite_check {
       ++hits_;
       return true;
     }
-    if (from == nullptr || to == nullptr || from->type() != to->type() || crosses_implicit(from, to)) {
+    if (from == nullptr || to == nullptr || from->type() != to->type() || is_whole(from) || !same_scope(from, to) ||
+        crosses_implicit(from, to)) {
       return equal(from, to);
     }
     return parts_match(from, to) || equal(from, to);
@@ -165,7 +185,7 @@ class rewrite_check {
     if (equal(from, to)) {
       return from;
     }
-    if (from->type() != to->type() || crosses_implicit(from, to)) {
+    if (from->type() != to->type() || is_whole(from) || !same_scope(from, to) || crosses_implicit(from, to)) {
       return nullptr;
     }
     switch (from->type()) {
@@ -210,8 +230,15 @@ class rewrite_check {
     return a->quant() == b->quant() && term_list_eqb_pure(a->vars(), b->vars());
   }
 
+  static bool same_scope(term_ptr a, term_ptr b) {
+    return a->scope() == b->scope() ||
+           (a->scope() != nullptr && b->scope() != nullptr && term_eqb(a->scope(), b->scope()));
+  }
+
+  // A sum over i that stands under forall (c) may look like one outside that binds c, too.
   bool equal_by_parts(term_ptr left, term_ptr right) {
-    if (left->type() != right->type()) {
+    if (left->type() != right->type() || is_whole(left) || is_whole(right) ||
+        !term_list_eqb_pure(left->binders(), right->binders()) || !same_scope(left, right)) {
       return false;
     }
     switch (left->type()) {

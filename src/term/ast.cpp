@@ -73,86 +73,6 @@ bool same_meta(const term_meta* a, const term_meta* b) {
 
 // ---- Reading a node.
 
-std::string_view term::name() const {
-  assert(type_ == Var);
-  return text_;
-}
-
-const_type term::constant() const {
-  assert(type_ == Const);
-  return static_cast<const_type>(code_);
-}
-
-std::int32_t term::integer() const {
-  assert(type_ == Const);
-  return integer_;
-}
-
-std::string_view term::decimal() const {
-  assert(type_ == Const && code_ == Decimal);
-  return text_;
-}
-
-oper_type term::oper() const {
-  assert(type_ == Oper);
-  return static_cast<oper_type>(code_);
-}
-
-pred_type term::pred() const {
-  assert(type_ == Pred);
-  return static_cast<pred_type>(code_);
-}
-
-connect_type term::connect() const {
-  assert(type_ == Connect);
-  return static_cast<connect_type>(code_);
-}
-
-pattern_type term::pattern() const {
-  assert(type_ == Pattern);
-  return static_cast<pattern_type>(code_);
-}
-
-quant_type term::quant() const {
-  assert(type_ == Quant);
-  return static_cast<quant_type>(code_);
-}
-
-term_ptr term::left() const {
-  assert(type_ == Apply);
-  return child_array()[0];
-}
-
-term_ptr term::right() const {
-  assert(type_ == Apply);
-  return child_array()[1];
-}
-
-term_span term::vars() const {
-  assert(type_ == Lambda || type_ == Quant || type_ == FreeVarTag);
-  return children().subspan(type_ == Lambda ? 2 : 1);
-}
-
-const lambda_var_type_list& term::var_types() const {
-  assert(type_ == Lambda);
-  return *types_;
-}
-
-term_ptr term::condition() const {
-  assert(type_ == Lambda);
-  return child_array()[0];
-}
-
-term_ptr term::body() const {
-  assert(type_ == Lambda || type_ == Quant || type_ == FreeVarTag);
-  return child_array()[type_ == Lambda ? 1 : 0];
-}
-
-term_span term::elements() const {
-  assert(type_ == TermList);
-  return children();
-}
-
 const term_meta& term::meta() const {
   static const term_meta none;
   return meta_ == nullptr ? none : *meta_;
@@ -348,6 +268,9 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
       break;
     case Pattern:
       node->facts_ |= fact_pattern;
+      break;
+    case Const:
+      node->facts_ |= c.code == Ellipsis ? fact_ellipsis : 0;
       break;
     case TermList:
       node->facts_ |= count == 0 ? fact_empty_list : 0;

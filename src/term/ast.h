@@ -10,6 +10,7 @@
 //   alpha   term_eqb(a, b)              up to bound names, looks at binders and scopes
 #pragma once
 
+#include <cassert>
 #include <cstddef>
 #include <cstdint>
 #include <memory>
@@ -95,6 +96,7 @@ enum term_fact : std::uint8_t {
   fact_pattern = 8,      // a Pattern leaf somewhere inside
   fact_lambda = 16,      // a Lambda somewhere inside
   fact_empty_list = 32,  // a TermList without elements somewhere inside
+  fact_ellipsis = 64,    // the constant Ellipsis somewhere inside
 };
 
 class term {
@@ -161,6 +163,88 @@ class term {
   // The children follow the node in the same block.
   const term_ptr* child_array() const { return reinterpret_cast<const term_ptr*>(this + 1); }
 };
+
+// ---- Reading a node.
+
+inline std::string_view term::name() const {
+  assert(type_ == Var);
+  return text_;
+}
+
+inline const_type term::constant() const {
+  assert(type_ == Const);
+  return static_cast<const_type>(code_);
+}
+
+inline std::int32_t term::integer() const {
+  assert(type_ == Const);
+  return integer_;
+}
+
+inline std::string_view term::decimal() const {
+  assert(type_ == Const && code_ == Decimal);
+  return text_;
+}
+
+inline oper_type term::oper() const {
+  assert(type_ == Oper);
+  return static_cast<oper_type>(code_);
+}
+
+inline pred_type term::pred() const {
+  assert(type_ == Pred);
+  return static_cast<pred_type>(code_);
+}
+
+inline connect_type term::connect() const {
+  assert(type_ == Connect);
+  return static_cast<connect_type>(code_);
+}
+
+inline pattern_type term::pattern() const {
+  assert(type_ == Pattern);
+  return static_cast<pattern_type>(code_);
+}
+
+inline quant_type term::quant() const {
+  assert(type_ == Quant);
+  return static_cast<quant_type>(code_);
+}
+
+inline term_ptr term::left() const {
+  assert(type_ == Apply);
+  return child_array()[0];
+}
+
+inline term_ptr term::right() const {
+  assert(type_ == Apply);
+  return child_array()[1];
+}
+
+inline term_span term::vars() const {
+  assert(type_ == Lambda || type_ == Quant || type_ == FreeVarTag);
+  return children().subspan(type_ == Lambda ? 2 : 1);
+}
+
+inline const lambda_var_type_list& term::var_types() const {
+  assert(type_ == Lambda);
+  return *types_;
+}
+
+inline term_ptr term::condition() const {
+  assert(type_ == Lambda);
+  return child_array()[0];
+}
+
+inline term_ptr term::body() const {
+  assert(type_ == Lambda || type_ == Quant || type_ == FreeVarTag);
+  return child_array()[type_ == Lambda ? 1 : 0];
+}
+
+inline term_span term::elements() const {
+  assert(type_ == TermList);
+  return children();
+}
 
 // The mask bit of a variable name. A name whose bit is not in name_mask() does not occur in the term.
 std::uint64_t name_bit(std::string_view name);

@@ -3,58 +3,12 @@
 
 #include <algorithm>
 
-#include "term/compare.h"
 #include "term/free_variable.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
+#include "term/walk_tools.h"
 
 namespace vetro {
-namespace {
-
-bool contains_pure(term_span list, term_ptr t) {
-  return std::any_of(list.begin(), list.end(), [t](term_ptr element) { return term_eqb_pure(element, t); });
-}
-
-bool free_in(term_ptr var, term_ptr t);
-
-bool free_in_any(term_ptr var, term_span list) {
-  return std::any_of(list.begin(), list.end(), [var](term_ptr t) { return t != nullptr && free_in(var, t); });
-}
-
-// The set of an entry belongs to the surroundings; what the entry binds is bound in all that follows it.
-bool free_in_quant(term_ptr var, term_ptr t) {
-  for (term_ptr entry : t->vars()) {
-    if (is_proposition_entry(entry) && free_in_any(var, entry_right_sides(entry))) {
-      return true;
-    }
-    if (contains_pure(entry_bound_variables(entry), var)) {
-      return false;
-    }
-  }
-  return free_in(var, t->body());
-}
-
-bool free_in(term_ptr var, term_ptr t) {
-  if ((t->name_mask() & name_bit(var->name())) == 0 || contains_pure(t->binders(), var)) {
-    return false;
-  }
-  if (t->scope() != nullptr && free_in(var, t->scope())) {
-    return true;
-  }
-  switch (t->type()) {
-    case Var:
-      return t->name() == var->name();
-    case Quant:
-      return free_in_quant(var, t);
-    case Lambda:
-      return !contains_pure(t->vars(), var) && free_in_any(var, t->children().first(2));
-    default:
-      return free_in_any(var, t->children());
-  }
-}
-
-}  // namespace
-
 bool is_proposition_entry(term_ptr entry) { return !term_is_var(entry); }
 
 term_ptr entry_left_side(term_ptr entry) {
@@ -79,8 +33,8 @@ term_list entry_right_sides(term_ptr entry) {
 }
 
 bool entry_binds_left_side(term_ptr entry) {
-  term_ptr left = entry_left_side(entry);
-  return left != nullptr && !plain_free_variables(left).empty();
+  const term_ptr left = entry_left_side(entry);
+  return left != nullptr && left->name_mask() != 0 && (is_var(left) || !plain_free_variables(left).empty());
 }
 
 term_list entry_bound_variables(term_ptr entry) {
@@ -90,6 +44,72 @@ term_list entry_bound_variables(term_ptr entry) {
   return plain_free_variables(entry_binds_left_side(entry) ? entry_left_side(entry) : entry);
 }
 
-bool occurs_free(term_ptr var, term_ptr t) { return is_var(var) && t != nullptr && free_in(var, t); }
+bool occurs_free(term_ptr var, term_ptr t) { return is_var(var) && t != nullptr && free_occurrences(var, true).in(t); }
+
+// ---- Free occurrences.
+
+free_occurrences::free_occurrences(term_ptr var, bool in_scopes) : var_(var->bare()), in_scopes_(in_scopes) {}
+
+bool free_occurrences::in(term_ptr t) {
+  if ((var_->name_mask() & ~t->name_mask()) != 0 || t->size() < var_->size()) {
+    return false;
+  }
+  if (t->size() < worth_remembering) {
+    return in_node(t);
+  }
+  const auto found = known_.find(t);
+  if (found != known_.end()) {
+    return found->second;
+  }
+  const bool answer = in_node(t);
+  known_.emplace(t, answer);
+  return answer;
+}
+
+bool free_occurrences::in_any(term_span list) {
+  return std::any_of(list.begin(), list.end(), [this](term_ptr t) { return t != nullptr && in(t); });
+}
+
+bool free_occurrences::in_node(term_ptr t) {
+  if (t->bare() == var_) {
+    return true;
+  }
+  const term_list& binders = t->binders();
+  if (std::any_of(binders.begin(), binders.end(), [this](term_ptr b) { return b->bare() == var_; })) {
+    return false;
+  }
+  if (in_scopes_ && t->scope() != nullptr && in(t->scope())) {
+    return true;
+  }
+  return t->type() == Quant || t->type() == Lambda ? in_binding(t) : in_any(t->children());
+}
+
+bool free_occurrences::bound_by(term_ptr entry) {
+  if (!is_proposition_entry(entry)) {
+    return entry->bare() == var_;
+  }
+  return in(entry_binds_left_side(entry) ? entry_left_side(entry) : entry);
+}
+
+bool free_occurrences::beside(term_ptr entry) {
+  return (var_->name_mask() & ~entry->name_mask()) == 0 && is_proposition_entry(entry) &&
+         entry_binds_left_side(entry) && in_any(entry_right_sides(entry));
+}
+
+// The set of an entry belongs to the surroundings; what the entry binds is bound in all that follows it.
+bool free_occurrences::in_binding(term_ptr t) {
+  for (term_ptr entry : t->vars()) {
+    if ((var_->name_mask() & ~entry->name_mask()) != 0) {
+      continue;
+    }
+    if (beside(entry)) {
+      return true;
+    }
+    if (bound_by(entry)) {
+      return false;
+    }
+  }
+  return in(t->body()) || (t->type() == Lambda && t->condition() != nullptr && in(t->condition()));
+}
 
 }  // namespace vetro

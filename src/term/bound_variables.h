@@ -4,6 +4,9 @@
 // substitution look at plain variables only; where a capture would change a meaning, entries have to be read too.
 #pragma once
 
+#include <cstdint>
+#include <unordered_map>
+
 #include "term/ast.h"
 
 namespace vetro {
@@ -27,5 +30,30 @@ bool entry_binds_left_side(term_ptr entry);
 
 // True when the variable occurs free in t in the ordinary sense: also inside an index, and in the set of an entry.
 bool occurs_free(term_ptr var, term_ptr t);
+
+// Where one variable (a Var, or an indexed name such as a_n as a whole) occurs free. Answers are remembered by node, so
+// that asking at every level of a deep term costs one walk.
+class free_occurrences {
+ public:
+  // With in_scopes, an occurrence in a side condition counts too.
+  free_occurrences(term_ptr var, bool in_scopes);
+
+  bool in(term_ptr t);
+
+  // True when an entry of a Quant or Lambda binds the variable.
+  bool bound_by(term_ptr entry);
+
+  // True when a side of the entry that belongs to the surroundings holds the variable.
+  bool beside(term_ptr entry);
+
+ private:
+  bool in_node(term_ptr t);
+  bool in_any(term_span list);
+  bool in_binding(term_ptr t);
+
+  term_ptr var_;
+  bool in_scopes_;
+  std::unordered_map<term_ptr, bool> known_;
+};
 
 }  // namespace vetro

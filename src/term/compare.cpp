@@ -5,8 +5,10 @@
 #include "term/compare.h"
 
 #include <algorithm>
+#include <optional>
 #include <unordered_set>
 
+#include "term/index_variables.h"
 #include "term/report.h"
 #include "term/state.h"
 #include "term/walk_tools.h"
@@ -73,13 +75,22 @@ class alpha_walk {
     renamed_ = before.renamed;
   }
 
+  // The variables of a list that may be called anything; all of them where nothing is said.
+  using renamable = std::optional<term_list>;
+
+  static bool may_rename(const renamable& names, term_ptr var) {
+    const auto same = [var](term_ptr name) { return name->bare() == var->bare(); };
+    return !names.has_value() || std::any_of(names->begin(), names->end(), same);
+  }
+
   // Pairs of variables are bound together; any other pair is compared as terms and binds nothing.
-  bool extend(term_span a, term_span b) {
+  bool extend(term_span a, term_span b, const renamable& names_a = {}, const renamable& names_b = {}) {
     if (a.size() != b.size()) {
       return false;
     }
     for (std::size_t i = 0; i < a.size(); ++i) {
-      if (a[i]->type() != Var || b[i]->type() != Var) {
+      const bool variables = a[i]->type() == Var && b[i]->type() == Var;
+      if (!variables || !may_rename(names_a, a[i]) || !may_rename(names_b, b[i])) {
         if (!equal(a[i], b[i])) {
           return false;
         }
@@ -93,13 +104,21 @@ class alpha_walk {
     return true;
   }
 
+  // Of a big operator only the indices are names to choose; the other binders stand for themselves.
+  bool extend_implicit(term_ptr a, term_ptr b) {
+    if (a->binders() == b->binders() && renamed_ == 0) {
+      return extend(a->binders(), b->binders());
+    }
+    return extend(a->binders(), b->binders(), big_operator_indices(a), big_operator_indices(b));
+  }
+
   [[gnu::noinline]] bool equal_with_meta(term_ptr a, term_ptr b) {
     if ((a->scope() == nullptr) != (b->scope() == nullptr)) {
       return false;
     }
     const mark before = here();
-    const bool same = extend(a->binders(), b->binders()) && equal_content(a, b) &&
-                      (a->scope() == nullptr || equal(a->scope(), b->scope()));
+    const bool same =
+        extend_implicit(a, b) && equal_content(a, b) && (a->scope() == nullptr || equal(a->scope(), b->scope()));
     leave(before);
     return same;
   }

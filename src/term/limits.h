@@ -27,13 +27,23 @@ inline constexpr std::size_t propositional_nodes = 1'000'000;
 // resolution. About a second of work; a problem that learns its full quota of clauses needs far less.
 inline constexpr std::uint64_t cdcl_work = 150'000'000;
 
-// Products of monomials, new factors and visited terms in one comparison of rational forms: about half a second and
-// some 100 MB at most. The identities that people write need some hundred; (x1 + ... + x5)^20 needs 100,000.
-inline constexpr std::uint64_t poly_work = 4'000'000;
+// Products of monomials in one multiplication or power of polynomials, and terms of its result at most. An identity of
+// a page has some hundred, (x1 + ... + x5)^20 has 10,000.
+inline constexpr std::uint64_t poly_operation = 300'000;
 
-// Terms whose fingerprints, and pairs of terms whose comparisons, are remembered before the next comparison starts
-// anew.
-inline constexpr std::size_t poly_remembered = 100'000;
+// Products of monomials, new factors and visited terms in one comparison of rational forms: a few tenths of a second
+// and some 100 MB at most.
+
+// Questions about one applied chain of implications that may end undecided. Each can cost the full work of the core.
+inline constexpr int apply_undecided = 8;
+
+// Products of monomials, new factors and visited terms in one comparison of rational forms: a few tenths of a
+// second and some 100 MB at most. The identities that people write need some hundred; (x1 + ... + x5)^20 needs 200,000.
+inline constexpr std::uint64_t poly_work = 2'000'000;
+
+// Facts about terms and pairs of terms that comparisons remember, beside those of the terms at hand; about 100 bytes
+// each.
+inline constexpr std::size_t poly_remembered = 200'000;
 
 // Differentials and Landau terms that one preparation of a formula may look at, counted for each integral or equation
 // around them: 3,000 nested integrals over different variables. About a second and 100 MB.

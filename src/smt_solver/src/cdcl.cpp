@@ -31,12 +31,9 @@ void spend(sat_data& s, std::size_t literals) { s.work_left -= std::min<std::uin
 // Makes a clause of the literals that stand behind the last clause.
 void close_clause(sat_data& s, int state, int unassigned) {
   constexpr std::size_t usual_occurrences = 4;
-  clause_data& cl = s.cl_data;
   const int index = s.cl_size();
-  cl.state.push_back(state);
-  cl.lit_state.push_back(0);
-  cl.unassign_num.push_back(unassigned);
-  cl.end.push_back(cl.literals.size());
+  s.cl_data.push_back({state, 0, unassigned});
+  s.literals_end.push_back(s.literals.size());
   for (const int literal : s.clause(index)) {
     auto& places = s.occurs[static_cast<std::size_t>(variable_of(literal))];
     if (places.empty()) {
@@ -50,34 +47,24 @@ void close_clause(sat_data& s, int state, int unassigned) {
 }
 
 // A literal of the clause, unassigned so far, becomes true or false.
-void assign_literal(int clause, bool becomes_true, sat_data& s) {
-  const auto c = static_cast<std::size_t>(clause);
-  clause_data& cl = s.cl_data;
-  --cl.unassign_num[c];
+void assign_literal(clause_data& clause, bool becomes_true) {
+  --clause.unassign_num;
   if (becomes_true) {
-    cl.lit_state[c] = cl.state[c] == satisfied ? cl.lit_state[c] + 1 : 1;
-    cl.state[c] = satisfied;
-  } else if (cl.state[c] != satisfied) {
-    cl.state[c] = open_state(cl.unassign_num[c]);
-    if (cl.state[c] == unit) {
-      s.units.push(clause);
-    }
+    clause.lit_state = clause.state == satisfied ? clause.lit_state + 1 : 1;
+    clause.state = satisfied;
+  } else if (clause.state != satisfied) {
+    clause.state = open_state(clause.unassign_num);
   }
 }
 
 // The reverse: a literal of the clause loses its value.
-void release_literal(int clause, bool was_true, sat_data& s) {
-  const auto c = static_cast<std::size_t>(clause);
-  clause_data& cl = s.cl_data;
-  ++cl.unassign_num[c];
-  if (cl.state[c] == satisfied && (!was_true || --cl.lit_state[c] > 0)) {
+void release_literal(clause_data& clause, bool was_true) {
+  ++clause.unassign_num;
+  if (clause.state == satisfied && (!was_true || --clause.lit_state > 0)) {
     return;
   }
-  assert(cl.state[c] == satisfied || !was_true);
-  cl.state[c] = open_state(cl.unassign_num[c]);
-  if (cl.state[c] == unit) {
-    s.units.push(clause);
-  }
+  assert(clause.state == satisfied || !was_true);
+  clause.state = open_state(clause.unassign_num);
 }
 
 // Gives the variable its value and every clause that holds it its new counters, to the end even after a conflict, so
@@ -92,8 +79,11 @@ int assign(int variable, bool value, int reason, sat_data& s) {
   spend(s, s.occurs[v].size() + 1);
   int conflict = -1;
   for (const sat_data::occurrence& o : s.occurs[v]) {
-    assign_literal(o.clause, o.positive == value, s);
-    if (conflict < 0 && s.cl_data.state[static_cast<std::size_t>(o.clause)] == conflicting) {
+    clause_data& clause = s.cl_data[static_cast<std::size_t>(o.clause)];
+    assign_literal(clause, o.positive == value);
+    if (clause.state == unit) {
+      s.units.push(o.clause);
+    } else if (clause.state == conflicting && conflict < 0) {
       conflict = o.clause;
     }
   }
@@ -105,7 +95,11 @@ void release(int variable, sat_data& s) {
   spend(s, s.occurs[v].size() + 1);
   const bool value = s.v_data.value[v] == 1;
   for (const sat_data::occurrence& o : s.occurs[v]) {
-    release_literal(o.clause, o.positive == value, s);
+    clause_data& clause = s.cl_data[static_cast<std::size_t>(o.clause)];
+    release_literal(clause, o.positive == value);
+    if (clause.state == unit) {
+      s.units.push(o.clause);
+    }
   }
   s.v_data.value[v] = -1;
   s.v_data.ancient[v] = -1;
@@ -118,7 +112,7 @@ int next_unit(sat_data& s) {
   while (!s.units.empty()) {
     const int clause = s.units.top();
     s.units.pop();
-    if (s.cl_data.state[static_cast<std::size_t>(clause)] == unit) {
+    if (s.cl_data[static_cast<std::size_t>(clause)].state == unit) {
       return clause;
     }
   }
@@ -147,7 +141,7 @@ conflict_outcome resolve_conflict(int conflict, sat_data& s) {
     print_progress("too many clause\n");
     return conflict_outcome::exhausted;
   }
-  s.cl_data.literals.insert(s.cl_data.literals.end(), learnt.begin(), learnt.end());
+  s.literals.insert(s.literals.end(), learnt.begin(), learnt.end());
   close_clause(s, conflicting, 0);
   const int level = conflict_analysis(learnt, s);
   if (level < 0) {
@@ -161,8 +155,8 @@ conflict_outcome resolve_conflict(int conflict, sat_data& s) {
 
 literal_span sat_data::clause(int c) const {
   const auto i = static_cast<std::size_t>(c);
-  const std::size_t begin = i == 0 ? 0 : cl_data.end[i - 1];
-  return literal_span(cl_data.literals).subspan(begin, cl_data.end[i] - begin);
+  const std::size_t begin = i == 0 ? 0 : literals_end[i - 1];
+  return literal_span(literals).subspan(begin, literals_end[i] - begin);
 }
 
 sat_data init_cdcl(int n, int m) {
@@ -178,7 +172,7 @@ sat_data init_cdcl(int n, int m) {
 }
 
 void add_clause(sat_data& s, literal_span literals) {
-  std::vector<int>& all = s.cl_data.literals;
+  std::vector<int>& all = s.literals;
   const auto size_before = static_cast<std::ptrdiff_t>(all.size());
   all.insert(all.end(), literals.begin(), literals.end());
   const auto begin = all.begin() + size_before;

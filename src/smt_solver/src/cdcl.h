@@ -26,14 +26,11 @@ struct var_data {
   std::vector<int> dl;             // decision level of the assignment, -1 if unassigned
 };
 
-// What is known of each clause. Between any two steps the counters agree with the values.
-//   state   0 satisfied, 1 in conflict, 2 unit, -k with k >= 2: no literal true, k unassigned
+// What is known of one clause. Between any two steps the counters agree with the values.
 struct clause_data {
-  std::vector<int> state;
-  std::vector<int> lit_state;     // true literals while the clause is satisfied
-  std::vector<int> unassign_num;  // unassigned literals
-  std::vector<std::size_t> end;   // where the clause's literals end in `literals`; they begin where the last one's end
-  std::vector<int> literals;      // of all clauses, one after the other
+  int state;         // 0 satisfied, 1 in conflict, 2 unit, -k with k >= 2: no literal true, k unassigned
+  int lit_state;     // true literals while the clause is satisfied
+  int unassign_num;  // unassigned literals
 };
 
 // One problem and one run over it. Clauses never change their order; learnt ones are appended.
@@ -42,11 +39,14 @@ struct sat_data {
   int cl_maxsize = 0;  // capacity in clauses
   int cur_dl = 0;      // current decision level
   var_data v_data;
-  clause_data cl_data;
+  std::vector<clause_data> cl_data;
   std::uint64_t work_left = 0;  // literals that may still be looked at
 
-  int cl_size() const { return static_cast<int>(cl_data.state.size()); }
+  int cl_size() const { return static_cast<int>(cl_data.size()); }
   literal_span clause(int c) const;
+
+  std::vector<int> literals;              // of all clauses, one after the other
+  std::vector<std::size_t> literals_end;  // where those of each clause end; they begin where the last one's end
 
   // The rest makes the steps cheap and follows from the above.
   struct occurrence {

@@ -86,6 +86,7 @@ TEST(dsl_parser, accepted_lines_mean_what_they_print) {
       {"autosolve all_hypothesis (whatever", "autosolve all_hypothesis "},
       {"autosolve (hypothesis 1: {p})(GOAL: {q}) using eqb", "autosolve (hypothesis 1: {p}) (GOAL: {q}) using eqb"},
       {"autosolve using eqb ", "autosolve using eqb"},
+      {"autosolveusing eqb", "autosolve using eqb"},
       {"  7 .  apply (obvious: {p})", "apply (obvious: {p})"},
       {"7 apply (obvious: {p})", "apply (obvious: {p})"},
       {"99999999999999999999999.apply (obvious: {p})", "apply (obvious: {p})"},
@@ -129,8 +130,7 @@ TEST(dsl_parser, rejected_lines_are_recorded_as_read) {
       "rewrite_in limit (left_to_right, iff) (GOAL: {p}) from (GOAL: {q}) to (GOAL: {r})",
       "rewrite_in limit (left_to_right, iff) (hypothesis 1: {p}) (x := {y}) from (GOAL: {q}) to (GOAL: {r})",
       "rewrite_in setdesc (left_to_right, iff) (hypothesis 1: {p}) from (GOAL: {q}) to (GOAL: {r})",
-      "rewrite_in setdesc (left_to_right, iff) (hypothesis 1: {p}) (x := {y}) (a := {b}) from (GOAL: {q}) to (GOAL: "
-      "{r})",
+      "rewrite_in setdesc (left_to_right, iff) (hypothesis 1: {p}) (x:={y})(a:={b}) from (GOAL: {q}) to (GOAL: {r})",
       "apply",
       "apply hypothesis 1: {p}",
       "apply (hypothesis 1)",

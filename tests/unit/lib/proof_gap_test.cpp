@@ -17,6 +17,8 @@
 namespace vetro {
 namespace {
 
+using std::string_literals::operator""s;
+
 class proof_gap : public testing::Test {
  protected:
   void SetUp() override {
@@ -130,9 +132,8 @@ TEST_F(proof_gap, every_bad_line_is_reported) {
 }
 
 TEST_F(proof_gap, files_without_a_gap) {
-  for (const std::string& text :
-       {std::string(), std::string("\n\n"), std::string("ASSUM:\n1. x > 0\n"), std::string("GOAL:\n"),
-        std::string("\0\0\xff\xfe binary\n\0", 14), std::string(5'000'000, 'x')}) {
+  for (const std::string& text : {std::string(), std::string("\n\n"), std::string("ASSUM:\n1. x > 0\n"),
+                                  std::string("GOAL:\n"), "\0\0\xff\xfe binary\n\0"s, std::string(5'000'000, 'x')}) {
     const read_gap read = read_text(text);
     EXPECT_FALSE(read.gap);
     EXPECT_EQ(read.messages, "");
@@ -142,9 +143,9 @@ TEST_F(proof_gap, files_without_a_gap) {
     EXPECT_FALSE(read.gap);
     EXPECT_TRUE(read.messages.starts_with("File open failed: ")) << read.messages;
   }
-  const read_gap nul = read_text(std::string("ASSUM:\n1. x\0y > 0\nGOAL:\nx > 0\n", 32));
+  const read_gap nul = read_text("ASSUM:\n1. x\0y > 0\nGOAL:\nx > 0\n"s);
   EXPECT_FALSE(nul.gap);
-  EXPECT_NE(nul.messages.find(std::string("Error: Parse failed for: x\0y > 0\n", 33)), std::string::npos);
+  EXPECT_NE(nul.messages.find("Error: Parse failed for: x\0y > 0\n"s), std::string::npos);
 }
 
 TEST_F(proof_gap, states) {
@@ -178,11 +179,11 @@ TEST_F(proof_gap, hypothesis_numbers) {
 }
 
 TEST(line_reader, keeps_every_byte) {
-  const temporary_file file(std::string("a\0b\n\r\nlong: ", 12) + std::string(100'000, 'x') + "\nlast\r");
+  const temporary_file file("a\0b\n\r\nlong: "s + std::string(100'000, 'x') + "\nlast\r");
   std::FILE* stream = std::fopen(file.path().c_str(), "r");
   std::string line;
   ASSERT_EQ(qv_read_line(stream, line), line_status::line);
-  EXPECT_EQ(line, std::string("a\0b\n", 4));
+  EXPECT_EQ(line, "a\0b\n"s);
   ASSERT_EQ(qv_read_line(stream, line), line_status::line);
   EXPECT_EQ(line, "\r\n");
   EXPECT_EQ(without_line_end(line), "");

@@ -14,6 +14,8 @@
 namespace vetro {
 namespace {
 
+using std::string_literals::operator""s;
+
 class theorem_library : public testing::Test {
  protected:
   void SetUp() override {
@@ -88,7 +90,7 @@ TEST_F(theorem_library, bad_formulas_are_left_out) {
   EXPECT_EQ(result.lib.table.size(), 1U);
   EXPECT_EQ(result.lib.num, 3);
   EXPECT_TRUE(parse("").lib.table.empty());
-  EXPECT_EQ(parse(std::string("\0Thm\n\xff\xfe(\n", 10)).messages, "");
+  EXPECT_EQ(parse("\0Thm\n\xff\xfe(\n"s).messages, "");
 }
 
 TEST_F(theorem_library, names) {

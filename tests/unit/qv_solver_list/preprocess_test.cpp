@@ -1,4 +1,6 @@
 // What assumptions are found to say, and what they must not be made to say.
+#include <utility>
+
 #include "qv_solver_list/solver_fixture.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "term/compare.h"
@@ -116,6 +118,62 @@ TEST_F(preprocess, EnrichmentIsTheSameAtEveryLevel) {
   EXPECT_EQ(once.assum.size(), 8U);
 }
 
+// A record that was made for another list must give what a new one gives.
+TEST_F(preprocess, EnrichmentFollowsAListThatGrowsShrinksAndChanges) {
+  const term_list pool = {read("x > 0 ∧ y > 0"),
+                          read("x > 0"),
+                          read("y > 0 ∧ (forall (s), s > 0)"),
+                          read("forall (t), t > 0"),
+                          read("x ∈ RealPlus"),
+                          read("(x, a) = (y, b) ∧ y > 0"),
+                          read("a = b"),
+                          read("y > 0")};
+  const auto enriched = [](const term_list& assumptions) {
+    solve_data source;
+    source.assum = assumptions;
+    solve_data result;
+    EXPECT_TRUE(solver_preprocess_build_augmented_sdata(source, result));
+    return result.assum;
+  };
+  unsigned noise = 1;
+  const auto draw = [&noise](std::size_t below) {
+    noise = noise * 1103515245U + 12345U;
+    return (noise >> 16U) % below;
+  };
+  term_list list;
+  for (int change = 0; change < 2'000; ++change) {
+    switch (draw(4)) {
+      case 0:
+        list.resize(draw(list.size() + 1));
+        break;
+      case 1:
+        list.insert(list.begin() + static_cast<std::ptrdiff_t>(draw(list.size() + 1)), pool[draw(pool.size())]);
+        break;
+      default:
+        list.push_back(pool[draw(pool.size())]);
+    }
+    const term_list followed = enriched(list);
+    const std::shared_ptr<void> kept = std::exchange(state().enrichment, nullptr);
+    ASSERT_EQ(followed, enriched(list)) << shown(list);
+    state().enrichment = kept;
+  }
+}
+
+TEST_F(preprocess, AGrowingListCostsWhatIsAdded) {
+  solve_data source;
+  for (int i = 0; i < 4'000; ++i) {
+    term_ptr lower = make_binPred_prop(Lt, mk_integer(i), numbered("x", i));
+    term_ptr upper = make_binPred_prop(Lt, numbered("y", i), mk_integer(i));
+    source.assum.push_back(make_composed_prop(And, lower, upper));
+  }
+  solve_data result;
+  for (int i = 0; i < 2'000; ++i) {
+    source.assum.push_back(make_binPred_prop(Lt, mk_integer(i), numbered("x", i)));
+    ASSERT_TRUE(solver_preprocess_build_augmented_sdata(source, result));
+    ASSERT_EQ(result.assum.size(), 12'000U);  // each new assumption takes the place of a derived one
+  }
+}
+
 TEST_F(preprocess, NullsAndEmptyRecords) {
   solve_data source;
   solve_data enriched;
@@ -123,6 +181,9 @@ TEST_F(preprocess, NullsAndEmptyRecords) {
   EXPECT_TRUE(enriched.assum.empty());
   source.assum = {read("x ∈ RealPlus"), nullptr};
   EXPECT_FALSE(solver_preprocess_build_augmented_sdata(source, enriched));
+  source.assum.pop_back();
+  EXPECT_TRUE(solver_preprocess_build_augmented_sdata(source, enriched));
+  EXPECT_EQ(shown(enriched.assum), "x ∈ PosRealSet; x > 0");
   EXPECT_EQ(solver_preprocess_expand_shared_membership(nullptr), nullptr);
   EXPECT_EQ(solver_preprocess_expand_tuple_equalities(nullptr), nullptr);
 }

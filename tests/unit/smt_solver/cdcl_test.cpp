@@ -210,10 +210,10 @@ void expect_exact_counters(const sat_data& s) {
       open += value == -1 ? 1 : 0;
       good += value == (l > 0 ? 1 : 0) ? 1 : 0;
     }
-    ASSERT_EQ(s.cl_data.unassign_num[i], open);
-    ASSERT_EQ(s.cl_data.state[i], good > 0 ? 0 : open == 0 ? 1 : open == 1 ? 2 : -open);
+    ASSERT_EQ(s.cl_data[i].unassign_num, open);
+    ASSERT_EQ(s.cl_data[i].state, good > 0 ? 0 : open == 0 ? 1 : open == 1 ? 2 : -open);
     if (good > 0) {
-      ASSERT_EQ(s.cl_data.lit_state[i], good);
+      ASSERT_EQ(s.cl_data[i].lit_state, good);
     }
   }
 }
@@ -322,7 +322,8 @@ TEST(Cdcl, ReturnsToTheSecondHighestLevel) {
 TEST(Cdcl, RepeatedAndOpposedLiterals) {
   sat_data s = problem(2, {{-1, -1, -2}, {1, 1}, {2, -2}, {2, 2}});
   EXPECT_EQ(s.cl_size(), 3);
-  EXPECT_EQ(s.cl_data.state, (std::vector<int>{-2, 2, 2}));
+  EXPECT_EQ(s.cl_data[0].state, -2);
+  EXPECT_EQ(s.cl_data[1].state, 2);
   EXPECT_EQ(cdcl_solver(s), cdcl_unsat);
 }
 

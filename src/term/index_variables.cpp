@@ -1,0 +1,74 @@
+// Reading the index part of a big operator.
+#include "term/index_variables.h"
+
+#include "term/substitute.h"
+#include "term/term_split_combine.h"
+
+namespace vetro {
+namespace {
+
+bool is_big_operator(oper_type oper) { return oper >= BigSum && oper <= BigInterSup; }
+
+bool names_index_on_the_left(pred_type pred) {
+  return pred == Eq || pred == IdentEq || pred == Belong || pred == Subset || pred == Divides;
+}
+
+term_list indices_of_chain(term_ptr chain) {
+  if (chain->right()->type() != TermList) {
+    return {};
+  }
+  const term_span operands = chain->right()->elements();
+  for (std::size_t i = 0; i < operands.size(); ++i) {
+    term_list vars = plain_free_variables(operands[i]);
+    if (!vars.empty()) {
+      return i == 0 ? term_list{} : vars;
+    }
+  }
+  return {};
+}
+
+term_list indices_of(term_ptr part) {
+  if (is_predchain(part)) {
+    return indices_of_chain(part);
+  }
+  if (const auto relation = pred_split(part)) {
+    term_list left = plain_free_variables(relation->left);
+    if (!left.empty() && names_index_on_the_left(relation->pred)) {
+      return left;
+    }
+    term_list right = plain_free_variables(relation->right);
+    if (left.empty()) {
+      return right;
+    }
+    return right.empty() ? left : term_list{};
+  }
+  if (const auto connected = composed_prop_split(part)) {
+    if (connected->connect != And || connected->t2 == nullptr) {
+      return {};
+    }
+    term_list indices = indices_of(connected->t1);
+    const term_list more = indices_of(connected->t2);
+    indices.insert(indices.end(), more.begin(), more.end());
+    return indices;
+  }
+  return plain_free_variables(part);
+}
+
+}  // namespace
+
+std::optional<term_list> big_operator_indices(term_ptr t) {
+  // Two arguments without an upper bound, three with one; the index part is the first.
+  if (!is_apply(t) || !is_apply(t->left())) {
+    return std::nullopt;
+  }
+  term_ptr first = t->left();
+  if (is_apply(first->left())) {
+    first = first->left();
+  }
+  if (first->left()->type() != Oper || !is_big_operator(first->left()->oper())) {
+    return std::nullopt;
+  }
+  return indices_of(first->right());
+}
+
+}  // namespace vetro

@@ -1,0 +1,20 @@
+// Which of the variables that a big operator binds are its indices.
+//
+// The binders of a sum, product, union or intersection hold every variable of the index part, k beside i in i = k. Only
+// the indices are names that may be chosen freely: the sums from k and from m are different sums.
+#pragma once
+
+#include <optional>
+
+#include "term/ast.h"
+
+namespace vetro {
+
+// The indices of a big operator with its index part; nothing for any other node.
+//   i = k, i ∈ S, d | n   the variables of the left side
+//   0 < i, i < 5, 0 < i < n   the variables of the side that has some, of the first such operand behind a bound
+//   k < i   none, since the notation does not tell the index
+// A conjunction has the indices of its parts, and a term all its variables.
+std::optional<term_list> big_operator_indices(term_ptr t);
+
+}  // namespace vetro
