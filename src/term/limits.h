@@ -42,6 +42,10 @@ inline constexpr std::uint64_t poly_work = 2'000'000;
 // each.
 inline constexpr std::size_t poly_remembered = 200'000;
 
+// Differentials and Landau terms that one preparation of a formula may look at, counted for each integral or equation
+// around them: 3,000 nested integrals over different variables. About a second and 100 MB.
+inline constexpr std::uint64_t collected_binders = 4'000'000;
+
 // Entries of the formula reader's stack: at the start, and at most.
 inline constexpr std::int64_t parse_stack_initial = 200;
 inline constexpr std::int64_t parse_stack = 1'000'000;
