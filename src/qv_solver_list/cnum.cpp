@@ -165,6 +165,9 @@ cnum cnum_add_reduced(const cnum& a, const cnum& b) {
   if (!cnum_is_finite(a) || !cnum_is_finite(b)) {
     return cnum_nan();
   }
+  if (std::int64_t sum = 0; a.den == 1 && b.den == 1) {
+    return __builtin_add_overflow(a.num, b.num, &sum) ? cnum_nan() : cnum_from_int(sum);
+  }
   const std::int64_t divisor = a.den == 1 || b.den == 1 ? 1 : std::gcd(a.den, b.den);
   const wide_int num = wide_int{a.num} * (b.den / divisor) + wide_int{b.num} * (a.den / divisor);
   if (num == 0) {
@@ -177,6 +180,9 @@ cnum cnum_add_reduced(const cnum& a, const cnum& b) {
 cnum cnum_mul_reduced(const cnum& a, const cnum& b) {
   if (!cnum_is_finite(a) || !cnum_is_finite(b)) {
     return cnum_nan();
+  }
+  if (std::int64_t product = 0; a.den == 1 && b.den == 1) {
+    return __builtin_mul_overflow(a.num, b.num, &product) ? cnum_nan() : cnum_from_int(product);
   }
   const cnum left = cnum_reduce(a.num, b.den);
   const cnum right = cnum_reduce(b.num, a.den);

@@ -41,16 +41,17 @@ class collector {
     if (slot == 0) {
       terms_.push_back({m, coef});
       slot = static_cast<std::uint32_t>(terms_.size());
-    } else {
-      cnum& sum = terms_[slot - 1].coef;
-      sum = cnum_add_reduced(sum, coef);
+      failed_ = failed_ || !cnum_is_finite(coef);
+    } else if (!add_to(terms_[slot - 1], coef)) {
+      postponed_.push_back({m, coef});
+      failed_ = failed_ || !cnum_is_finite(coef) || postponed_.size() > most_postponed;
     }
-    failed_ = failed_ || !cnum_is_finite(terms_[slot - 1].coef);
   }
   void fail() { failed_ = true; }
   bool failed() const { return failed_; }
 
   poly take() {
+    add_postponed();
     clear_slots();
     if (failed_) {
       return poly_nan();
@@ -62,6 +63,24 @@ class collector {
   }
 
  private:
+  static constexpr std::size_t most_postponed = 64;
+
+  static bool add_to(poly_term& t, const cnum& coef) {
+    const cnum sum = cnum_add_reduced(t.coef, coef);
+    t.coef = cnum_is_finite(sum) ? sum : t.coef;
+    return cnum_is_finite(sum);
+  }
+
+  // 2^62 + (2^62 - 1) fits, though 2^62 + 2^62 on the way to it doesn't: what overflows waits for the others.
+  void add_postponed() {
+    std::size_t before = postponed_.size() + 1;
+    while (!failed_ && !postponed_.empty() && postponed_.size() < before) {
+      before = postponed_.size();
+      std::erase_if(postponed_, [&](const poly_term& t) { return add_to(terms_[slots_[t.monomial] - 1], t.coef); });
+    }
+    failed_ = failed_ || !postponed_.empty();
+  }
+
   void clear_slots() {
     for (const poly_term& t : terms_) {
       slots_[t.monomial] = 0;
@@ -70,6 +89,7 @@ class collector {
 
   std::vector<std::uint32_t>& slots_;
   poly terms_;
+  poly postponed_;  // terms that did not fit into the sum of their monomial so far
   bool failed_ = false;
 };
 
