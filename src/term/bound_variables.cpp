@@ -4,6 +4,7 @@
 #include <algorithm>
 
 #include "term/free_variable.h"
+#include "term/index_variables.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
 #include "term/walk_tools.h"
@@ -76,7 +77,7 @@ bool free_occurrences::in_node(term_ptr t) {
   }
   const term_list& binders = t->binders();
   if (std::any_of(binders.begin(), binders.end(), [this](term_ptr b) { return b->bare() == var_; })) {
-    return false;
+    return stands_for_itself(var_, t);
   }
   if (in_scopes_ && t->scope() != nullptr && in(t->scope())) {
     return true;

@@ -1,11 +1,17 @@
 // Reading the index part of a big operator.
 #include "term/index_variables.h"
 
+#include <algorithm>
+
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
 namespace {
+
+bool contains_bare(term_span list, term_ptr var) {
+  return std::any_of(list.begin(), list.end(), [var](term_ptr t) { return t->bare() == var->bare(); });
+}
 
 bool is_big_operator(oper_type oper) { return oper >= BigSum && oper <= BigInterSup; }
 
@@ -69,6 +75,23 @@ std::optional<term_list> big_operator_indices(term_ptr t) {
     return std::nullopt;
   }
   return indices_of(first->right());
+}
+
+bool stands_for_itself(term_ptr binder, term_ptr t) {
+  const std::optional<term_list> indices = is_var(binder) ? big_operator_indices(t) : std::nullopt;
+  return indices.has_value() && !contains_bare(*indices, binder);
+}
+
+term_list bound_here(term_ptr t) {
+  term_list bound = t->binders();
+  if (bound.empty()) {
+    return bound;
+  }
+  if (const std::optional<term_list> indices = big_operator_indices(t); indices.has_value()) {
+    const auto stays = [&](term_ptr binder) { return is_var(binder) && !contains_bare(*indices, binder); };
+    bound.erase(std::remove_if(bound.begin(), bound.end(), stays), bound.end());
+  }
+  return bound;
 }
 
 }  // namespace vetro
