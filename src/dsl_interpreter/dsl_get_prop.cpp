@@ -171,7 +171,7 @@ constexpr normalize_messages target_messages = {
 
 // Binders as read from text, beta normal form, static analysis. Null after a message.
 term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, const normalize_messages& messages) {
-  term_ptr prepared = t == nullptr ? nullptr : reread(data, t, reread_rule::any_instance);
+  term_ptr prepared = t == nullptr ? nullptr : reread(data, t);
   if (prepared == nullptr) {
     log_error_text(data, messages.prepare);
     return nullptr;
@@ -186,7 +186,7 @@ term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, cons
     log_error_text(data, messages.analyze);
     return nullptr;
   }
-  return reread(data, analyzed, reread_rule::exact);
+  return reread(data, analyzed);
 }
 
 // The instantiated and normalised source. Null after a message.

@@ -13,6 +13,7 @@
 #include "lib/semantic_term.h"
 #include "term/bound_variables.h"
 #include "term/compare.h"
+#include "term/index_variables.h"
 #include "term/report.h"
 #include "term/state.h"
 #include "term/substitute.h"
@@ -249,13 +250,19 @@ class instantiation {
   }
 
   term_list open_binders(term_ptr t) {
-    term_list binders = t->binders();
-    if (contains_bare(binders, src_)) {
+    const term_list bound = bound_here(t);
+    if (contains_bare(bound, src_)) {
       around_.block();
     }
-    const bool replaces = !binders.empty() && !around_.blocked() && occurrences_.in(t);
-    for (term_ptr& binder : binders) {
-      binder = open_binder(binder, t, replaces, true);
+    const bool replaces = !bound.empty() && !around_.blocked() && occurrences_.in(t);
+    term_list binders;
+    for (term_ptr binder : t->binders()) {
+      if (contains_bare(bound, binder->bare())) {
+        binders.push_back(open_binder(binder, t, replaces, true));
+      } else if (const term_ptr outer = walk(binder); is_var(outer)) {
+        // What stands for itself, as the start of a sum, is an occurrence like any other; only names are listed.
+        binders.push_back(outer);
+      }
     }
     return binders;
   }

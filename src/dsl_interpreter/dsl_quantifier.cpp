@@ -130,7 +130,7 @@ dsl_result execute_exists(dsl_execute_data& data) {
     log_error(data, "Error: Failed to run static analysis after exists instantiation\n");
     return result;
   }
-  term_ptr goal = reread(data, analyzed, reread_rule::any_instance);
+  term_ptr goal = reread(data, analyzed);
   if (goal == nullptr) {
     return result;
   }
@@ -153,7 +153,7 @@ dsl_result execute_get_exists(dsl_execute_data& data) {
     return result;
   }
   working = instantiate_pairs(data, result, working, Exists, inst.list, get_exists_messages);
-  working = working == nullptr ? nullptr : reread(data, working, reread_rule::exact);
+  working = working == nullptr ? nullptr : reread(data, working);
   if (working == nullptr) {
     return result;
   }
@@ -176,7 +176,7 @@ dsl_result execute_get_forall(dsl_execute_data& data) {
     return result;
   }
   working = instantiate_pairs(data, result, working, Forall, inst.list, get_forall_messages);
-  working = working == nullptr ? nullptr : reread(data, working, reread_rule::exact);
+  working = working == nullptr ? nullptr : reread(data, working);
   if (working == nullptr) {
     return result;
   }

@@ -8,37 +8,38 @@
 #include "dsl_interpreter/dsl_handler.h"
 #include "dsl_interpreter/dsl_instantiate.h"
 #include "lib/semantic_term.h"
-#include "term/bound_variables.h"
-#include "term/compare.h"
 #include "term/index_variables.h"
 #include "term/substitute.h"
 
 namespace vetro {
 namespace {
 
-// Walks two terms that differ at most in their binders.
+// Walks two terms that differ at most in their binders, up to the first variable that is bound in one of them only.
+// The start of a sum means the same whether it is listed or not.
 class binder_comparison {
  public:
-  void walk(term_ptr kept, term_ptr text) {
+  term_ptr differing(term_ptr kept, term_ptr text) {
     if (kept == text || !done_.insert({kept, text}).second) {
-      return;
+      return nullptr;
     }
-    const term_list kept_names = binding_names(kept);
-    const term_list text_names = binding_names(text);
-    note_missing(text_names, kept_names, text, captured_);
-    note_missing(kept_names, text_names, kept, released_);
-    for (std::size_t i = 0; i < kept->children().size(); ++i) {
-      if (kept->children()[i] != nullptr) {
-        walk(kept->children()[i], text->children()[i]);
+    for (term_ptr binder : text->binders()) {
+      if (missing(binder, kept) && !stands_for_itself(binder, text)) {
+        return binder;
       }
     }
-    if (kept->scope() != nullptr) {
-      walk(kept->scope(), text->scope());
+    for (term_ptr binder : kept->binders()) {
+      if (missing(binder, text)) {
+        return binder;
+      }
     }
+    for (std::size_t i = 0; i < kept->children().size(); ++i) {
+      const term_ptr child = kept->children()[i];
+      if (const term_ptr found = child == nullptr ? nullptr : differing(child, text->children()[i]); found != nullptr) {
+        return found;
+      }
+    }
+    return kept->scope() == nullptr ? nullptr : differing(kept->scope(), text->scope());
   }
-
-  const term_list& captured() const { return captured_; }  // bound by the text alone
-  const term_list& released() const { return released_; }  // not bound by the text
 
  private:
   struct pair_hash {
@@ -47,45 +48,26 @@ class binder_comparison {
     }
   };
 
-  static void note_missing(const term_list& binders, const term_list& others, term_ptr t, term_list& found) {
-    for (term_ptr binder : binders) {
-      const auto same = [binder](term_ptr other) { return other->bare() == binder->bare(); };
-      if (std::none_of(others.begin(), others.end(), same) && (!is_var(binder) || name_occurs(binder->name(), t)) &&
-          std::none_of(found.begin(), found.end(), same)) {
-        found.push_back(binder);
-      }
-    }
+  // A binder that is not in the other list and not there in vain.
+  static bool missing(term_ptr binder, term_ptr other) {
+    const term_list& binders = other->binders();
+    const auto same = [binder](term_ptr b) { return b->bare() == binder->bare(); };
+    return std::none_of(binders.begin(), binders.end(), same) &&
+           (!is_var(binder) || name_occurs(binder->name(), without_meta(other)));
   }
 
   std::unordered_set<std::pair<term_ptr, term_ptr>, pair_hash> done_;
-  term_list captured_;
-  term_list released_;
 };
-
-// A variable that the text binds otherwise, in a way that the rule does not allow; null when there is none.
-term_ptr changed_binding(term_ptr kept, term_ptr text, reread_rule rule) {
-  binder_comparison comparison;
-  comparison.walk(kept, text);
-  if (!comparison.released().empty()) {
-    return comparison.released().front();
-  }
-  for (term_ptr var : comparison.captured()) {
-    if (rule == reread_rule::exact || !is_var(var) || occurs_free(var, text)) {
-      return var;
-    }
-  }
-  return nullptr;
-}
 
 }  // namespace
 
-term_ptr reread(const dsl_execute_data& data, term_ptr t, reread_rule rule) {
+term_ptr reread(const dsl_execute_data& data, term_ptr t) {
   const term_ptr kept = normalize_setdesc_for_catch_binder(t);
   const term_ptr text = kept == nullptr ? nullptr : with_binders_as_read(kept);
   if (text == nullptr || text->bare() != kept->bare()) {
     return text;
   }
-  if (const term_ptr var = changed_binding(kept, text, rule); var != nullptr) {
+  if (const term_ptr var = binder_comparison().differing(kept, text); var != nullptr) {
     log_error_text(data,
                    "instantiation failed: '" + pretty(var) + "' is bound differently in the text of the result\n");
     return nullptr;

@@ -9,16 +9,8 @@
 
 namespace vetro {
 
-enum class reread_rule {
-  // No name may change its binding: the name stands for something certain.
-  exact,
-  // A name may become bound where it then is free nowhere: the quantifier held for everything, so also for whatever
-  // the operators that bind the name take it to be.
-  any_instance,
-};
-
 // t with its binders as if it had been read from its text. Null for null, and after a message when that would be a
 // formula with another meaning.
-term_ptr reread(const dsl_execute_data& data, term_ptr t, reread_rule rule);
+term_ptr reread(const dsl_execute_data& data, term_ptr t);
 
 }  // namespace vetro

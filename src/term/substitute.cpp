@@ -119,6 +119,20 @@ class substitution_base {
     return condition != nullptr && new_condition == nullptr ? nullptr : with_parts(t, vars, new_condition, new_body);
   }
 
+  // The binders of t after the walk. One that stands for itself, as the start of a sum, is replaced like any
+  // occurrence, and one that is no longer a name is not listed.
+  term_list walk_binders(term_ptr t) const {
+    term_list binders = t->binders();
+    if (contains_bare(binders, src_)) {
+      if (is_var(dest_)) {
+        return replaced(binders, src_, dest_);
+      }
+      const auto same = [this](term_ptr binder) { return binder->bare() == src_bare_; };
+      binders.erase(std::remove_if(binders.begin(), binders.end(), same), binders.end());
+    }
+    return binders;
+  }
+
   static term_ptr condition_of(term_ptr t) { return t->type() == Lambda ? t->condition() : nullptr; }
 
   term_ptr src_;
@@ -148,26 +162,27 @@ class plain_substitution : public substitution_base<plain_substitution> {
     if (!t->has_meta()) {
       return walk_content(t);
     }
-    if (!t->binders().empty()) {
-      if (stands_in(t->binders(), src_)) {
+    if (const term_list bound = bound_here(t); !bound.empty()) {
+      if (stands_in(bound, src_)) {
         return t;
       }
-      if (stands_in(t->binders(), dest_)) {
+      if (stands_in(bound, dest_)) {
         return with_renamed_binder(t);
       }
     }
     const term_ptr content = walk_content(t);
-    return content == nullptr || content == t ? content : with_meta(without_meta(content), kept(t));
+    return content == nullptr || content == t
+               ? content
+               : with_meta(without_meta(content), {walk_binders(t), t->scope(), nullptr});
   }
 
  private:
-  static term_meta kept(term_ptr t) { return {t->binders(), t->scope(), nullptr}; }
-
   term_ptr with_renamed_binder(term_ptr t) {
     const term_ptr name = fresh(dest_, t);
     const term_ptr renamed = subst_term(dest_, name, with_binders(t, {}));
     const term_ptr result = subst_term(src_, dest_, renamed);
-    return name == nullptr ? nullptr : with_binders(result, replaced(t->binders(), dest_, name));
+    return name == nullptr ? nullptr
+                           : with_binders(result, walk_binders(with_binders(t, replaced(t->binders(), dest_, name))));
   }
 
   term_ptr walk_content(term_ptr t) {
@@ -229,11 +244,11 @@ class careful_substitution : public substitution_base<careful_substitution> {
     if (!t->has_meta()) {
       return walk_content(t);
     }
-    if (!t->binders().empty()) {
-      if (stands_in(t->binders(), src_)) {
+    if (const term_list bound = bound_here(t); !bound.empty()) {
+      if (stands_in(bound, src_)) {
         return t;
       }
-      t = with_renamed_binders(t);
+      t = with_renamed_binders(t, bound);
     }
     return walk_with_meta(t);
   }
@@ -254,7 +269,7 @@ class careful_substitution : public substitution_base<careful_substitution> {
     if (content == t && scope == t->scope()) {
       return t;
     }
-    return with_meta(without_meta(content), {t->binders(), scope, nullptr});
+    return with_meta(without_meta(content), {walk_binders(t), scope, nullptr});
   }
 
   term_ptr fresh_for(term_ptr var, term_ptr t) const {
@@ -262,9 +277,8 @@ class careful_substitution : public substitution_base<careful_substitution> {
     return fresh_avoiding(var, contexts);
   }
 
-  [[gnu::noinline]] term_ptr with_renamed_binders(term_ptr t) {
-    const term_list binders = t->binders();
-    for (term_ptr binder : binders) {
+  [[gnu::noinline]] term_ptr with_renamed_binders(term_ptr t, const term_list& bound) {
+    for (term_ptr binder : bound) {
       if (!captures(binder) || !contains_bare(t->binders(), binder)) {
         continue;
       }
@@ -338,7 +352,7 @@ class plain_free_walk {
     }
     const std::size_t before = bound_.size();
     const std::uint64_t bindings_before = bindings_;
-    bind(binding_names(t));
+    bind(bound_here(t));
     walk_content(t);
     if (t->scope() != nullptr) {
       walk(t->scope());

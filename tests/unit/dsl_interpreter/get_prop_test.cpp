@@ -141,23 +141,34 @@ TEST_F(GetProp, PlaceholdersOnlyRise) {
   EXPECT_EQ(state().placeholder_counter, before + 3);
 }
 
-// What the operators of a formula bind depends on its quantifiers, but the starts and sets of an index part stay what
-// they are, and a name of a value never becomes one that a quantifier binds.
-TEST(GetPropSums, KeepTheirMeaning) {
+TEST(GetPropSums, StartsKeepTheirMeaning) {
   script_run s(
       gap_of({"forall (x), sum_{i = x}^{x}(i) = x", "forall (S)(f), sum_{i ∈ S}(f(i) + 1) = g(sum_{i ∈ S}(f(i)))",
-              "forall (k)(m), k < m ⇒ sum_{i = k}^{n}(i) ≠ sum_{i = m}^{n}(i)",
-              "forall (x), exists (y), forall (k), x = y + k - k"},
+              "forall (x), exists (y), forall (k), x = y + k - k", "forall (y), { x + y | x > y } = A"},
              "z = 1"));
-  EXPECT_EQ(s.step("get_prop (hypothesis 1: {x = x}) (x := {c}) as (hypothesis 5: {sum_{i = c}^{c}(i) = c})"), success);
-  EXPECT_EQ(s.step("get_prop (hypothesis 2: {x = x}) (S := {T}) (f := {h}) as (hypothesis 6: {sum_{i ∈ T}(h(i) + 1) = "
-                   "g(sum_{i ∈ T}(h(i)))})"),
+  const auto fifth = [&s](const std::string& source, const std::string& target) {
+    const outcome result = s.step("get_prop " + source + " as (hypothesis 5: {" + target + "})");
+    s.gap.assum.resize(4);
+    return result;
+  };
+  EXPECT_EQ(fifth("(hypothesis 1: {x = x}) (x := {c + 1})", "sum_{i = c + 1}^{c + 1}(i) = c + 1"), success);
+  EXPECT_EQ(fifth("(hypothesis 1: {x = x}) (x := {c})", "sum_{i = d}^{c}(i) = c").flag, exe_fail);
+  EXPECT_EQ(fifth("(hypothesis 2: {x = x}) (S := {T}) (f := {h})", "sum_{j ∈ T}(h(j) + 1) = g(sum_{i ∈ T}(h(i)))"),
             success);
-  EXPECT_EQ(s.step("get_prop (hypothesis 4: {x = x}) (x := {sum_{i = k}^{n}(i)}) as (hypothesis 7: {exists (y), forall "
-                   "(k), sum_{i = k}^{n}(i) = y + k - k})")
-                .flag,
-            exe_fail)
+  const std::string sum_value = "(hypothesis 3: {x = x}) (x := {sum_{i = k}^{n}(i)})";
+  EXPECT_EQ(fifth(sum_value, "exists (y), forall (k), sum_{i = k}^{n}(i) = y + k - k").flag, exe_fail)
       << "the k of the value is not that of the quantifier";
+  EXPECT_EQ(fifth(sum_value, "exists (y), forall (m), sum_{i = k}^{n}(i) = y + m - m"), success);
+  EXPECT_EQ(fifth("(hypothesis 4: {x = x}) (y := {c})", "{ x + c | x > c } = A"),
+            failed("instantiation failed: 'c' is bound differently in the text of the result\n"
+                   "failed to prepare get_prop instantiation result before beta-normalization\n"));
+}
+
+// Both functions list the start of their sum among the bound names; beta reduction replaces it all the same.
+TEST(GetPropSums, BetaReductionReplacesStarts) {
+  script_run s(gap_of({"(fun c, i . sum_{i = c}^{n}(i))(3)(1) = a"}, "z = 1"));
+  EXPECT_EQ(s.step("get_prop (hypothesis 1: {x = x}) as (hypothesis 2: {sum_{i = c}^{n}(i) = a})").flag, exe_fail);
+  EXPECT_EQ(s.step("get_prop (hypothesis 1: {x = x}) as (hypothesis 2: {sum_{i = 3}^{n}(i) = a})"), success);
 }
 
 }  // namespace

@@ -123,6 +123,9 @@ TEST_F(shape_simpl, SumsThatBindDifferentlyAreDifferent) {
                  "sum_{i = d}^{n}(i)"),
             0U);
   EXPECT_EQ(hits("sum_{i = c}^{n}(i) = 0", "sum_{i = d}^{n}(i) = 0", sum_c, "sum_{i = d}^{n}(i)"), 1U);
+  EXPECT_EQ(hits("forall (i)(c), 5 = a", "forall (i)(c), sum_{i = c}^{n}(i) = a", "5", sum_c), 0U)
+      << "c is no start here";
+  EXPECT_EQ(hits("lim_{c → 0}(sum_{i = c}^{n}(i))", "lim_{c → 0}(5)", sum_c, "5"), 0U);
   EXPECT_EQ(hits("f(a [@scope a > 0 @], c)", "f(a [@scope a > 1 @], b)", "c", "b"), 1U)
       << "arithmetic does not look at scopes of terms";
   EXPECT_EQ(hits("p(c = 1 [@scope a > 0 @])", "p(b = 1 [@scope a > 1 @])", "c", "b"), 0U);
