@@ -7,7 +7,6 @@
 #include "dsl_interpreter/dsl_instantiate.h"
 
 #include <algorithm>
-#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 
@@ -77,34 +76,19 @@ class binder_names {
     if ((name->name_mask() & (under->name_mask() | value_->name_mask())) == 0) {
       return false;
     }
-    if (collected_.empty()) {
-      collect(root_);
-      collect(value_);
+    if (!collected_) {
+      names_.add(root_);
+      names_.add(value_);
+      collected_ = true;
     }
-    return names_.count(name->name()) != 0 && (name_occurs(name->name(), under) || name_occurs(name->name(), value_));
-  }
-
-  void collect(term_ptr t) {
-    if (t == nullptr || t->name_mask() == 0 || !collected_.insert(t).second) {
-      return;
-    }
-    if (t->type() == Var) {
-      names_.insert(t->name());
-    }
-    for (term_ptr child : t->children()) {
-      collect(child);
-    }
-    for (term_ptr binder : t->binders()) {
-      collect(binder);
-    }
-    collect(t->scope());
+    return names_.contains(name->name()) && (name_occurs(name->name(), under) || name_occurs(name->name(), value_));
   }
 
   term_ptr root_;
   term_ptr value_;
   std::unordered_set<term_ptr> drawn_;
-  std::unordered_set<term_ptr> collected_;
-  std::unordered_set<std::string_view> names_;
+  bool collected_ = false;
+  name_collection names_;
 };
 
 // What is known of the binders around the place where a walk stands: which of them have new names, and whether one of
@@ -266,7 +250,7 @@ class instantiation {
   }
 
   term_list open_binders(term_ptr t) {
-    const term_list bound = bound_here(t);
+    const term_list bound = binding_names(t);
     if (contains_bare(bound, src_)) {
       around_.block();
     }

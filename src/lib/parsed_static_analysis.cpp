@@ -1,5 +1,6 @@
 // Readings that only the context decides: a pair where a set is expected is an open interval, the imaginary unit where
 // a bound variable is expected is the variable i. Also folds spellings: a ≡ b into a = b, log(e, x) into ln(x).
+#include <algorithm>
 #include <array>
 #include <unordered_set>
 
@@ -71,6 +72,48 @@ bool occurs(term_ptr sought, term_ptr t, std::unordered_set<term_ptr>& visited) 
   }
   return t->scope() != nullptr && occurs(sought, t->scope(), visited);
 }
+
+// subst_term of the constant I by the variable i, over and over inside one term: in a tower of sums each level renames
+// its index in all of them. What has nothing left to rename is remembered, so that the tower costs one walk.
+class unit_renamer {
+ public:
+  // Null where subst_term gives null.
+  term_ptr rename(term_ptr t) { return t->has(fact_empty_list) ? subst_term(unit_, index_, t) : walk(t); }
+
+ private:
+  term_ptr walk(term_ptr t) {
+    if (t->bare() == unit_) {
+      return index_;
+    }
+    if (t->children().empty() || settled_.contains(t)) {
+      return t;
+    }
+    if (!t->binders().empty() || binds_either(t)) {
+      ++left_to_substitution_;
+      return subst_term(unit_, index_, t);
+    }
+    const std::size_t before = left_to_substitution_;
+    constexpr unsigned parts =
+        walk_apply | walk_condition | walk_body | walk_tag_vars | walk_elements | keep_binders | keep_scope;
+    term_ptr result = map_children(t, parts, [this](term_ptr below) { return walk(below); });
+    if (left_to_substitution_ == before) {
+      settled_.insert(result);
+    }
+    return result;
+  }
+
+  // A quantifier or a function whose own variable is I or i: renaming stops there, or draws a fresh name each time.
+  bool binds_either(term_ptr t) const {
+    return (t->type() == Lambda || t->type() == Quant) &&
+           std::any_of(t->vars().begin(), t->vars().end(),
+                       [this](term_ptr var) { return var->bare() == unit_ || var->bare() == index_; });
+  }
+
+  term_ptr unit_ = mk_const(I);
+  term_ptr index_ = mk_var("i");
+  std::unordered_set<term_ptr> settled_;
+  std::size_t left_to_substitution_ = 0;
+};
 
 class static_analysis {
  public:
@@ -159,7 +202,7 @@ class static_analysis {
     if (!bound) {
       return t;
     }
-    term_ptr renamed = subst_term(mk_const(I), mk_var("i"), t);
+    term_ptr renamed = renamer_.rename(t);
     return renamed == nullptr ? t : renamed;
   }
 
@@ -197,6 +240,7 @@ class static_analysis {
 
   walk_memo as_term_;
   walk_memo as_set_;
+  unit_renamer renamer_;
   std::unordered_set<term_ptr> without_unit_;
 };
 

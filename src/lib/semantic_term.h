@@ -23,7 +23,8 @@ term_ptr parsed_static_analyze_term(term_ptr raw);
 // was prepared before and has not changed comes back as it is.
 term_ptr copy_term_with_binders(term_ptr t);
 
-// ---- The steps of copy_term_with_binders. Null gives null.
+// ---- The steps of copy_term_with_binders. Null gives null. catch_binder_term also gives null, with a message, when
+// nested integrals or equations would list too many variables.
 
 // Every set-builder in the form SetDesc(element, T(conditions)).
 term_ptr normalize_setdesc_for_catch_binder(term_ptr t);

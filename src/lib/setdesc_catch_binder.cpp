@@ -15,6 +15,8 @@
 #include "lib/walk_memo.h"
 #include "term/compare.h"
 #include "term/free_variable.h"
+#include "term/limits.h"
+#include "term/report.h"
 #include "term/traverse.h"
 #include "term/walk_tools.h"
 
@@ -226,6 +228,17 @@ class binder_catcher {
   binder_catcher(term_ptr root, term_span global_var)
       : outer_(global_var), remember_(root->size() >= worth_remembering) {}
 
+  // Null, reported, when the budget did not suffice.
+  term_ptr prepare(term_ptr t) {
+    term_ptr result = visit(t);
+    if (collected_work_ <= limits::collected_binders) {
+      return result;
+    }
+    report_error("Error: too many variables are bound by nested integrals or equations\n");
+    return nullptr;
+  }
+
+ private:
   term_ptr visit(term_ptr t) {
     if (t->children().empty() && t->scope() == nullptr) {
       return t;
@@ -243,7 +256,6 @@ class binder_catcher {
     return remember(t, result, start);
   }
 
- private:
   struct marks {
     std::size_t differentials;
     std::size_t landau;
@@ -318,10 +330,12 @@ class binder_catcher {
     if (found.empty()) {
       return node;
     }
-    const std::size_t count = found.size();
+    ordered_terms listed;
+    for (term_ptr binder : found) {
+      listed.add(binder->bare());
+    }
     for (term_ptr binder : node->binders()) {
-      const auto same = [&](term_ptr other) { return other->bare() == binder->bare(); };
-      if (std::none_of(found.begin(), found.begin() + static_cast<std::ptrdiff_t>(count), same)) {
+      if (!listed.contains(binder->bare())) {
         found.push_back(binder);
       }
     }
@@ -335,10 +349,8 @@ class binder_catcher {
         return get_binders(app.args[0]);
       case binder_source::second_argument:
         return get_binders(app.args[1]);
-      case binder_source::integrand: {
-        const term_span found = differentials_.distinct_from(right_start);
-        return {found.begin(), found.end()};
-      }
+      case binder_source::integrand:
+        return integral_binders(right_start);
       case binder_source::set_conditions:
         return set_builder_binders(app.args[0], app.args[1]);
       case binder_source::landau_terms:
@@ -365,9 +377,7 @@ class binder_catcher {
     }
     ordered_terms constrained;
     for (term_ptr condition : conditions->elements()) {
-      for (term_ptr var : get_binders(condition)) {
-        constrained.add(var);
-      }
+      add_constrained(constrained, candidates, condition);
     }
     term_list result;
     std::copy_if(candidates.begin(), candidates.end(), std::back_inserter(result),
@@ -375,7 +385,44 @@ class binder_catcher {
     return result;
   }
 
+  // Adds the candidates that are binders of the condition. A few candidates are looked for in a long condition one by
+  // one: in a tower of set-builders its list of variables may grow from level to level. One that is not bound from
+  // outside is a binder wherever it is free.
+  void add_constrained(ordered_terms& constrained, const term_list& candidates, term_ptr condition) {
+    constexpr std::size_t few = 8;
+    constexpr std::uint32_t long_condition = 4096;
+    if (candidates.size() > few || condition->size() < long_condition || condition->has(fact_empty_list) ||
+        std::any_of(candidates.begin(), candidates.end(), [&](term_ptr v) { return outer_.contains(v); })) {
+      for (term_ptr var : get_binders(condition)) {
+        constrained.add(var);
+      }
+      return;
+    }
+    for (term_ptr var : candidates) {
+      if (!constrained.contains(var) && free_variables_.has(condition, var)) {
+        constrained.add(var);
+      }
+    }
+  }
+
+  term_list integral_binders(std::size_t from) {
+    if (!affords(differentials_.mark() - from)) {
+      return {};
+    }
+    const term_span found = differentials_.distinct_from(from);
+    return {found.begin(), found.end()};
+  }
+
+  // A tower of integrals, or of equations with Landau terms, lists at each level what all levels inside bind.
+  bool affords(std::size_t collected) {
+    collected_work_ += collected;
+    return collected_work_ <= limits::collected_binders;
+  }
+
   term_list landau_binders(std::size_t from) {
+    if (!affords(landau_.mark() - from)) {
+      return {};
+    }
     ordered_terms result;
     for (term_ptr variable_part : landau_.distinct_from(from)) {
       for (term_ptr var : get_binders(variable_part)) {
@@ -440,6 +487,7 @@ class binder_catcher {
   free_variable_memo free_variables_;
   collected_terms differentials_;
   collected_terms landau_;
+  std::uint64_t collected_work_ = 0;
   bool remember_;
   std::unordered_map<key, seen_node, key_hash> seen_;
 };
@@ -477,7 +525,7 @@ term_ptr normalize_setdesc_for_catch_binder(term_ptr t) {
 }
 
 term_ptr catch_binder_term(term_ptr t, term_span global_var) {
-  return t == nullptr ? nullptr : binder_catcher(t, global_var).visit(t);
+  return t == nullptr ? nullptr : binder_catcher(t, global_var).prepare(t);
 }
 
 term_ptr term_dedup_binders(term_ptr t) { return t == nullptr ? nullptr : binder_deduplicator(t).visit(t); }

@@ -77,6 +77,8 @@ proposition two_props(FORMULA_STYPE first, FORMULA_STYPE second);
 %token <term> PRED CONNECT
 %token START_PROGRAM START_TERM START_METHOD START_METHOD_LIST START_TARGET
 %token COMMA APOSTROPHE QUESTION_MARK DOT CARET UNDERSCORE IMAGINARY_UNIT LPAREN RPAREN LBRACKET RBRACKET LBRACE RBRACE
+/* The bracket of a modulus opens no argument list, so that it ends the right side whatever operators that holds. */
+%token LPAREN_OF_MODULUS "LPAREN"
 %token SCOPELBRACKET ATRBRACKET COLON SEMICOLON VERTICAL_BAR BAR_BEFORE_SUBSCRIPT "VERTICAL_BAR"
 %token INFTY POS_INFTY NEG_INFTY PLUS MINUS PLUSMINUS MULT DOTPROD DIV MOD FACT EMPTYSET INTER UNION SETDIFF COMPOSE
 %token OPER_SUM OPER_PROD OPER_UNION OPER_INTER OPER_SEQLIM OPER_SEQLIMSUP OPER_SEQLIMINF OPER_LIM OPER_LIMSUP
@@ -318,7 +320,7 @@ prop:
   }
 | atomic_chained_prop %merge <two_props>
 | chained_prop %merge <two_props> { $$ = chain_prop(context, $1); }
-| term IDENTEQ term LPAREN MOD term RPAREN { $$ = closed(congruence($1, $3, $6)); }
+| term IDENTEQ term LPAREN_OF_MODULUS MOD term RPAREN { $$ = closed(congruence($1, $3, $6)); }
 | term COLON term ARROW term { $$ = closed(function_on($1, $3, $5)); }
 | NOT prop { $$ = closed(mk_apply(mk_connect(Not), $2.term)); }
 | prop CONJ prop { $$ = continued($1, connective(And, $1.term, $3.term)); }

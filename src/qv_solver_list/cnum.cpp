@@ -160,6 +160,41 @@ cnum cnum_div(const cnum& a, const cnum& b) {
   return reduce_wide(wide_int{a.num} * b.den, wide_int{a.den} * b.num);
 }
 
+// The common divisor of the denominators is all that the sum can be reduced by. Below 2^127 nothing overflows.
+cnum cnum_add_reduced(const cnum& a, const cnum& b) {
+  if (!cnum_is_finite(a) || !cnum_is_finite(b)) {
+    return cnum_nan();
+  }
+  if (std::int64_t sum = 0; a.den == 1 && b.den == 1) {
+    return __builtin_add_overflow(a.num, b.num, &sum) ? cnum_nan() : cnum_from_int(sum);
+  }
+  const std::int64_t divisor = a.den == 1 || b.den == 1 ? 1 : std::gcd(a.den, b.den);
+  const wide_int num = wide_int{a.num} * (b.den / divisor) + wide_int{b.num} * (a.den / divisor);
+  if (num == 0) {
+    return cnum_from_int(0);
+  }
+  const std::int64_t common = divisor == 1 ? 1 : std::gcd(static_cast<std::int64_t>(num % divisor), divisor);
+  return reduce_wide(num / common, wide_int{a.den / divisor} * (b.den / common));
+}
+
+cnum cnum_mul_reduced(const cnum& a, const cnum& b) {
+  if (!cnum_is_finite(a) || !cnum_is_finite(b)) {
+    return cnum_nan();
+  }
+  if (std::int64_t product = 0; a.den == 1 && b.den == 1) {
+    return __builtin_mul_overflow(a.num, b.num, &product) ? cnum_nan() : cnum_from_int(product);
+  }
+  const cnum left = cnum_reduce(a.num, b.den);
+  const cnum right = cnum_reduce(b.num, a.den);
+  return reduce_wide(wide_int{left.num} * right.num, wide_int{left.den} * right.den);
+}
+
+cnum cnum_div_reduced(const cnum& a, const cnum& b) {
+  return cnum_is_finite(b) && b.num != 0 && b.num != least
+             ? cnum_mul_reduced(a, b.num < 0 ? cnum{-b.den, -b.num} : cnum{b.den, b.num})
+             : cnum_div(a, b);
+}
+
 cnum cnum_power(cnum base, std::uint64_t exponent) {
   cnum result = cnum_from_int(1);
   while (exponent > 0 && cnum_is_finite(result)) {

@@ -46,6 +46,12 @@ cnum cnum_sub(const cnum& a, const cnum& b);
 cnum cnum_mul(const cnum& a, const cnum& b);
 cnum cnum_div(const cnum& a, const cnum& b);  // a zero divisor gives not-a-number
 
+// The same where only the reduced result must fit, so that 1/2^40 + 1/2^40 is 1/2^39. Sums of many fractions go
+// further.
+cnum cnum_add_reduced(const cnum& a, const cnum& b);
+cnum cnum_mul_reduced(const cnum& a, const cnum& b);
+cnum cnum_div_reduced(const cnum& a, const cnum& b);
+
 // base^exponent by repeated squaring; base^0 is 1 also for not-a-number.
 cnum cnum_power(cnum base, std::uint64_t exponent);
 

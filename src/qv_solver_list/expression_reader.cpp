@@ -43,6 +43,66 @@ bool may_be_undefined(term_ptr t) {
   }
 }
 
+bool is_zero(term_ptr t) {
+  return is_number(t) &&
+         cnum_is_zero(t->constant() == Integer ? cnum_from_int(t->integer()) : cnum_from_decimal_str(t->decimal()));
+}
+
+// The application of something that may not be defined everywhere: ln(x), f(x), a_n.
+bool may_be_partial(term_ptr t) {
+  if (!is_apply(t) || is_apply(t->left())) {
+    return false;
+  }
+  term_ptr head = t->left();
+  if (head->type() != Oper) {
+    return head->type() != Pred && head->type() != Connect;
+  }
+  switch (head->oper()) {
+    case Plus:
+    case Neg:
+    case Minus:
+    case Mult:
+    case Div:
+    case Frac:
+    case Power:
+    case Abs:
+    case Sgn:
+    case Floor:
+    case Ceil:
+    case Sin:
+    case Cos:
+    case SetDesc:
+    case SetEnum:
+    case Tuple:
+      return false;
+    default:
+      return true;
+  }
+}
+
+// Arithmetic by which another part can vanish: a difference, a negation, an operand 0.
+bool may_cancel(term_ptr t) {
+  const auto view = composed_term_split(t);
+  if (!view) {
+    return false;
+  }
+  switch (view->oper) {
+    case Neg:
+    case Minus:
+      return true;
+    case Plus:
+    case Mult:
+    case Div:
+    case Frac:
+    case Power:
+      return view->t2 != nullptr && (is_zero(view->t1) || is_zero(view->t2));
+    default:
+      return false;
+  }
+}
+
+bool is_differential(term_ptr t) { return is_apply(t) && (is_oper(t->left(), PD) || is_oper(t->left(), D)); }
+
 }  // namespace
 
 term_ptr written_form(term_ptr t) {
@@ -50,11 +110,37 @@ term_ptr written_form(term_ptr t) {
   return strip(t, done);
 }
 
+bool divides_by_differentials(term_ptr divisor) {
+  if (is_differential(divisor)) {
+    return is_oper(divisor->left(), PD);
+  }
+  term_list open{divisor};
+  std::unordered_set<term_ptr> opened;
+  while (!open.empty()) {
+    term_ptr part = open.back();
+    open.pop_back();
+    const auto view = composed_term_split(part);
+    if (!view || view->t2 == nullptr || (view->oper != Mult && view->oper != Power) || !opened.insert(part).second) {
+      continue;
+    }
+    if (is_differential(view->t1) || (view->oper == Mult && is_differential(view->t2))) {
+      return true;
+    }
+    open.push_back(view->t1);
+    if (view->oper == Mult) {
+      open.push_back(view->t2);
+    }
+  }
+  return false;
+}
+
 bool depends_on_domain(term_ptr t) {
   if (is_pred(t->left(), Defined) || is_oper(t->left(), Dom)) {
     return true;
   }
-  return describes_set(t) && (t->size() > most_nodes_searched || any_subterm(t, walk_children, may_be_undefined));
+  return describes_set(t) &&
+         (t->size() > most_nodes_searched || any_subterm(t, walk_children, may_be_undefined) ||
+          (any_subterm(t, walk_children, may_be_partial) && any_subterm(t, walk_children, may_cancel)));
 }
 
 }  // namespace vetro

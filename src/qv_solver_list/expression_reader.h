@@ -50,9 +50,14 @@ struct signed_value {
 // ranges over x alone where y is bound outside.
 term_ptr written_form(term_ptr t);
 
-// The value of the application depends on where its parts are defined, so that x/x must not become 1 in it:
-// { x | x/x = 1 } is without 0. Such a term is compared as it is written.
+// The value of the application depends on where its parts are defined, so that x/x must not become 1 in it, nor
+// ln(x) - ln(x) 0: { x | x/x = 1 } is without 0. Such a term is compared as it is written.
 bool depends_on_domain(term_ptr t);
+
+// A partial differential, or a product or power with a differential in it: a quotient by it is a symbol, not a number
+// that cancels. The product of pdiff(x)/pdiff(y), pdiff(y)/pdiff(z) and pdiff(z)/pdiff(x) is -1. A quotient by diff(x)
+// is one, as the chain rule has it.
+bool divides_by_differentials(term_ptr divisor);
 
 template <class Domain>
 class expression_reader {
@@ -150,7 +155,7 @@ class expression_reader {
   }
 
   // The operators that are computed, with their operands (t2 is null for Neg). A node that binds variables is no
-  // arithmetic, whatever its head.
+  // arithmetic, whatever its head, and neither is a derivative that is written as a quotient.
   static std::optional<composed_term> arithmetic_view(term_ptr t) {
     const auto view = t->binders().empty() ? composed_term_split(t) : std::nullopt;
     if (!view || (view->oper == Neg) != (view->t2 == nullptr)) {
@@ -161,10 +166,11 @@ class expression_reader {
       case Minus:
       case Neg:
       case Mult:
-      case Div:
-      case Frac:
       case Power:
         return view;
+      case Div:
+      case Frac:
+        return divides_by_differentials(view->t2) ? std::nullopt : view;
       default:
         return std::nullopt;
     }

@@ -41,16 +41,17 @@ class collector {
     if (slot == 0) {
       terms_.push_back({m, coef});
       slot = static_cast<std::uint32_t>(terms_.size());
-    } else {
-      cnum& sum = terms_[slot - 1].coef;
-      sum = cnum_add(sum, coef);
+      failed_ = failed_ || !cnum_is_finite(coef);
+    } else if (!add_to(terms_[slot - 1], coef)) {
+      postponed_.push_back({m, coef});
+      failed_ = failed_ || !cnum_is_finite(coef) || postponed_.size() > most_postponed;
     }
-    failed_ = failed_ || !cnum_is_finite(terms_[slot - 1].coef);
   }
   void fail() { failed_ = true; }
   bool failed() const { return failed_; }
 
   poly take() {
+    add_postponed();
     clear_slots();
     if (failed_) {
       return poly_nan();
@@ -62,6 +63,24 @@ class collector {
   }
 
  private:
+  static constexpr std::size_t most_postponed = 64;
+
+  static bool add_to(poly_term& t, const cnum& coef) {
+    const cnum sum = cnum_add_reduced(t.coef, coef);
+    t.coef = cnum_is_finite(sum) ? sum : t.coef;
+    return cnum_is_finite(sum);
+  }
+
+  // 2^62 + (2^62 - 1) fits, though 2^62 + 2^62 on the way to it doesn't: what overflows waits for the others.
+  void add_postponed() {
+    std::size_t before = postponed_.size() + 1;
+    while (!failed_ && !postponed_.empty() && postponed_.size() < before) {
+      before = postponed_.size();
+      std::erase_if(postponed_, [&](const poly_term& t) { return add_to(terms_[slots_[t.monomial] - 1], t.coef); });
+    }
+    failed_ = failed_ || !postponed_.empty();
+  }
+
   void clear_slots() {
     for (const poly_term& t : terms_) {
       slots_[t.monomial] = 0;
@@ -70,6 +89,7 @@ class collector {
 
   std::vector<std::uint32_t>& slots_;
   poly terms_;
+  poly postponed_;  // terms that did not fit into the sum of their monomial so far
   bool failed_ = false;
 };
 
@@ -162,7 +182,7 @@ std::optional<monomial_id> poly_data::multiply(monomial_id a, monomial_id b) {
       scratch_.push_back(left[i].key < right[j].key ? left[i++] : right[j++]);
       continue;
     }
-    const cnum sum = cnum_add(left[i].exp, right[j].exp);
+    const cnum sum = cnum_add_reduced(left[i].exp, right[j].exp);
     if (!cnum_is_finite(sum)) {
       return std::nullopt;
     }
@@ -184,7 +204,7 @@ std::optional<monomial_id> poly_data::power(monomial_id m, const cnum& exponent)
   const std::span<const factor> list = factors(m);
   scratch_.assign(list.begin(), list.end());
   for (factor& f : scratch_) {
-    f.exp = cnum_mul(f.exp, exponent);
+    f.exp = cnum_mul_reduced(f.exp, exponent);
     if (!cnum_is_finite(f.exp)) {
       return std::nullopt;
     }
@@ -276,7 +296,7 @@ poly poly_mul(poly_data& pdata, const poly& a, const poly& b) {
       if (!m) {
         return poly_nan();
       }
-      out.add(*m, cnum_mul(left.coef, right.coef));
+      out.add(*m, cnum_mul_reduced(left.coef, right.coef));
     }
   }
   return pdata.exhausted() ? poly_nan() : out.take();
@@ -338,7 +358,7 @@ class multinomial_power {
         choices = next_binomial(choices, left - e + 1, e);
       }
       const poly power = pow_of_one_term(pdata_, t, e);
-      const cnum product = cnum_mul(cnum_mul(coef, choices), power.front().coef);
+      const cnum product = cnum_mul_reduced(cnum_mul_reduced(coef, choices), power.front().coef);
       const std::optional<monomial_id> next = pdata_.multiply(m, power.front().monomial);
       if (!pdata_.charge(1) || !next || !cnum_is_finite(product)) {
         out_.fail();

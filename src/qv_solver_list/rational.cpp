@@ -147,7 +147,7 @@ std::optional<poly> divided(poly_data& pdata, const poly& p, monomial_id divisor
   result.reserve(p.size());
   for (const poly_term& t : p) {
     const std::optional<monomial_id> m = pdata.multiply(t.monomial, *inverse);
-    const cnum c = cnum_div(t.coef, coef);
+    const cnum c = cnum_div_reduced(t.coef, coef);
     if (!m || !cnum_is_finite(c)) {
       return std::nullopt;
     }
@@ -189,9 +189,9 @@ bool proportional(const poly& a, const poly& b, cnum& ratio) {
   if (a.size() != b.size()) {
     return false;
   }
-  ratio = cnum_div(a.front().coef, b.front().coef);
+  ratio = cnum_div_reduced(a.front().coef, b.front().coef);
   return std::equal(a.begin(), a.end(), b.begin(), [&](const poly_term& x, const poly_term& y) {
-    const cnum product = cnum_mul(y.coef, ratio);
+    const cnum product = cnum_mul_reduced(y.coef, ratio);
     return x.monomial == y.monomial && cnum_is_finite(product) && x.coef == product;
   });
 }

@@ -125,11 +125,48 @@ rational_domain::value rational_domain::sum(std::span<const signed_value<value>>
   return make(rat_sum(registry_, rats), fingerprint_sum(prints));
 }
 
+namespace {
+
+constexpr std::size_t most_postponed = 64;
+
+// Takes the coefficients out of the factors that are one term, and multiplies them, each as soon as it fits: of
+// 2^40 * (2^40 / 2^40) the first two are not multiplied. Nothing, and the factors unchanged, when no order will do.
+std::optional<cnum> take_coefficients(std::vector<rat>& factors) {
+  const auto is_term = [](const rat& r) { return rat_is_polynomial(r) && r.num.size() == 1; };
+  std::vector<cnum> open;
+  for (const rat& r : factors) {
+    if (is_term(r) && !cnum_is_one(r.num.front().coef)) {
+      open.push_back(r.num.front().coef);
+    }
+  }
+  cnum product = cnum_from_int(1);
+  for (std::size_t before = open.size() + 1; !open.empty() && open.size() < before;) {
+    before = std::min(open.size(), most_postponed);
+    std::erase_if(open, [&](const cnum& coef) {
+      const cnum next = cnum_mul_reduced(product, coef);
+      product = cnum_is_finite(next) ? next : product;
+      return cnum_is_finite(next);
+    });
+  }
+  if (!open.empty()) {
+    return std::nullopt;
+  }
+  for (rat& r : factors) {
+    if (is_term(r)) {
+      r.num.front().coef = cnum_from_int(1);
+    }
+  }
+  return product;
+}
+
+}  // namespace
+
 // Neighbours are multiplied in rounds, so that a long product of names costs little more than its length.
 rat rational_domain::multiply_all(std::vector<rat> factors) {
   if (factors.empty()) {
     return rat_const(cnum_from_int(1));
   }
+  const std::optional<cnum> coef = factors.size() > 2 ? take_coefficients(factors) : std::nullopt;
   for (std::size_t count = factors.size(); count > 1; count = (count + 1) / 2) {
     for (std::size_t i = 0; i < count / 2; ++i) {
       factors[i] = rat_mul(registry_, factors[2 * i], factors[2 * i + 1]);
@@ -138,7 +175,11 @@ rat rational_domain::multiply_all(std::vector<rat> factors) {
       factors[count / 2] = std::move(factors[count - 1]);
     }
   }
-  return std::move(factors.front());
+  rat& product = factors.front();
+  if (coef && !cnum_is_one(*coef)) {
+    product.num = poly_scale(registry_.pdata, product.num, 0, *coef);
+  }
+  return std::move(product);
 }
 
 rational_domain::value rational_domain::product(std::span<const value> factors) {
@@ -223,7 +264,7 @@ rat rational_domain::power_of_part(const value& base, std::uint32_t base_number,
   const rat normal = rat_normalize(registry_, part);
   cnum constant;
   if (rat_is_const(normal, &constant)) {
-    return number_power(base, cnum_mul(coef, constant));
+    return number_power(base, cnum_mul_reduced(coef, constant));
   }
   const auto part_number = number_of_rat(normal);
   if (!part_number) {

@@ -22,12 +22,12 @@ namespace {
 // Parts of a term on which calculating is no proof.
 struct term_marks {
   bool ellipsis = false;        // 1 + 2 + ... + n is not 3 + ... + n
-  bool infinite = false;        // infinity + x = infinity + y says nothing about x and y
+  std::uint8_t infinite = 0;    // occurrences of infinity; 2 means several
   std::uint8_t asymptotic = 0;  // occurrences of Landau symbols; 2 means several
 
   void absorb(const term_marks& part) {
     ellipsis = ellipsis || part.ellipsis;
-    infinite = infinite || part.infinite;
+    infinite = static_cast<std::uint8_t>(std::min(infinite + part.infinite, 2));
     asymptotic = static_cast<std::uint8_t>(std::min(asymptotic + part.asymptotic, 2));
   }
 };
@@ -68,7 +68,7 @@ term_marks marks_of_leaf(term_ptr t) {
   if (t->type() == Const) {
     const const_type kind = t->constant();
     marks.ellipsis = kind == Ellipsis;
-    marks.infinite = kind == Infty || kind == PosInfty || kind == NegInfty;
+    marks.infinite = kind == Infty || kind == PosInfty || kind == NegInfty ? 1 : 0;
   } else if (t->type() == Oper) {
     marks.asymptotic = t->oper() >= BigO && t->oper() <= RightLittleO ? 1 : 0;
   }
@@ -182,7 +182,7 @@ fingerprint print_of_difference(term_ptr a, term_ptr b) {
 }
 
 // goal.left - goal.right equals left - right.
-bool differences_equal(const decision_normal_form& goal, term_ptr left, term_ptr right) {
+bool differences_equal(const decision_normal_form& goal, term_ptr left, term_ptr right, rational_forms& forms) {
   if (term_eqb(goal.left, left) && term_eqb(goal.right, right)) {
     return true;
   }
@@ -195,25 +195,30 @@ bool differences_equal(const decision_normal_form& goal, term_ptr left, term_ptr
   goal_marks.absorb(marks_of(goal.right, known));
   term_marks marks = marks_of(left, known);
   marks.absorb(marks_of(right, known));
-  if (goal_marks.infinite || marks.infinite) {
-    return poly_rat_eqb(goal.left, left) && poly_rat_eqb(goal.right, right);
+  if (!calculable(goal_marks, marks)) {
+    return false;
   }
-  return calculable(goal_marks, marks) && rational_forms().equal_differences(goal.left, goal.right, left, right);
+  // infinity + x = infinity + y says nothing about x and y. A single infinite part can't cancel.
+  if (goal_marks.infinite > 1 || marks.infinite > 1) {
+    return forms.equal(goal.left, left) && forms.equal(goal.right, right);
+  }
+  return forms.equal_differences(goal.left, goal.right, left, right);
 }
 
-bool decision_forms_match(const decision_normal_form& goal, const decision_normal_form& assumed) {
+bool decision_forms_match(const decision_normal_form& goal, const decision_normal_form& assumed,
+                          rational_forms& forms) {
   if (goal.rel != assumed.rel) {
     return false;
   }
-  return differences_equal(goal, assumed.left, assumed.right) ||
-         (goal.rel == decision_rel_eq && differences_equal(goal, assumed.right, assumed.left));
+  return differences_equal(goal, assumed.left, assumed.right, forms) ||
+         (goal.rel == decision_rel_eq && differences_equal(goal, assumed.right, assumed.left, forms));
 }
 
-bool assumption_matches(const decision_normal_form& goal, term_ptr assumption) {
+bool assumption_matches(const decision_normal_form& goal, term_ptr assumption, rational_forms& forms) {
   for (term_ptr conjunct : split_connect(assumption, And)) {
     for (term_ptr link : long_order_split(conjunct)) {
       const auto form = decision_normalize_atomic(link);
-      if (form && decision_forms_match(goal, *form)) {
+      if (form && decision_forms_match(goal, *form, forms)) {
         return true;
       }
     }
@@ -223,14 +228,17 @@ bool assumption_matches(const decision_normal_form& goal, term_ptr assumption) {
 
 }  // namespace
 
+// All assumptions share the forms, so that the target is expanded once and one budget holds for the whole call.
 bool solver_context_poly_rat(term_ptr target, const solve_data& sdata) {
   const auto goal = decision_normalize_atomic(target);
-  if (goal) {
-    limit_memory(goal->left, goal->right);
+  if (!goal) {
+    return false;
   }
-  return goal && std::any_of(sdata.assum.begin(), sdata.assum.end(), [&](term_ptr assumption) {
-           return assumption != nullptr && assumption_matches(*goal, assumption);
-         });
+  limit_memory(goal->left, goal->right);
+  rational_forms forms;
+  return std::any_of(sdata.assum.begin(), sdata.assum.end(), [&](term_ptr assumption) {
+    return assumption != nullptr && assumption_matches(*goal, assumption, forms);
+  });
 }
 
 }  // namespace vetro

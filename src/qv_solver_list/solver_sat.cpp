@@ -18,22 +18,35 @@
 namespace vetro {
 namespace {
 
-// The term as it is written: without what is recorded about implicit binders.
-term_ptr as_written(term_ptr t) {
-  if (!t->has(fact_meta)) {
-    return t;
+// Terms as they are written: without what is recorded about implicit binders. Scopes are written, so that only terms
+// with scopes have to be walked; their nodes may be shared, and each is walked once.
+class writing {
+ public:
+  term_ptr of(term_ptr t) {
+    if (!t->has(fact_meta)) {
+      return t;
+    }
+    if (!t->has(fact_scope)) {
+      return t->bare();
+    }
+    if (const auto found = known_.find(t); found != known_.end()) {
+      return found->second;
+    }
+    term_ptr written =
+        map_children(t, walk_children | walk_scope | always_rebuild, [this](term_ptr part) { return of(part); });
+    known_.emplace(t, written);
+    return written;
   }
-  if (!t->has(fact_scope)) {
-    return t->bare();
-  }
-  return map_children(t, walk_children | walk_scope | always_rebuild, as_written);
-}
+
+ private:
+  std::unordered_map<term_ptr, term_ptr> known_;
+};
 
 // Numbers the atoms of one question, from 1 in order of first occurrence.
 class atom_table {
  public:
   int id(term_ptr atom) {
-    term_ptr written = as_written(atom);
+    term_ptr written = writing_.of(atom);
     if (const auto found = by_text_.find(written); found != by_text_.end()) {
       return found->second;
     }
@@ -54,6 +67,7 @@ class atom_table {
   }
 
   int count_ = 0;
+  writing writing_;
   std::unordered_map<term_ptr, int> by_text_;
   std::unordered_map<term_ptr, int, alpha_hasher, alpha_equal> by_meaning_;  // of atoms that bind something
 };

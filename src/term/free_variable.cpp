@@ -3,7 +3,9 @@
 #include "term/free_variable.h"
 
 #include <algorithm>
+#include <array>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "term/report.h"
 #include "term/walk_tools.h"
@@ -11,20 +13,53 @@
 namespace vetro {
 
 struct free_variable_memo::answers {
-  std::unordered_map<term_ptr, term_list> known;
-
   const term_list* find(term_ptr t) const {
-    const auto found = t->size() < worth_remembering ? known.end() : known.find(t);
-    return found == known.end() ? nullptr : &found->second;
+    if (t->size() < worth_remembering) {
+      return nullptr;
+    }
+    for (const long_answer& recent : recent_) {
+      if (recent.t == t) {
+        return &recent.variables;
+      }
+    }
+    const auto found = known_.find(t);
+    return found == known_.end() ? nullptr : &found->second;
   }
-  // Long answers are not kept: a tower of them would cost the square of its height in memory. Neither is one that
-  // comes with a line on standard error.
+  // Of long answers only the newest are kept, which a tower needs: all of them would cost the square of its height in
+  // memory. One that comes with a line on standard error is not kept.
   void keep(term_ptr t, const term_list& list) {
     constexpr std::size_t longest = 64;
-    if (t->size() >= worth_remembering && !t->has(fact_empty_list) && list.size() <= longest) {
-      known.emplace(t, list);
+    if (t->size() < worth_remembering || t->has(fact_empty_list)) {
+      return;
+    }
+    if (list.size() <= longest) {
+      known_.emplace(t, list);
+    } else {
+      recent_[oldest_] = {t, list};
+      oldest_ = (oldest_ + 1) % recent_.size();
     }
   }
+
+  // Terms in which a variable is known not to be free.
+  bool lacks(term_ptr t, term_ptr var) const {
+    const auto found = lacking_.find(var);
+    return found != lacking_.end() && found->second.contains(t);
+  }
+  void keep_lacking(term_ptr t, term_ptr var) {
+    if (t->size() >= worth_remembering) {
+      lacking_[var].insert(t);
+    }
+  }
+
+ private:
+  struct long_answer {
+    term_ptr t = nullptr;
+    term_list variables;
+  };
+  std::unordered_map<term_ptr, term_list> known_;
+  std::array<long_answer, 4> recent_;
+  std::size_t oldest_ = 0;
+  std::unordered_map<term_ptr, std::unordered_set<term_ptr>> lacking_;
 };
 
 namespace {
@@ -38,7 +73,17 @@ class free_variable_walk {
     }
   }
 
+  // Whether var is free in t; the walk must be new.
+  bool finds(term_ptr var, term_ptr t) {
+    sought_ = var->bare();
+    walk(t);
+    return found_sought_;
+  }
+
   void walk(term_ptr t) {
+    if (sought_ != nullptr && cannot_find(t)) {
+      return;
+    }
     if (t == nullptr) {
       report_error("Error: term_free_variable visiting NULL pointer\n");
       return;
@@ -75,17 +120,30 @@ class free_variable_walk {
  private:
   void add_unbound(const term_list& variables) {
     for (term_ptr var : variables) {
-      if (!bound_.contains(var)) {
-        found_.add(var);
-      }
+      add_unless_bound(var);
     }
+  }
+
+  void add_unless_bound(term_ptr var) {
+    if (bound_.contains(var)) {
+      return;
+    }
+    if (sought_ == nullptr) {
+      found_.add(var);
+    } else {
+      found_sought_ = found_sought_ || var == sought_;
+    }
+  }
+
+  // A search does not go into what is without the variable, nor on once it has been found.
+  bool cannot_find(term_ptr t) const {
+    return found_sought_ || t == nullptr || (sought_->name_mask() & ~t->name_mask()) != 0 ||
+           (t->size() >= worth_remembering && answers_->lacks(t, sought_));
   }
 
   void walk_content(term_ptr t) {
     if (term_is_var(t)) {
-      if (!bound_.contains(t)) {
-        found_.add(t->bare());
-      }
+      add_unless_bound(t->bare());
       return;
     }
     switch (t->type()) {
@@ -139,6 +197,8 @@ class free_variable_walk {
   const free_variable_memo::answers* answers_;
   bound_names bound_;
   ordered_terms found_;
+  term_ptr sought_ = nullptr;  // the only variable of interest, or null
+  bool found_sought_ = false;
   std::uint64_t bindings_ = 0;  // number of the present state of the bindings
   std::uint64_t last_bindings_ = 0;
   visited_nodes met_;
@@ -181,6 +241,15 @@ term_list free_variable_memo::of(term_ptr t) {
     answers_->keep(t, walk.found());
   }
   return walk.found();
+}
+
+bool free_variable_memo::has(term_ptr t, term_ptr var) {
+  free_variable_walk walk({}, answers_.get());
+  const bool found = walk.finds(var, t);
+  if (!found && t != nullptr) {
+    answers_->keep_lacking(t, var->bare());
+  }
+  return found;
 }
 
 term_list free_variable_memo::of_list(term_span list) {

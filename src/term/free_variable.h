@@ -22,6 +22,8 @@ class free_variable_memo {
   ~free_variable_memo();
   term_list of(term_ptr t);
   term_list of_list(term_span list);
+  // Whether var is free in t. Ends at the first occurrence.
+  bool has(term_ptr t, term_ptr var);
 
   struct answers;  // for the walk behind
 

@@ -1,4 +1,5 @@
 // Fresh names, and the search for a name in a term. The mask of names that every node carries answers most questions.
+#include <algorithm>
 #include <string>
 #include <unordered_set>
 
@@ -47,7 +48,27 @@ class name_search {
   std::unordered_set<term_ptr> searched_;
 };
 
+bool occurs_in_any(std::string_view name, term_span contexts) {
+  return std::any_of(contexts.begin(), contexts.end(), [name](term_ptr t) { return name_occurs(name, t); });
+}
+
 }  // namespace
+
+void name_collection::add(term_ptr t) {
+  if (t == nullptr || t->name_mask() == 0 || !collected_.insert(t).second) {
+    return;
+  }
+  if (t->type() == Var) {
+    names_.insert(t->name());
+  }
+  for (term_ptr child : t->children()) {
+    add(child);
+  }
+  for (term_ptr binder : t->binders()) {
+    add(binder);
+  }
+  add(t->scope());
+}
 
 bool name_occurs(std::string_view name, term_ptr t) { return t != nullptr && name_search(name).occurs(t); }
 
@@ -56,14 +77,14 @@ term_ptr fresh_avoiding(term_ptr var, term_span contexts) {
     report_error("Error: fresh has invalid argument\n");
     return nullptr;
   }
-  std::string name;
-  bool used = true;
-  while (used) {
-    name = var->name();
-    name += std::to_string(++state().fresh_counter);
-    used = false;
-    for (std::size_t i = 0; i < contexts.size() && !used; ++i) {
-      used = name_occurs(name, contexts[i]);
+  const auto next_name = [var] { return std::string(var->name()) + std::to_string(++state().fresh_counter); };
+  std::string name = next_name();
+  if (occurs_in_any(name, contexts)) {
+    // Where one such name is taken, the next ones may be, too; the contexts are not to be searched for each.
+    name_collection taken;
+    std::for_each(contexts.begin(), contexts.end(), [&taken](term_ptr t) { taken.add(t); });
+    while (taken.contains(name)) {
+      name = next_name();
     }
   }
   return mk_var(name);

@@ -9,46 +9,28 @@
 namespace vetro {
 namespace {
 
-bool contains_bare(term_span list, term_ptr var) {
-  return std::any_of(list.begin(), list.end(), [var](term_ptr t) { return t->bare() == var->bare(); });
-}
-
 bool is_big_operator(oper_type oper) { return oper >= BigSum && oper <= BigInterSup; }
 
 bool names_index_on_the_left(pred_type pred) {
   return pred == Eq || pred == IdentEq || pred == Belong || pred == Subset || pred == Divides;
 }
 
-term_list indices_of_chain(term_ptr chain) {
-  if (chain->right()->type() != TermList) {
-    return {};
-  }
-  const term_span operands = chain->right()->elements();
-  for (std::size_t i = 0; i < operands.size(); ++i) {
-    term_list vars = plain_free_variables(operands[i]);
-    if (!vars.empty()) {
-      return i == 0 ? term_list{} : vars;
-    }
-  }
-  return {};
-}
+// Finds the indices among the variables that the operator binds; the others of the index part come from outside.
+class index_part {
+ public:
+  explicit index_part(const term_list& binders) : binders_(binders) {}
 
-term_list indices_of(term_ptr part) {
-  if (is_predchain(part)) {
-    return indices_of_chain(part);
-  }
-  if (const auto relation = pred_split(part)) {
-    term_list left = plain_free_variables(relation->left);
-    if (!left.empty() && names_index_on_the_left(relation->pred)) {
-      return left;
+  term_list indices_of(term_ptr part) const {
+    if (is_predchain(part)) {
+      return indices_of_chain(part);
     }
-    term_list right = plain_free_variables(relation->right);
-    if (left.empty()) {
-      return right;
+    if (const auto relation = pred_split(part)) {
+      return indices_of_relation(*relation);
     }
-    return right.empty() ? left : term_list{};
-  }
-  if (const auto connected = composed_prop_split(part)) {
+    const auto connected = composed_prop_split(part);
+    if (!connected) {
+      return bound(plain_free_variables(part));
+    }
     if (connected->connect != And || connected->t2 == nullptr) {
       return {};
     }
@@ -57,8 +39,44 @@ term_list indices_of(term_ptr part) {
     indices.insert(indices.end(), more.begin(), more.end());
     return indices;
   }
-  return plain_free_variables(part);
-}
+
+ private:
+  term_list bound(term_list vars) const {
+    std::erase_if(vars, [this](term_ptr var) {
+      return std::none_of(binders_.begin(), binders_.end(), [var](term_ptr b) { return b->bare() == var->bare(); });
+    });
+    return vars;
+  }
+
+  term_list indices_of_relation(const prop& relation) const {
+    const term_list left = plain_free_variables(relation.left);
+    if (!left.empty() && names_index_on_the_left(relation.pred)) {
+      return bound(left);
+    }
+    const term_list bound_left = bound(left);
+    const term_list bound_right = bound(plain_free_variables(relation.right));
+    if (bound_left.empty()) {
+      return bound_right;
+    }
+    return bound_right.empty() ? bound_left : term_list{};
+  }
+
+  term_list indices_of_chain(term_ptr chain) const {
+    if (chain->right()->type() != TermList) {
+      return {};
+    }
+    const term_span operands = chain->right()->elements();
+    for (std::size_t i = 0; i < operands.size(); ++i) {
+      const term_list vars = bound(plain_free_variables(operands[i]));
+      if (!vars.empty()) {
+        return i == 0 ? term_list{} : vars;
+      }
+    }
+    return {};
+  }
+
+  const term_list& binders_;
+};
 
 }  // namespace
 
@@ -74,24 +92,21 @@ std::optional<term_list> big_operator_indices(term_ptr t) {
   if (first->left()->type() != Oper || !is_big_operator(first->left()->oper())) {
     return std::nullopt;
   }
-  return indices_of(first->right());
+  return index_part(t->binders()).indices_of(first->right());
 }
 
-bool stands_for_itself(term_ptr binder, term_ptr t) {
-  const std::optional<term_list> indices = is_var(binder) ? big_operator_indices(t) : std::nullopt;
-  return indices.has_value() && !contains_bare(*indices, binder);
-}
-
-term_list bound_here(term_ptr t) {
-  term_list bound = t->binders();
-  if (bound.empty()) {
-    return bound;
+term_list binding_names(term_ptr t) {
+  term_list names = t->binders();
+  if (names.empty()) {
+    return names;
   }
-  if (const std::optional<term_list> indices = big_operator_indices(t); indices.has_value()) {
-    const auto stays = [&](term_ptr binder) { return is_var(binder) && !contains_bare(*indices, binder); };
-    bound.erase(std::remove_if(bound.begin(), bound.end(), stays), bound.end());
+  if (const std::optional<term_list> indices = big_operator_indices(t)) {
+    std::erase_if(names, [&indices](term_ptr binder) {
+      return std::none_of(indices->begin(), indices->end(),
+                          [binder](term_ptr index) { return index->bare() == binder->bare(); });
+    });
   }
-  return bound;
+  return names;
 }
 
 }  // namespace vetro

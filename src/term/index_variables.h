@@ -10,18 +10,15 @@
 
 namespace vetro {
 
-// The indices of a big operator with its index part; nothing for any other node.
+// The indices of a big operator with its index part, among its binders; nothing for any other node.
 //   i = k, i ∈ S, d | n   the variables of the left side
-//   0 < i, i < 5, 0 < i < n   the variables of the side that has some, of the first such operand behind a bound
-//   k < i   none, since the notation does not tell the index
+//   0 < i < n             those of the first operand that has some, if a bound stands before it
+//   k < i                 those of one side when the other side's come from outside; none when the notation does not
+//   tell
 // A conjunction has the indices of its parts, and a term all its variables.
 std::optional<term_list> big_operator_indices(term_ptr t);
 
-// True for a variable that t binds as a part of its index part and that is no index: the start k of i = k. Such a name
-// means what it means outside.
-bool stands_for_itself(term_ptr binder, term_ptr t);
-
-// The binders of t without those that stand for themselves.
-term_list bound_here(term_ptr t);
+// The binders of a node that are names to choose: of a big operator its indices, of any other node all.
+term_list binding_names(term_ptr t);
 
 }  // namespace vetro

@@ -31,9 +31,6 @@ inline constexpr std::uint64_t cdcl_work = 150'000'000;
 // a page has some hundred, (x1 + ... + x5)^20 has 10,000.
 inline constexpr std::uint64_t poly_operation = 300'000;
 
-// Products of monomials, new factors and visited terms in one comparison of rational forms: a few tenths of a second
-// and some 100 MB at most.
-
 // Questions about one applied chain of implications that may end undecided. Each can cost the full work of the core.
 inline constexpr int apply_undecided = 8;
 
@@ -44,6 +41,10 @@ inline constexpr std::uint64_t poly_work = 2'000'000;
 // Facts about terms and pairs of terms that comparisons remember, beside those of the terms at hand; about 100 bytes
 // each.
 inline constexpr std::size_t poly_remembered = 200'000;
+
+// Differentials and Landau terms that one preparation of a formula may look at, counted for each integral or equation
+// around them: 3,000 nested integrals over different variables. About a second and 100 MB.
+inline constexpr std::uint64_t collected_binders = 4'000'000;
 
 // Entries of the formula reader's stack: at the start, and at most.
 inline constexpr std::int64_t parse_stack_initial = 200;

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <string_view>
+#include <unordered_set>
 
 #include "term/ast.h"
 
@@ -20,6 +21,17 @@ bool term_is_fresh_var(term_ptr var, term_ptr context);
 
 // True when a variable of that name occurs in t, bound or free, metadata included.
 bool name_occurs(std::string_view name, term_ptr t);
+
+// All names in some terms, bound and free, metadata included: for asking about many names.
+class name_collection {
+ public:
+  void add(term_ptr t);
+  bool contains(std::string_view name) const { return names_.count(name) != 0; }
+
+ private:
+  std::unordered_set<term_ptr> collected_;
+  std::unordered_set<std::string_view> names_;
+};
 
 // Plain substitution: src (any subterm, compared exactly) becomes dest in t. Protects against capture only where dest
 // is itself the bound variable; leaves scopes and quantifier entries alone. Null, with its message, for a null

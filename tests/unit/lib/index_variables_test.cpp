@@ -48,6 +48,8 @@ TEST(index_variables, what_the_index_part_speaks_of_is_not) {
 TEST(index_variables, a_start_bound_outside_follows_its_binder) {
   EXPECT_TRUE(same("sum_{k = 1}^{n}(sum_{i = k}^{n}(i))", "sum_{l = 1}^{n}(sum_{j = l}^{n}(j))"));
   EXPECT_TRUE(same("forall (k), sum_{i = k}^{n}(i) = 1", "forall (m), sum_{j = m}^{n}(j) = 1"));
+  EXPECT_TRUE(same("forall (k), sum_{k < i}(i) = 1", "forall (m), sum_{m < j}(j) = 1"));
+  EXPECT_FALSE(same("forall (i), sum_{i = k}^{n}(i) = 1", "forall (j), sum_{j = m}^{n}(j) = 1"));
   EXPECT_FALSE(same("sum_{k = 1}^{n}(sum_{i = k}^{n}(i))", "sum_{l = 1}^{n}(sum_{j = q}^{n}(j))"));
 }
 

@@ -75,8 +75,8 @@ TEST_F(round_trip, formulas_as_people_write_them) {
       "f : A → B ∪ C ∧ InjectiveFunc(f) ∧ ContinuousFuncOn(f, (0, 1)) ∧ DiffableFuncOn(f, [a, b])",
       "f'(x) = f''(x) + (f + g)'(0) - f(x)' ∧ (f ∘ g)'(x) = 1 ∧ a_n(x) = |f|(x)",
       "(f ∘ g) ∘ h = f ∘ (g ∘ h) ∧ f ∘ g + h = (f ∘ g) + h",
-      "(fun x . x^2 + 1) = g ∧ f = (fun x: RealSet, n: NonNegIntegerSet -> (RealSet -> IntegerSet) -> RealSet [x > 0, "
-      "n ≠ x] . n(x))",
+      "(fun x . x^2 + 1) = g ∧ f = (fun x: RealSet, n: NonNegIntegerSet [x > 0, n ≠ x] . n * x)",
+      "f = (fun g: RealSet -> (RealSet -> IntegerSet) -> RealSet . g(0))",
       "(fun x . fun y . x - y) ≠ h",
       "a_{n + 1} = a_n + a_{n - 1} ∧ a_{n_k} → 0 ∧ a_1 = 1 ∧ (a_n)_m = b_{(n, m)}",
       "S = { x | x > 0, x < 1 } ∪ { x^2 + y | x ∈ A } ∧ T = { n | 2 | n } ∧ U = { |x| | |x| < 1 }",

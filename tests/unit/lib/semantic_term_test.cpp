@@ -9,6 +9,7 @@
 #include "parser/parser_api.h"
 #include "term/build_terms.h"
 #include "term/compare.h"
+#include "term/free_variable.h"
 #include "term/pattern_match.h"
 #include "term/print.h"
 #include "term/state.h"
@@ -298,6 +299,72 @@ TEST_F(semantic_term, deep_nesting_is_linear) {
     EXPECT_GE(t->depth(), tower->depth());
     EXPECT_EQ(copy_term_with_binders(t), t);
   }
+}
+
+// Each level has names of its own: what a level asks about must not grow with all the names inside.
+TEST_F(semantic_term, deep_nesting_with_many_names_is_linear) {
+  constexpr int depth = 10'000;
+  const auto numbered = [](const char* name, int i) { return var(name + std::to_string(i)); };
+  term_ptr set = var("S");
+  for (int i = 0; i < depth; ++i) {
+    term_ptr x = numbered("x", i);
+    set = app(SetDesc, {app(Plus, {x, var("z")}), app(Belong, {x, app(Union, {numbered("T", i), set})})});
+  }
+  term_ptr t = normalize_parsed_term(set);
+  ASSERT_NE(t, nullptr);
+  // z is free in the inner element where the level inside does not bind it: every other level does.
+  EXPECT_EQ(t->binders(), (term_list{numbered("x", depth - 1), var("z")}));
+  term_ptr inside = spine_of(t->right()->elements()[0]).args[1]->right();
+  EXPECT_EQ(inside->binders(), term_list{numbered("x", depth - 2)});
+}
+
+// The imaginary unit as the index of every level: all of them are renamed in one walk.
+TEST_F(semantic_term, deep_nesting_over_the_imaginary_unit_is_linear) {
+  constexpr int depth = 20'000;
+  term_ptr unit = mk_const(I);
+  term_ptr in_body = unit;
+  term_ptr in_bound = num(1);
+  term_ptr under_functions = unit;
+  term_ptr expected = var("i");
+  const lambda_var_type_list real = {make_lambda_real_type()};
+  const term_list x = {var("x")};
+  for (int i = 0; i < depth; ++i) {
+    in_body = app(BigSumSup, {app(Eq, {unit, num(1)}), var("n"), in_body});
+    expected = app(BigSumSup, {app(Eq, {var("i"), num(1)}), var("n"), expected});
+    in_bound = app(BigSumSup, {app(Eq, {unit, num(1)}), in_bound, unit});
+    term_ptr function = mk_lambda(x, real, nullptr, under_functions);
+    under_functions = app(Lim, {unit, num(0), function});
+  }
+  EXPECT_EQ(parsed_static_analyze_term(in_body), expected);
+  EXPECT_EQ(parsed_static_analyze_term(in_bound)->name_mask(), var("i")->name_mask());
+  EXPECT_EQ(term_free_variable(parsed_static_analyze_term(under_functions)), term_list{var("i")});
+}
+
+// A binder with the name of the index moves out of the way, as in any substitution; one over the unit itself stops it.
+TEST_F(semantic_term, the_index_of_the_imaginary_unit_is_not_captured) {
+  EXPECT_EQ(internal("lim_{__IMAGINARY_UNIT__ → 0}(fun i . i + __IMAGINARY_UNIT__)"),
+            "Lim(i, 0, fun i1: RealSet . Plus(i1, i))");
+  EXPECT_EQ(internal("lim_{__IMAGINARY_UNIT__ → 0}(f(forall (__IMAGINARY_UNIT__), __IMAGINARY_UNIT__ > 0))"),
+            "Lim(i, 0, f(forall (__IMAGINARY_UNIT__), (Gt(__IMAGINARY_UNIT__, 0))))");
+}
+
+// Each level lists what all levels inside bind. Below the budget that is done; beyond it the formula is refused.
+TEST_F(semantic_term, binders_of_nested_integrals_have_a_budget) {
+  const auto nested_integrals = [](int depth) {
+    term_ptr t = num(1);
+    for (int i = 0; i < depth; ++i) {
+      t = app(IndefInt, {app(Mult, {t, app(D, {var("x" + std::to_string(i))})})});
+    }
+    return t;
+  };
+  term_ptr inside = normalize_parsed_term(nested_integrals(1'000));
+  ASSERT_NE(inside, nullptr);
+  EXPECT_EQ(inside->binders().size(), 1'000U);
+  EXPECT_EQ(copy_term_with_binders(inside), inside);
+  testing::internal::CaptureStderr();
+  EXPECT_EQ(normalize_parsed_term(nested_integrals(3'000)), nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(),
+            "Error: too many variables are bound by nested integrals or equations\n");
 }
 
 // A term of forty nodes that is a tree of 2^40: shared subterms are prepared once.

@@ -45,6 +45,25 @@ TEST(cnum, results_must_fit_before_they_are_reduced) {
   EXPECT_EQ(cnum_neg(whole(greatest)), whole(-greatest));
 }
 
+TEST(cnum, reduced_results_alone_must_fit) {
+  const std::int64_t big = std::int64_t{1} << 40;
+  EXPECT_EQ(cnum_add_reduced(frac(1, big), frac(1, big)), frac(2, big));
+  EXPECT_EQ(cnum_add_reduced(frac(1, greatest), frac(-1, greatest)), whole(0));
+  EXPECT_EQ(cnum_add_reduced(frac(1, 6), frac(-2, 3)), frac(-1, 2));
+  EXPECT_EQ(cnum_add_reduced(frac(greatest, 2), frac(greatest, 2)), whole(greatest));
+  EXPECT_EQ(cnum_add_reduced(frac(least + 1, 2), frac(least + 1, 2)), whole(least + 1));
+  EXPECT_FALSE(cnum_is_finite(cnum_add_reduced(whole(greatest), whole(1))));
+  EXPECT_FALSE(cnum_is_finite(cnum_add_reduced(frac(1, greatest), frac(1, greatest - 1))));
+  EXPECT_EQ(cnum_mul_reduced(frac(greatest, big), frac(big, greatest)), whole(1));
+  EXPECT_EQ(cnum_mul_reduced(whole(least), frac(-1, 2)), whole(-(least / 2)));
+  EXPECT_FALSE(cnum_is_finite(cnum_mul_reduced(whole(least), whole(-1))));
+  EXPECT_EQ(cnum_div_reduced(frac(1, greatest), frac(-1, greatest)), whole(-1));
+  EXPECT_EQ(cnum_div_reduced(whole(least), whole(least)), whole(1));
+  EXPECT_FALSE(cnum_is_finite(cnum_div_reduced(whole(1), whole(0))));
+  EXPECT_FALSE(cnum_is_finite(cnum_add_reduced(cnum_nan(), whole(0))));
+  EXPECT_FALSE(cnum_is_finite(cnum_mul_reduced(whole(0), cnum_nan())));
+}
+
 TEST(cnum, arithmetic_is_exact_and_spreads_failure) {
   EXPECT_EQ(cnum_add(frac(1, 3), frac(1, 6)), frac(1, 2));
   EXPECT_EQ(cnum_sub(frac(1, 3), frac(1, 2)), frac(-1, 6));

@@ -185,6 +185,13 @@ TEST_F(sat, FormulasBeyondEveryMeasureEnd) {
     deep = make_composed_prop(Not, deep, nullptr);
   }
   EXPECT_TRUE(solver_sat(term_list{read("a = 1")}, deep));
+  term_ptr shared = read("a [@scope a > 0 @]");
+  for (int level = 0; level < 100; ++level) {  // the same inside an atom
+    shared = make_binOp_term(Plus, shared, shared);
+  }
+  term_ptr about_shared = make_binPred_prop(Eq, shared, mk_var("b"));
+  EXPECT_TRUE(solver_sat(term_list{about_shared}, about_shared));
+  EXPECT_FALSE(solver_sat(term_list{about_shared}, make_binPred_prop(Neq, shared, mk_var("b"))));
   EXPECT_FALSE(solver_sat(term_list{nullptr}, deep));
   EXPECT_FALSE(solver_sat({}, nullptr));
 }

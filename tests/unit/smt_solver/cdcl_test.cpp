@@ -249,7 +249,11 @@ TEST(Cdcl, TakesTheSameWayAsAScanOfAllClauses) {
   for (int round = 0; round < 400; ++round) {
     const int variables = 5 + static_cast<int>(random() % 36);
     const int count = variables * 43 / 10;
-    const clause_list clauses = random_clauses(random, variables, count, round % 3 == 0 ? 2 : 3, 3);
+    const clause_list clauses = random_clauses(random, variables, count,
+                                               round % 4 == 1   ? 1
+                                               : round % 3 == 0 ? 2
+                                                                : 3,
+                                               3);
     scanning_engine slow(variables, clauses);
     sat_data fast = problem(variables, clauses);
     if (round % 4 == 0) {  // the border of the capacity
@@ -317,6 +321,43 @@ TEST(Cdcl, ReturnsToTheSecondHighestLevel) {
   backtrack(1, s);
   EXPECT_EQ(s.v_data.value, (std::vector<std::int8_t>{1, -1, -1, -1, -1}));
   expect_exact_counters(s);
+}
+
+// Up to the first conflict and back again in single steps, with a recount of all clauses after each.
+TEST(Cdcl, CountersAreExactAfterEveryStep) {
+  std::mt19937 random(4);
+  int returned = 0;
+  for (int round = 0; round < 200; ++round) {
+    const int variables = 10 + round % 20;
+    const int shortest = 1 + round % 3;
+    sat_data s = problem(variables, random_clauses(random, variables, variables * 4, shortest, 3));
+    int conflict = bcp(s);
+    expect_exact_counters(s);
+    while (conflict < 0 && decide(s) >= 0) {
+      expect_exact_counters(s);
+      conflict = bcp(s);
+      expect_exact_counters(s);
+    }
+    if (conflict < 0) {
+      continue;
+    }
+    const auto first = std::find_if(s.cl_data.begin(), s.cl_data.end(), [](const auto& c) { return c.state == 1; });
+    ASSERT_EQ(first - s.cl_data.begin(), conflict);
+    if (s.cur_dl > 0) {
+      backtrack(conflict_analysis(clause_learning(conflict, s), s), s);
+      expect_exact_counters(s);
+      ASSERT_NE(s.cl_data[static_cast<std::size_t>(conflict)].state, 1);
+      ++returned;
+    }
+  }
+  EXPECT_GT(returned, 50);
+}
+
+TEST(Cdcl, NothingLearntEndsTheSearch) {
+  const sat_data s = problem(1, {{1}});
+  testing::internal::CaptureStdout();
+  EXPECT_EQ(conflict_analysis({}, s), -1);
+  EXPECT_EQ(testing::internal::GetCapturedStdout(), "error, empty learnt clause");
 }
 
 TEST(Cdcl, RepeatedAndOpposedLiterals) {

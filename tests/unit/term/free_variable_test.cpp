@@ -90,6 +90,27 @@ TEST_F(free_variable_test, messages) {
             "Error: term_free_variable visiting NULL pointer\n" + empty + empty + empty);
 }
 
+// Long answers, of which only some are kept, and searches for one variable agree with the plain operation.
+TEST_F(free_variable_test, remembered_answers) {
+  free_variable_memo memo;
+  term_ptr t = x;
+  for (int i = 0; i < 300; ++i) {
+    const term_ptr name = var("v" + std::to_string(i));
+    const term_ptr body = plus(name, plus(a_n, t));
+    t = i % 3 == 0 ? quant(Forall, {name}, app(Eq, {body, y})) : body;
+    EXPECT_EQ(memo.of(t), term_free_variable(t)) << i;
+    EXPECT_EQ(memo.has(t, name), i % 3 != 0) << i;
+  }
+  for (int again = 0; again < 2; ++again) {
+    EXPECT_TRUE(memo.has(t, x));
+    EXPECT_TRUE(memo.has(t, a_n));
+    EXPECT_FALSE(memo.has(t, a));
+    EXPECT_FALSE(memo.has(t, z));
+    EXPECT_FALSE(memo.has(quant(Forall, {x}, app(Eq, {t, y})), x));
+    EXPECT_TRUE(memo.has(plus(z, t), z));
+  }
+}
+
 TEST_F(free_variable_test, deep_and_shared_terms) {
   EXPECT_EQ(term_free_variable(tower(x)), (term_list{x}));
   EXPECT_EQ(term_free_variable(left_spine(x)), (term_list{x}));

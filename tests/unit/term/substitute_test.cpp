@@ -46,6 +46,15 @@ TEST_F(substitute_test, fresh_counts_and_skips_what_occurs) {
   EXPECT_EQ(drawn(), 7);
 }
 
+// Each name that is tried and taken must not cost a search of its own.
+TEST_F(substitute_test, fresh_passes_over_many_names) {
+  term_ptr sum = x;
+  for (int i = 1; i <= 30'000; ++i) {
+    sum = plus(sum, var("x" + std::to_string(i)));
+  }
+  EXPECT_EQ(fresh(x, sum), var("x30001"));
+}
+
 TEST_F(substitute_test, a_name_is_found_in_every_part) {
   const term_ptr holders[] = {plus(a, x),
                               plus(x, a),
