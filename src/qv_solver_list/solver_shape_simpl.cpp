@@ -158,18 +158,18 @@ class rewrite_check {
     return answer;
   }
 
-  // Compares every part of `from` with the rule, the inner ones first. A part that arithmetic has read counts as one in
-  // the sum around it, so that a long sum is not read anew for each of its beginnings. Changes no answer.
-  void ask_inside_out(term_ptr from) {
-    if (from->children().empty() || !asked_.insert(from).second) {
+  // Compares every part of t with a side of the rule, the inner ones first. A part that arithmetic has read counts as
+  // one in the sum around it, so that a long sum is not read anew for each of its beginnings. Changes no answer.
+  void ask_inside_out(term_ptr t, term_ptr side) {
+    if (t->children().empty() || !asked_.insert(t).second) {
       return;
     }
-    for (term_ptr child : from->children()) {
+    for (term_ptr child : t->children()) {
       if (child != nullptr) {
-        ask_inside_out(child);
+        ask_inside_out(child, side);
       }
     }
-    equal(from, src_);
+    equal(t, side);
   }
 
   // The two trees in step: replaced places are hits, all others have to be equal.
@@ -442,7 +442,8 @@ bool term_matches_subterm_rewrite(term_ptr from, term_ptr to, term_ptr src, term
     return false;
   }
   rewrite_check check(src, dest);
-  check.ask_inside_out(from);
+  check.ask_inside_out(from, src);
+  check.ask_inside_out(to, dest);
   if (!check.matches(from, to) || check.hits() == 0) {
     check.reset_hits();
     if (!matches_in_context(check, from, to)) {
