@@ -22,14 +22,16 @@ class binder_comparison {
     if (kept == text || !done_.insert({kept, text}).second) {
       return nullptr;
     }
-    for (term_ptr binder : text->binders()) {
-      if (missing(binder, kept) && !stands_for_itself(binder, text)) {
-        return binder;
+    const term_list kept_names = binding_names(kept);
+    const term_list text_names = binding_names(text);
+    for (term_ptr name : text_names) {
+      if (missing(name, kept_names, kept)) {
+        return name;
       }
     }
-    for (term_ptr binder : kept->binders()) {
-      if (missing(binder, text)) {
-        return binder;
+    for (term_ptr name : kept_names) {
+      if (missing(name, text_names, text)) {
+        return name;
       }
     }
     for (std::size_t i = 0; i < kept->children().size(); ++i) {
@@ -48,12 +50,11 @@ class binder_comparison {
     }
   };
 
-  // A binder that is not in the other list and not there in vain.
-  static bool missing(term_ptr binder, term_ptr other) {
-    const term_list& binders = other->binders();
-    const auto same = [binder](term_ptr b) { return b->bare() == binder->bare(); };
-    return std::none_of(binders.begin(), binders.end(), same) &&
-           (!is_var(binder) || name_occurs(binder->name(), without_meta(other)));
+  // A name that is not in the list of the other node and not bound in vain.
+  static bool missing(term_ptr name, const term_list& names, term_ptr other) {
+    const auto same = [name](term_ptr n) { return n->bare() == name->bare(); };
+    return std::none_of(names.begin(), names.end(), same) &&
+           (!is_var(name) || name_occurs(name->name(), without_meta(other)));
   }
 
   std::unordered_set<std::pair<term_ptr, term_ptr>, pair_hash> done_;

@@ -6,6 +6,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 
 #include "lib/semantic_term.h"
@@ -157,6 +158,20 @@ class rewrite_check {
     return answer;
   }
 
+  // Compares every part of t with a side of the rule, the inner ones first. A part that arithmetic has read counts as
+  // one in the sum around it, so that a long sum is not read anew for each of its beginnings. Changes no answer.
+  void ask_inside_out(term_ptr t, term_ptr side) {
+    if (t->children().empty() || !asked_.insert(t).second) {
+      return;
+    }
+    for (term_ptr child : t->children()) {
+      if (child != nullptr) {
+        ask_inside_out(child, side);
+      }
+    }
+    equal(t, side);
+  }
+
   // The two trees in step: replaced places are hits, all others have to be equal.
   bool matches(term_ptr from, term_ptr to) {
     if (equal(from, src_) && equal(to, dest_)) {
@@ -284,6 +299,7 @@ class rewrite_check {
   term_ptr dest_;
   term_list rule_vars_;
   std::size_t hits_ = 0;
+  std::unordered_set<term_ptr> asked_;
   std::unordered_map<std::pair<term_ptr, term_ptr>, bool, pair_hash> equal_;
 };
 
@@ -426,6 +442,8 @@ bool term_matches_subterm_rewrite(term_ptr from, term_ptr to, term_ptr src, term
     return false;
   }
   rewrite_check check(src, dest);
+  check.ask_inside_out(from, src);
+  check.ask_inside_out(to, dest);
   if (!check.matches(from, to) || check.hits() == 0) {
     check.reset_hits();
     if (!matches_in_context(check, from, to)) {

@@ -170,6 +170,9 @@ TEST(Quantifiers, StartsOfSumsAreFree) {
 }
 
 TEST(Quantifiers, StartsOfSumsAreReplaced) {
+  script_run starts(gap_of({}, "forall (k)(m), sum_{i = k}^{n}(i) = sum_{i = m}^{n}(i)"));
+  EXPECT_EQ(starts.step("get_forall (GOAL: {x = 1}) (k := {c}) (m := {d})"), success);
+  EXPECT_FALSE(solver_manager_dsl(starts.gap.goal, {}, initial_fee)) << "the two starts are different names";
   // Both names of the index part stand under the quantifier, so that the sum lists both.
   script_run both(gap_of({"exists (i)(c), sum_{i = c}^{n}(i) = 5"}, "exists (i)(c), sum_{i = c}^{n}(i) = 5"));
   EXPECT_EQ(both.step("get_exists (hypothesis 1: {x = x}) (c := {d}) (i := {k})"), success);
