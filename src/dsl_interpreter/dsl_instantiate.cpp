@@ -250,7 +250,7 @@ class instantiation {
   }
 
   term_list open_binders(term_ptr t) {
-    const term_list bound = binding_names(t);
+    const term_list bound = bound_here(t);
     if (contains_bare(bound, src_)) {
       around_.block();
     }

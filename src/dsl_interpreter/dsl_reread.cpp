@@ -22,8 +22,8 @@ class binder_comparison {
     if (kept == text || !done_.insert({kept, text}).second) {
       return nullptr;
     }
-    const term_list kept_names = binding_names(kept);
-    const term_list text_names = binding_names(text);
+    const term_list kept_names = bound_here(kept);
+    const term_list text_names = bound_here(text);
     for (term_ptr name : text_names) {
       if (missing(name, kept_names, kept)) {
         return name;

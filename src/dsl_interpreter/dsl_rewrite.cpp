@@ -45,7 +45,8 @@ bool source_matches(const dsl_execute_data& data, const dsl_term& from) {
   return true;
 }
 
-// The two sides of an equivalence, or of an equation.
+// The two sides of an equivalence, or of an equation. One with Landau terms, which binds their variables, is none: from
+// x = bigO_{x → 0}(x) and -x = bigO_{x → 0}(x) follows nothing about x and -x.
 std::optional<rule_sides> sides_of(term_ptr t, rewrite_hypo_type kind) {
   if (kind == re_iff) {
     const auto view = composed_prop_split(t);
@@ -53,7 +54,9 @@ std::optional<rule_sides> sides_of(term_ptr t, rewrite_hypo_type kind) {
                                                                : std::nullopt;
   }
   const auto view = atomic_prop_split(t);
-  return view && view->pred == Eq && view->t2 != nullptr ? std::optional(rule_sides{view->t1, view->t2}) : std::nullopt;
+  return view && view->pred == Eq && view->t2 != nullptr && t->binders().empty()
+             ? std::optional(rule_sides{view->t1, view->t2})
+             : std::nullopt;
 }
 
 // The rule of a hypothesis: its own sides, or those of an implication's conclusion, whose premise is not looked at.

@@ -424,7 +424,9 @@ solve_res solver_shape_simpl(const proof_gap_full& gap, const solve_data& /*sdat
   if (acc.empty()) {
     return {bool_res, true, {}};
   }
-  if (acc.size() == 1 && acc[0].a == view->left && acc[0].b == view->right) {
+  // An equation binds the variables of its Landau terms: f(x) = g(x) says nothing about bigO_{x → 0}(f(x)).
+  const bool whole = acc.size() == 1 && acc[0].a == view->left && acc[0].b == view->right;
+  if (whole || pairs_mention(acc, 0, gap.goal->binders())) {
     return {};
   }
   solve_res result{termlist_and, false, {}};

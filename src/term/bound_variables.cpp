@@ -71,23 +71,13 @@ bool free_occurrences::in_any(term_span list) {
   return std::any_of(list.begin(), list.end(), [this](term_ptr t) { return t != nullptr && in(t); });
 }
 
-// A big operator binds its indices; what else its index part speaks of belongs to the surroundings.
-bool free_occurrences::bound_implicitly(term_ptr t) const {
-  const auto is_var_here = [this](term_ptr binder) { return binder->bare() == var_; };
-  const term_list& binders = t->binders();
-  if (std::none_of(binders.begin(), binders.end(), is_var_here)) {
-    return false;
-  }
-  const std::optional<term_list> indices = big_operator_indices(t);
-  return !indices.has_value() || std::any_of(indices->begin(), indices->end(), is_var_here);
-}
-
 bool free_occurrences::in_node(term_ptr t) {
   if (t->bare() == var_) {
     return true;
   }
-  if (bound_implicitly(t)) {
-    return false;
+  const term_list& binders = t->binders();
+  if (std::any_of(binders.begin(), binders.end(), [this](term_ptr b) { return b->bare() == var_; })) {
+    return stands_for_itself(var_, t);
   }
   if (in_scopes_ && t->scope() != nullptr && in(t->scope())) {
     return true;

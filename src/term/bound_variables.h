@@ -28,7 +28,8 @@ term_list entry_bound_variables(term_ptr entry);
 // True when the entry's left side binds; false when the whole entry does.
 bool entry_binds_left_side(term_ptr entry);
 
-// True when the variable occurs free in t in the ordinary sense: also inside an index, and in the set of an entry.
+// True when the variable occurs free in t in the ordinary sense: also inside an index, in the set of an entry, and
+// where the index part of a sum names it beside the index.
 bool occurs_free(term_ptr var, term_ptr t);
 
 // Where one variable (a Var, or an indexed name such as a_n as a whole) occurs free. Answers are remembered by node, so
@@ -47,7 +48,6 @@ class free_occurrences {
   bool beside(term_ptr entry);
 
  private:
-  bool bound_implicitly(term_ptr t) const;
   bool in_node(term_ptr t);
   bool in_any(term_span list);
   bool in_binding(term_ptr t);

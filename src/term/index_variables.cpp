@@ -9,6 +9,10 @@
 namespace vetro {
 namespace {
 
+bool contains_bare(term_span list, term_ptr var) {
+  return std::any_of(list.begin(), list.end(), [var](term_ptr t) { return t->bare() == var->bare(); });
+}
+
 bool is_big_operator(oper_type oper) { return oper >= BigSum && oper <= BigInterSup; }
 
 bool names_index_on_the_left(pred_type pred) {
@@ -95,18 +99,21 @@ std::optional<term_list> big_operator_indices(term_ptr t) {
   return index_part(t->binders()).indices_of(first->right());
 }
 
-term_list binding_names(term_ptr t) {
-  term_list names = t->binders();
-  if (names.empty()) {
-    return names;
+bool stands_for_itself(term_ptr binder, term_ptr t) {
+  const std::optional<term_list> indices = is_var(binder) ? big_operator_indices(t) : std::nullopt;
+  return indices.has_value() && !contains_bare(*indices, binder);
+}
+
+term_list bound_here(term_ptr t) {
+  term_list bound = t->binders();
+  if (bound.empty()) {
+    return bound;
   }
-  if (const std::optional<term_list> indices = big_operator_indices(t)) {
-    std::erase_if(names, [&indices](term_ptr binder) {
-      return std::none_of(indices->begin(), indices->end(),
-                          [binder](term_ptr index) { return index->bare() == binder->bare(); });
-    });
+  if (const std::optional<term_list> indices = big_operator_indices(t); indices.has_value()) {
+    const auto stays = [&](term_ptr binder) { return is_var(binder) && !contains_bare(*indices, binder); };
+    bound.erase(std::remove_if(bound.begin(), bound.end(), stays), bound.end());
   }
-  return names;
+  return bound;
 }
 
 }  // namespace vetro

@@ -18,7 +18,11 @@ namespace vetro {
 // A conjunction has the indices of its parts, and a term all its variables.
 std::optional<term_list> big_operator_indices(term_ptr t);
 
-// The binders of a node that are names to choose: of a big operator its indices, of any other node all.
-term_list binding_names(term_ptr t);
+// True for a variable that t binds as a part of its index part and that is no index: the start k of i = k. Such a name
+// means what it means outside.
+bool stands_for_itself(term_ptr binder, term_ptr t);
+
+// The binders of t without those that stand for themselves.
+term_list bound_here(term_ptr t);
 
 }  // namespace vetro

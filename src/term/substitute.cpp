@@ -162,7 +162,7 @@ class plain_substitution : public substitution_base<plain_substitution> {
     if (!t->has_meta()) {
       return walk_content(t);
     }
-    if (const term_list bound = binding_names(t); !bound.empty()) {
+    if (const term_list bound = bound_here(t); !bound.empty()) {
       if (stands_in(bound, src_)) {
         return t;
       }
@@ -244,7 +244,7 @@ class careful_substitution : public substitution_base<careful_substitution> {
     if (!t->has_meta()) {
       return walk_content(t);
     }
-    if (const term_list bound = binding_names(t); !bound.empty()) {
+    if (const term_list bound = bound_here(t); !bound.empty()) {
       if (stands_in(bound, src_)) {
         return t;
       }
@@ -352,7 +352,7 @@ class plain_free_walk {
     }
     const std::size_t before = bound_.size();
     const std::uint64_t bindings_before = bindings_;
-    bind(binding_names(t));
+    bind(bound_here(t));
     walk_content(t);
     if (t->scope() != nullptr) {
       walk(t->scope());

@@ -78,6 +78,15 @@ TEST_F(Rewrite, RuleIsAnEquationOrAnEquivalence) {
   EXPECT_EQ(with("equation", "(hypothesis 1: {q +})"), success);
 }
 
+TEST(RewriteLandau, EquationThatBindsIsNoRule) {
+  script_run s(gap_of({"x = bigO_{x → 0}(x)", "p = 1 ⇒ x = bigO_{x → 0}(x)", "x > 0"}, "z = 1"));
+  for (const std::string rule : {"1", "2"}) {
+    EXPECT_EQ(s.step("rewrite (left_to_right, equation) (hypothesis " + rule +
+                     ": {x = x}) from (hypothesis 3: {x > 0}) to (hypothesis 4: {bigO_{x → 0}(x) > 0})"),
+              failed("Hypothesis is not an equation for rewriting.\n"));
+  }
+}
+
 TEST_F(Rewrite, PremiseOfTheRuleIsNotAsked) {
   s.gap.goal = formula("x = 1 ∧ z = 1");
   EXPECT_EQ(goal_to("5", "y = 1 ∧ z = 1", "left_to_right, iff"), success);

@@ -197,6 +197,10 @@ TEST(Quantifiers, OpenNoSetThatWouldBindTheName) {
   EXPECT_EQ(s.step("get_exists (hypothesis 1: {x = x}) (y := {c})"), refused);
   EXPECT_EQ(s.step("get_forall (GOAL: {x = x}) (y := {c})"), refused);
   EXPECT_EQ(s.step("get_exists (hypothesis 2: {x = x}) (S := {T})"), success);
+  // Of k < i the notation does not tell the index, unless k comes from outside.
+  script_run index(gap_of({}, "forall (k), sum_{k < i}(i) = a"));
+  EXPECT_EQ(index.step("get_forall (GOAL: {x = x}) (k := {c})"),
+            failed("instantiation failed: 'i' is bound differently in the text of the result\n"));
   script_run witness(gap_of({}, "exists (y), { x + y | x > y } = A"));
   EXPECT_EQ(witness.step("exists (y := {c})"), refused);
   EXPECT_EQ(witness.step("exists (y := {1})"), success);

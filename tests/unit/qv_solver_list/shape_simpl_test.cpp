@@ -69,6 +69,8 @@ TEST_F(shape_simpl, NoDifferenceLeavesItsBinder) {
   EXPECT_EQ(left_of("{ x | x > 0 } = { x | x > x^2 }"), "false");
   EXPECT_EQ(left_of("lim_{x → a}(f(x)) = lim_{x → b}(f(x))"), "a = b");
   EXPECT_EQ(left_of("lim_{x → 0}(a_x) = lim_{x → 0}(a_y)"), "false") << "bound in an index";
+  EXPECT_EQ(left_of("bigO_{x → 0}(x + a) = bigO_{x → 0}(x * b)"), "false") << "bound by the equation";
+  EXPECT_EQ(left_of("f(x) + bigO_{x → 0}(a) = f(x) + bigO_{x → 0}(c)"), "a = c");
 }
 
 TEST_F(shape_simpl, RewritingCountsPlaces) {
