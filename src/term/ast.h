@@ -141,7 +141,7 @@ class term {
   std::uint32_t depth() const { return depth_; }
   bool has(term_fact fact) const { return (facts_ & fact) != 0; }
   std::uint64_t name_mask() const { return mask_; }  // bits of all variable names inside, bound ones and metadata too
-  std::uint32_t serial() const { return serial_; }   // order of building; for tables only, never for output order
+  std::uint32_t serial() const { return serial_; }   // counts nodes; for tables only, never for the order of output
 
  private:
   friend class term_store;
