@@ -164,6 +164,25 @@ const lambda_var_type_list* term_store::types(const lambda_var_type_list& list) 
   return impl_->type_lists.back().get();
 }
 
+namespace {
+
+// Operators that stand for several values, for families and sizes, or for more than the values of their operands.
+bool may_make_whole(oper_type oper) {
+  switch (oper) {
+    case PosNeg:
+    case PlusMinus:
+    case Cardinal:
+    case D:
+    case PD:
+    case IndefInt:
+      return true;
+    default:
+      return oper >= BigO && oper <= RightLittleO;
+  }
+}
+
+}  // namespace
+
 term_ptr term_store::intern(const content& c, const term_meta* meta) {
   if (++calls_ > call_limit_) {
     throw std::bad_alloc();
@@ -270,7 +289,11 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
       node->facts_ |= fact_pattern;
       break;
     case Const:
-      node->facts_ |= c.code == Ellipsis ? fact_ellipsis : 0;
+      node->facts_ |= c.code == Ellipsis ? fact_ellipsis | fact_whole : 0;
+      node->facts_ |= c.code >= Infty && c.code <= NegInfty ? fact_whole : 0;
+      break;
+    case Oper:
+      node->facts_ |= may_make_whole(static_cast<oper_type>(c.code)) ? fact_whole : 0;
       break;
     case TermList:
       node->facts_ |= count == 0 ? fact_empty_list : 0;

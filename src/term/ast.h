@@ -97,6 +97,7 @@ enum term_fact : std::uint8_t {
   fact_lambda = 16,      // a Lambda somewhere inside
   fact_empty_list = 32,  // a TermList without elements somewhere inside
   fact_ellipsis = 64,    // the constant Ellipsis somewhere inside
+  fact_whole = 128,      // a leaf that may make a term one whole (whole_parts.h) somewhere inside
 };
 
 class term {
