@@ -6,6 +6,7 @@
 
 #include "lib/semantic_term.h"
 #include "parser/parser_api.h"
+#include "platform/large_stack.h"
 #include "term/compare.h"
 #include "term/pattern_match.h"
 #include "term/print.h"

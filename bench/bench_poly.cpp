@@ -6,10 +6,10 @@
 #include <string>
 #include <vector>
 
-#include "qv_solver_list/rational_domain.h"
-#include "qv_solver_list/solver_poly_rat.h"
+#include "platform/large_stack.h"
+#include "qv_solver_list/algebra/poly_rat_eqb.h"
+#include "qv_solver_list/algebra/rational_domain.h"
 #include "term/ast.h"
-#include "term/state.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {

@@ -10,9 +10,9 @@
 #include <string_view>
 
 #include "dsl_interpreter/dsl_trace.h"
+#include "platform/utf8.h"
 #include "term/print.h"
 #include "term/report.h"
-#include "utf8.h"
 
 namespace vetro {
 namespace {

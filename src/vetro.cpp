@@ -17,12 +17,13 @@
 #include "lib/proof_gap_parser.h"
 #include "lib/thm_lib.h"
 #include "parser/parser_api.h"
+#include "platform/large_stack.h"
 #include "program_context.h"
+#include "qv_solver_list/solver_registry.h"
 #include "structured_result.h"
 #include "term/pattern_match.h"
 #include "term/print.h"
 #include "term/report.h"
-#include "term/state.h"
 
 namespace vetro {
 namespace {
@@ -289,6 +290,7 @@ int exit_status(int code) { return code == run_failed || code == exe_fail ? 1 : 
 
 int run_program(int argc, char** argv) {
   match_init(read_pattern);
+  install_solvers(solver_registry());
   ProgramContext context;
   switch (parse_command_line(argc, argv, context)) {
     case command_line::help:

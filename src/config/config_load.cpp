@@ -7,7 +7,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "config/text_file.h"
+#include "platform/text_file.h"
 #include "term/report.h"
 
 namespace vetro {

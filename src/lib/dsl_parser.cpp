@@ -6,10 +6,10 @@
 #include <string_view>
 #include <utility>
 
-#include "config/text_file.h"
 #include "lib/dsl_cursor.h"
 #include "lib/line_reader.h"
 #include "lib/semantic_term.h"
+#include "platform/text_file.h"
 #include "term/report.h"
 
 namespace vetro {

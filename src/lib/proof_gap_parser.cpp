@@ -4,9 +4,9 @@
 #include <algorithm>
 #include <cstdio>
 
-#include "config/text_file.h"
 #include "lib/line_reader.h"
 #include "lib/semantic_term.h"
+#include "platform/text_file.h"
 #include "term/report.h"
 
 namespace vetro {

@@ -8,8 +8,8 @@
 #include <new>
 #include <utility>
 
-#include "config/text_file.h"
 #include "lib/semantic_term.h"
+#include "platform/text_file.h"
 #include "term/report.h"
 
 namespace vetro {

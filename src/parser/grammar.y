@@ -44,7 +44,7 @@ class scanner;
 
 #include "parser/reading.h"
 #include "parser/scanner.h"
-#include "term/limits.h"
+#include "number/limits.h"
 
 // While several readings are open, the skeleton's stack also holds what they have reduced.
 #define YYINITDEPTH vetro::limits::parse_stack_initial

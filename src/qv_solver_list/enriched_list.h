@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "qv_solver_list/solver_list.h"
+#include "qv_solver_list/solver.h"
 
 namespace vetro {
 

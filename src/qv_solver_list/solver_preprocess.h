@@ -2,7 +2,7 @@
 // conjunctions their conjuncts. Given assumptions stand first, derived ones follow; nothing is removed.
 #pragma once
 
-#include "qv_solver_list/solver_list.h"
+#include "qv_solver_list/solver.h"
 
 namespace vetro {
 

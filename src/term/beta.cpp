@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <unordered_map>
 
-#include "term/limits.h"
+#include "number/limits.h"
 #include "term/state.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"

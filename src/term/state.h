@@ -2,7 +2,6 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <string_view>
 #include <unordered_map>
@@ -31,8 +30,5 @@ process_state& state();
 
 // Throws away every term, pattern and counter. Only for tests: all term pointers become invalid.
 void reset_state();
-
-// Runs the function on a stack large enough for the deepest input that the reader accepts, and gives its result.
-int run_on_large_stack(const std::function<int()>& function);
 
 }  // namespace vetro

@@ -41,6 +41,16 @@ term_ptr unsupported(const char* what, int number) {
   return nullptr;
 }
 
+void append_operands(term_ptr t, connect_type connect, term_list& out) {
+  const auto view = composed_prop_split(t);
+  if (!view || view->connect != connect || view->t2 == nullptr) {
+    out.push_back(t);
+    return;
+  }
+  append_operands(view->t1, connect, out);
+  append_operands(view->t2, connect, out);
+}
+
 }  // namespace
 
 // ---- Splits.
@@ -249,5 +259,11 @@ term_list term_split_and(term_ptr t) {
 }
 
 term_ptr term_split_and_preserve(term_ptr t) { return t == nullptr ? nullptr : conjunction_split().preserved(t); }
+
+term_list split_connect(term_ptr t, connect_type connect) {
+  term_list operands;
+  append_operands(t, connect, operands);
+  return operands;
+}
 
 }  // namespace vetro

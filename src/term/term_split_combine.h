@@ -62,6 +62,9 @@ term_ptr term_split_and_preserve(term_ptr t);
 // the empty list for null.
 term_list long_order_split(term_ptr t);
 
+// The flattened operands of the connective, left to right; (t) for any other term.
+term_list split_connect(term_ptr t, connect_type connect);
+
 // Null for the empty list, the element for one, else joined by And: the first nests to the right, the second to the
 // left.
 term_ptr and_compose(term_span list);

@@ -10,6 +10,7 @@
 #include "lib/semantic_term.h"
 #include "parser/parser_api.h"
 #include "qv_solver_list/solver_list.h"
+#include "qv_solver_list/solver_registry.h"
 #include "term/pattern_match.h"
 #include "term/print.h"
 
@@ -143,6 +144,7 @@ struct promise {
 
 TEST(Documents, TablesTellTheTruth) {
   match_init(read_pattern);
+  install_solvers(solver_registry());
   promise promises[] = {{"| Text | Internal form |", 2, check_internal_form},
                         {"| Rejected text | Message |", 2, check_rejected},
                         {"| Ambiguous text | What decides |", 2, check_ambiguous},

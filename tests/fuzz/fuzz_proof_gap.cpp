@@ -6,6 +6,7 @@
 
 #include "lib/proof_gap_parser.h"
 #include "parser/parser_api.h"
+#include "platform/large_stack.h"
 #include "term/pattern_match.h"
 #include "term/state.h"
 

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "lib/dsl_parser.h"
+#include "platform/large_stack.h"
 #include "term/state.h"
 
 namespace {

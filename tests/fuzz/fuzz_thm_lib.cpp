@@ -4,6 +4,7 @@
 #include <string_view>
 
 #include "lib/thm_lib.h"
+#include "platform/large_stack.h"
 #include "term/state.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

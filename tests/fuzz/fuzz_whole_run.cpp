@@ -11,6 +11,8 @@
 #include "lib/dsl_parser.h"
 #include "lib/proof_gap_parser.h"
 #include "parser/parser_api.h"
+#include "platform/large_stack.h"
+#include "qv_solver_list/solver_registry.h"
 #include "term/pattern_match.h"
 #include "term/state.h"
 
@@ -59,6 +61,7 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
   return run_on_large_stack([&] {
     reset_state();
     match_init(read_pattern);
+    install_solvers(solver_registry());
     run(text.substr(0, cut), text.substr(cut + separator.size()));
     return 0;
   });

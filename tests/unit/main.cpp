@@ -1,7 +1,7 @@
 // Runs the tests on the stack that the program runs on.
 #include <gtest/gtest.h>
 
-#include "term/state.h"
+#include "platform/large_stack.h"
 
 int main(int argc, char** argv) {
   testing::InitGoogleTest(&argc, argv);

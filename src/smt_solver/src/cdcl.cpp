@@ -9,7 +9,7 @@
 #include <cassert>
 #include <cstdlib>
 
-#include "term/limits.h"
+#include "number/limits.h"
 #include "term/report.h"
 
 namespace vetro {

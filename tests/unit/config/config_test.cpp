@@ -4,7 +4,7 @@
 #include <string>
 
 #include "config/config_load.h"
-#include "temporary_file.h"
+#include "support/temporary_file.h"
 
 namespace vetro {
 namespace {

@@ -2,7 +2,7 @@
 #include <gtest/gtest.h>
 
 #include "dsl_interpreter/dsl_trace.h"
-#include "run_fixture.h"
+#include "support/run_fixture.h"
 
 namespace vetro::test {
 namespace {

@@ -8,7 +8,7 @@
 #include <limits>
 #include <string>
 
-#include "lib/script_text.h"
+#include "support/script_text.h"
 
 namespace vetro {
 namespace {

@@ -5,7 +5,7 @@
 #include <string>
 
 #include "lib/dsl_ast.h"
-#include "lib/script_text.h"
+#include "support/script_text.h"
 
 namespace vetro {
 namespace {

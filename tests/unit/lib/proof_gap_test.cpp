@@ -10,7 +10,7 @@
 #include "lib/proof_gap_parser.h"
 #include "lib/semantic_term.h"
 #include "parser/parser_api.h"
-#include "temporary_file.h"
+#include "support/temporary_file.h"
 #include "term/pattern_match.h"
 #include "term/state.h"
 

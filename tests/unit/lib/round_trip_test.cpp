@@ -10,7 +10,7 @@
 
 #include "lib/semantic_term.h"
 #include "parser/parser_api.h"
-#include "term/build_terms.h"
+#include "support/build_terms.h"
 #include "term/pattern_match.h"
 #include "term/print.h"
 #include "term/state.h"

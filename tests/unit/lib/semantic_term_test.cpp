@@ -7,7 +7,7 @@
 #include <string>
 
 #include "parser/parser_api.h"
-#include "term/build_terms.h"
+#include "support/build_terms.h"
 #include "term/compare.h"
 #include "term/free_variable.h"
 #include "term/pattern_match.h"

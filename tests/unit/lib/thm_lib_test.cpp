@@ -7,7 +7,7 @@
 
 #include "lib/semantic_term.h"
 #include "parser/parser_api.h"
-#include "temporary_file.h"
+#include "support/temporary_file.h"
 #include "term/pattern_match.h"
 #include "term/state.h"
 

@@ -2,7 +2,7 @@
 // two readings.
 #include <gtest/gtest.h>
 
-#include "shape.h"
+#include "support/shape.h"
 #include "term/state.h"
 
 namespace vetro {

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 
-#include "shape.h"
+#include "support/shape.h"
 #include "term/state.h"
 
 namespace vetro {

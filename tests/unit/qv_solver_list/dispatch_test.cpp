@@ -2,8 +2,9 @@
 #include <algorithm>
 #include <new>
 
-#include "qv_solver_list/solver_fixture.h"
-#include "term/limits.h"
+#include "number/limits.h"
+#include "qv_solver_list/solvers.h"
+#include "support/solver_fixture.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
 
@@ -52,16 +53,16 @@ TEST_F(dispatch, AnAssumptionIsProvedByTheFirstSolver) {
 }
 
 TEST_F(dispatch, ReflexiveRelations) {
-  EXPECT_TRUE(solver_reflexivity(read("sum_{i = 1}^{n}(i) = sum_{j = 1}^{n}(j)")));
-  EXPECT_TRUE(solver_reflexivity(read("a ≥ a")));
-  EXPECT_TRUE(solver_reflexivity(read("a ≤ a")));
-  EXPECT_TRUE(solver_reflexivity(read("A subset A")));
+  EXPECT_TRUE(solver_reflexivity(read("sum_{i = 1}^{n}(i) = sum_{j = 1}^{n}(j)"), {}));
+  EXPECT_TRUE(solver_reflexivity(read("a ≥ a"), {}));
+  EXPECT_TRUE(solver_reflexivity(read("a ≤ a"), {}));
+  EXPECT_TRUE(solver_reflexivity(read("A subset A"), {}));
   for (const std::string_view goal : {"a > a", "a < a", "a ≠ a", "a ≈ a", "a = b", "a ∈ a", "forall (x), x = x"}) {
-    EXPECT_FALSE(solver_reflexivity(read(goal))) << goal;
+    EXPECT_FALSE(solver_reflexivity(read(goal), {})) << goal;
   }
   term_ptr identity = make_binPred_prop(IdentEq, mk_var("a"), mk_var("a"));
-  EXPECT_FALSE(solver_reflexivity(identity));
-  EXPECT_FALSE(solver_reflexivity(nullptr));
+  EXPECT_FALSE(solver_reflexivity(identity, {}));
+  EXPECT_FALSE(solver_reflexivity(nullptr, {}));
 }
 
 TEST_F(dispatch, ProgressOfAFailedRun) {
@@ -95,8 +96,8 @@ TEST_F(dispatch, Splitting) {
   EXPECT_EQ(shown(zero_step_process(read("a < b ≤ c"))), "b ≤ c; a < b");
   EXPECT_EQ(shown(zero_step_process(read("a < b < c ∧ a = 1"))), "b < c; a < b; a = 1");
   EXPECT_EQ(shown(split_connect(read("a = 1 ∨ (b = 1 ∨ c = 1 ∧ d = 1)"), Or)), "a = 1; b = 1; c = 1 ∧ d = 1");
-  EXPECT_EQ(solver_or_split(read("a = 1 ∨ (b = 1 ∨ c = 1)")).list.size(), 3U);
-  EXPECT_EQ(solver_or_split(read("a = 1 ∧ b = 1")).type, bool_res);
+  EXPECT_EQ(solver_or_split({nullptr, nullptr, read("a = 1 ∨ (b = 1 ∨ c = 1)")}).list.size(), 3U);
+  EXPECT_EQ(solver_or_split({nullptr, nullptr, read("a = 1 ∧ b = 1")}).type, bool_res);
   EXPECT_TRUE(solve({"a < b", "b ≤ c"}, "a < b ≤ c", 0).proved);
   EXPECT_FALSE(solve({"a < b", "c ≤ b"}, "a < b ≤ c").proved);
 }

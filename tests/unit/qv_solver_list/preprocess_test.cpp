@@ -1,8 +1,8 @@
 // What assumptions are found to say, and what they must not be made to say.
 #include <utility>
 
-#include "qv_solver_list/solver_fixture.h"
 #include "qv_solver_list/solver_preprocess.h"
+#include "support/solver_fixture.h"
 #include "term/compare.h"
 #include "term/term_split_combine.h"
 

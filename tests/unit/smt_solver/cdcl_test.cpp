@@ -8,7 +8,7 @@
 #include <cstdlib>
 #include <random>
 
-#include "term/limits.h"
+#include "number/limits.h"
 
 namespace vetro {
 namespace {

@@ -8,8 +8,8 @@
 #include <utility>
 #include <vector>
 
+#include "support/term_tools.h"
 #include "term/free_variable.h"
-#include "term/term_tools.h"
 #include "term/traverse.h"
 
 namespace vetro {

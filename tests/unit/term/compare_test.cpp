@@ -6,8 +6,8 @@
 #include <string>
 #include <vector>
 
+#include "support/term_tools.h"
 #include "term/substitute.h"
-#include "term/term_tools.h"
 
 namespace vetro {
 namespace {

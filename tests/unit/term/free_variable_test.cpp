@@ -5,7 +5,7 @@
 
 #include <string>
 
-#include "term/term_tools.h"
+#include "support/term_tools.h"
 
 namespace vetro {
 namespace {

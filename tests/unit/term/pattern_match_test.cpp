@@ -9,7 +9,7 @@
 #include <string_view>
 #include <vector>
 
-#include "term/build_terms.h"
+#include "support/build_terms.h"
 #include "term/state.h"
 
 namespace vetro {

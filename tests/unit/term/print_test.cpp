@@ -8,7 +8,7 @@
 #include <utility>
 #include <vector>
 
-#include "term/build_terms.h"
+#include "support/build_terms.h"
 
 namespace vetro {
 namespace {

@@ -3,8 +3,8 @@
 
 #include <string>
 
+#include "support/term_tools.h"
 #include "term/term_split_combine.h"
-#include "term/term_tools.h"
 
 namespace vetro {
 namespace {

@@ -6,9 +6,9 @@
 
 #include <string>
 
+#include "number/limits.h"
+#include "support/term_tools.h"
 #include "term/compare.h"
-#include "term/limits.h"
-#include "term/term_tools.h"
 
 namespace vetro {
 namespace {

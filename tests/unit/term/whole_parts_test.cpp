@@ -6,8 +6,8 @@
 #include <string_view>
 
 #include "lib/semantic_term.h"
+#include "support/term_tools.h"
 #include "term/state.h"
-#include "term/term_tools.h"
 
 namespace vetro {
 namespace {

@@ -1,0 +1,15 @@
+// Small primes and exact integer roots.
+#pragma once
+
+#include <cstdint>
+
+namespace vetro {
+
+// True for the primes up to 1000000; false for every other value, also for a greater prime.
+bool solver_exact_is_small_prime_i64(std::int64_t value);
+
+// True if value is the index-th power of an integer, which goes to *out. 0 and 1 are their own roots for every positive
+// index; another value has no root of an index above 63. A null out gives false.
+bool solver_exact_nth_root_u64(std::uint64_t value, int index, std::uint64_t* out);
+
+}  // namespace vetro

@@ -1,0 +1,229 @@
+// Reads a term as a rational expression over any domain of values: sums, products, quotients and powers are computed,
+// everything else is an opaque value that is told apart by its parts.
+//
+// Two domains use it: exact rational forms, and fingerprints of them modulo a prime. As one walk serves both, whatever
+// is equal as a rational form has equal fingerprints. A domain gives
+//
+//   value                                    a cheap copyable handle
+//   const value* recall(term_ptr)            what was remembered for a term, or null
+//   void remember(term_ptr, const value&)
+//   bool gave_up()                           no further reading makes sense; every value may be failed()
+//   value failed()
+//   value number(const cnum&)
+//   value leaf(term_ptr)                     a name, constant or symbol, without metadata
+//   value opaque(term_ptr)                   a term that is compared as it is written
+//   value compound(compound_kind, span<const value>)
+//   value sum(span<const signed_value<value>>)
+//   value product(span<const value>)
+//   value quotient(const value&, const value&)
+//   value power(const value& base, const value& exponent, span<const signed_value<value>> addends_of_exponent)
+#pragma once
+
+#include <algorithm>
+#include <cstdint>
+#include <span>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "number/cnum.h"
+#include "term/ast.h"
+#include "term/term_split_combine.h"
+#include "term/traverse.h"
+
+namespace vetro {
+
+// Opaque values that are equal when their parts are equal as rational expressions.
+enum class compound_kind : std::uint8_t {
+  application,  // function, argument
+  list,         // elements
+  binding,      // an application that binds variables, the variables
+};
+
+template <class Value>
+struct signed_value {
+  Value value;
+  bool negative;
+};
+
+// The term without what a comparison of written forms ignores: scopes and soft types. Binders stay: { x + y | x > y }
+// ranges over x alone where y is bound outside.
+term_ptr written_form(term_ptr t);
+
+// The value of the application depends on where its parts are defined, so that x/x must not become 1 in it, nor
+// ln(x) - ln(x) 0: { x | x/x = 1 } is without 0. Such a term is compared as it is written.
+bool depends_on_domain(term_ptr t);
+
+// A partial differential, or a product or power with a differential in it: a quotient by it is a symbol, not a number
+// that cancels. The product of pdiff(x)/pdiff(y), pdiff(y)/pdiff(z) and pdiff(z)/pdiff(x) is -1. A quotient by diff(x)
+// is one, as the chain rule has it.
+bool divides_by_differentials(term_ptr divisor);
+
+template <class Domain>
+class expression_reader {
+ public:
+  using value = typename Domain::value;
+
+  explicit expression_reader(Domain& domain) : domain_(domain) {}
+
+  value read(term_ptr t) {
+    if (const value* known = domain_.recall(t)) {
+      return *known;
+    }
+    value result = domain_.gave_up() ? domain_.failed() : read_new(t);
+    domain_.remember(t, result);
+    return result;
+  }
+
+ private:
+  using addends = std::vector<signed_value<value>>;
+
+  value read_new(term_ptr t) {
+    switch (t->type()) {
+      case Const:
+        if (t->constant() == Integer) {
+          return domain_.number(cnum_from_int(t->integer()));
+        }
+        return t->constant() == Decimal ? domain_.number(cnum_from_decimal_str(t->decimal())) : domain_.leaf(t->bare());
+      case Var:
+      case Oper:
+      case Pred:
+      case Connect:
+        return domain_.leaf(t->bare());
+      case TermList:
+        return read_compound(compound_kind::list, t->elements());
+      case Apply:
+        return read_apply(t);
+      default:
+        return domain_.opaque(written_form(t));
+    }
+  }
+
+  value read_apply(term_ptr t) {
+    const auto view = arithmetic_view(t);
+    if (!view) {
+      return read_application(t);
+    }
+    switch (view->oper) {
+      case Plus:
+      case Minus:
+      case Neg:
+        return domain_.sum(read_addends(t));
+      case Mult:
+        return domain_.product(read_factors(t));
+      case Power: {
+        const value base = read(view->t1);
+        const value exponent = read(view->t2);
+        return domain_.power(base, exponent, read_addends(view->t2));
+      }
+      default: {
+        const value numerator = read(view->t1);
+        const value denominator = read(view->t2);
+        return domain_.quotient(numerator, denominator);
+      }
+    }
+  }
+
+  value read_application(term_ptr t) {
+    if (depends_on_domain(t)) {
+      return domain_.opaque(written_form(t));
+    }
+    const term_ptr parts[] = {t->left(), t->right()};
+    const value application = read_compound(compound_kind::application, parts);
+    return t->binders().empty() ? application : read_binding(application, t->binders());
+  }
+
+  // Calculation may take a variable out of an index part, and what the operator binds must not change by that:
+  // sum_{i = k - k}^{n}(k) binds k, sum_{i = 0}^{n}(k) does not.
+  value read_binding(const value& application, term_list binders) {
+    std::sort(binders.begin(), binders.end(),
+              [](term_ptr a, term_ptr b) { return a->bare()->hash() < b->bare()->hash(); });
+    std::vector<value> values{application};
+    for (term_ptr variable : binders) {
+      values.push_back(domain_.opaque(written_form(variable)));
+    }
+    return domain_.compound(compound_kind::binding, values);
+  }
+
+  value read_compound(compound_kind kind, term_span parts) {
+    std::vector<value> values;
+    values.reserve(parts.size());
+    for (term_ptr part : parts) {
+      values.push_back(read(part));
+    }
+    return domain_.compound(kind, values);
+  }
+
+  // The operators that are computed, with their operands (t2 is null for Neg). A node that binds variables is no
+  // arithmetic, whatever its head, and neither is a derivative that is written as a quotient.
+  static std::optional<composed_term> arithmetic_view(term_ptr t) {
+    const auto view = t->binders().empty() ? composed_term_split(t) : std::nullopt;
+    if (!view || (view->oper == Neg) != (view->t2 == nullptr)) {
+      return std::nullopt;
+    }
+    switch (view->oper) {
+      case Plus:
+      case Minus:
+      case Neg:
+      case Mult:
+      case Power:
+        return view;
+      case Div:
+      case Frac:
+        return divides_by_differentials(view->t2) ? std::nullopt : view;
+      default:
+        return std::nullopt;
+    }
+  }
+
+  // What a tree of sums, differences and negations adds up, left to right; the term itself when it is none. A part that
+  // is met again, or is known, counts as one addend: shared parts are read once.
+  addends read_addends(term_ptr t) {
+    addends out;
+    std::vector<signed_value<term_ptr>> open{{t, false}};
+    std::unordered_set<term_ptr> opened;
+    while (!open.empty()) {
+      const auto [part, negative] = open.back();
+      open.pop_back();
+      const auto view = arithmetic_view_of_sum(part);
+      if (!view || (part != t && (domain_.recall(part) != nullptr || !opened.insert(part).second))) {
+        out.push_back({read(part), negative});
+      } else if (view->oper == Neg) {
+        open.push_back({view->t1, !negative});
+      } else if (view->oper != Minus || view->t1 != view->t2) {  // x - x is zero whatever x is
+        open.push_back({view->t2, negative != (view->oper == Minus)});
+        open.push_back({view->t1, negative});
+      }
+    }
+    return out;
+  }
+
+  static std::optional<composed_term> arithmetic_view_of_sum(term_ptr t) {
+    const auto view = is_apply(t) ? arithmetic_view(t) : std::nullopt;
+    return view && (view->oper == Plus || view->oper == Minus || view->oper == Neg) ? view : std::nullopt;
+  }
+
+  // The same for products.
+  std::vector<value> read_factors(term_ptr t) {
+    std::vector<value> out;
+    std::vector<term_ptr> open{t};
+    std::unordered_set<term_ptr> opened;
+    while (!open.empty()) {
+      term_ptr part = open.back();
+      open.pop_back();
+      const auto view = is_apply(part) ? arithmetic_view(part) : std::nullopt;
+      if (!view || view->oper != Mult ||
+          (part != t && (domain_.recall(part) != nullptr || !opened.insert(part).second))) {
+        out.push_back(read(part));
+      } else {
+        open.push_back(view->t2);
+        open.push_back(view->t1);
+      }
+    }
+    return out;
+  }
+
+  Domain& domain_;
+};
+
+}  // namespace vetro

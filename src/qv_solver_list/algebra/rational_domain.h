@@ -1,0 +1,97 @@
+// Terms to rational forms: the exact domain for expression_reader.
+//
+// Opaque parts become keys. Two are the same key exactly when they are the same kind of node with equal parts, or the
+// same written term; texts play no part, so that nothing is confused that prints alike.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+#include <unordered_map>
+#include <vector>
+
+#include "number/rational.h"
+#include "qv_solver_list/algebra/expression_reader.h"
+#include "qv_solver_list/algebra/fingerprint.h"
+
+namespace vetro {
+
+class rational_domain {
+ public:
+  struct form {
+    rat r;
+    fingerprint print;
+    mutable std::uint32_t number = 0;  // of form_number, once it is known
+  };
+  using value = std::shared_ptr<const form>;
+
+  explicit rational_domain(std::uint64_t budget) : registry_(budget) {}
+
+  const value* recall(term_ptr t) const {
+    const auto known = known_.find(t);
+    return known == known_.end() ? nullptr : &known->second;
+  }
+  void remember(term_ptr t, const value& v);
+  bool gave_up() const { return registry_.pdata.exhausted(); }
+  value failed() const { return make(rat_nan(), {}); }
+
+  value number(const cnum& c) const { return make(rat_const(c), fingerprint::of_number(c)); }
+  value leaf(term_ptr t);
+  value opaque(term_ptr t);
+  value compound(compound_kind kind, std::span<const value> parts);
+  value sum(std::span<const signed_value<value>> addends);
+  value product(std::span<const value> factors);
+  value quotient(const value& numerator, const value& denominator);
+  value power(const value& base, const value& exponent, std::span<const signed_value<value>> addends);
+
+  bool equal(const value& a, const value& b) { return rat_eq(registry_, a->r, b->r); }
+  // Equal forms have equal numbers, from 1 on. Nothing for a not-a-number.
+  std::optional<std::uint32_t> form_number(const value& v);
+  const rational_registry& registry() const { return registry_; }
+
+ private:
+  struct rat_hash {
+    std::size_t operator()(const rat& r) const;
+  };
+
+  static value make(rat r, const fingerprint& print) { return std::make_shared<const form>(form{std::move(r), print}); }
+  value atom(const key_words& words, const fingerprint& print);
+  std::optional<std::int32_t> plain_name(const rat& r) const;
+  rat number_power(const value& base, const cnum& exponent);
+  rat symbolic_power(const value& base, std::span<const signed_value<value>> addends);
+  rat power_of_part(const value& base, std::uint32_t base_number, const rat& part, const cnum& coef);
+  rat multiply_all(std::vector<rat> factors);
+  std::optional<std::uint32_t> number_of_rat(const rat& r);
+
+  rational_registry registry_;
+  std::unordered_map<term_ptr, value> known_;
+  std::unordered_map<rat, std::uint32_t, rat_hash> numbers_;
+  std::unordered_multimap<std::uint64_t, value> by_fingerprint_;  // forms with a number
+  // The first form of each number. Roots and symbolic powers are taken of it.
+  std::unordered_map<std::uint32_t, value> representatives_;
+  std::uint32_t last_number_ = 0;
+};
+
+// The rational forms of one comparison or of one caller's table. Reads each subterm once.
+class rational_forms {
+ public:
+  rational_forms();
+  ~rational_forms();
+
+  // Terms that are equal as rational expressions get the same number. Nothing where a not-a-number takes part.
+  std::optional<std::uint32_t> key(term_ptr t);
+  // The form in a readable notation, "nan" included; empty for null.
+  std::string text(term_ptr t);
+
+  bool equal(term_ptr a, term_ptr b);
+  // a1 - a2 = b1 - b2.
+  bool equal_differences(term_ptr a1, term_ptr a2, term_ptr b1, term_ptr b2);
+
+ private:
+  rational_domain domain_;
+  expression_reader<rational_domain> reader_;
+};
+
+}  // namespace vetro

@@ -1,0 +1,244 @@
+// The equality test on terms: terms first, then fingerprints, then exact forms. Nearly all comparisons that fail end at
+// the fingerprints, which are remembered for each term as long as the process lives; that changes no answer.
+#include <algorithm>
+#include <memory>
+#include <optional>
+#include <unordered_map>
+#include <utility>
+
+#include "number/limits.h"
+#include "qv_solver_list/algebra/expression_reader.h"
+#include "qv_solver_list/algebra/fingerprint.h"
+#include "qv_solver_list/algebra/poly_rat_eqb.h"
+#include "qv_solver_list/algebra/rational_domain.h"
+#include "qv_solver_list/solvers.h"
+#include "term/compare.h"
+#include "term/state.h"
+#include "term/term_split_combine.h"
+
+namespace vetro {
+namespace {
+
+// Parts of a term on which calculating is no proof.
+struct term_marks {
+  bool ellipsis = false;        // 1 + 2 + ... + n is not 3 + ... + n
+  std::uint8_t infinite = 0;    // occurrences of infinity; 2 means several
+  std::uint8_t asymptotic = 0;  // occurrences of Landau symbols; 2 means several
+
+  void absorb(const term_marks& part) {
+    ellipsis = ellipsis || part.ellipsis;
+    infinite = static_cast<std::uint8_t>(std::min(infinite + part.infinite, 2));
+    asymptotic = static_cast<std::uint8_t>(std::min(asymptotic + part.asymptotic, 2));
+  }
+};
+
+struct pair_hash {
+  std::size_t operator()(const std::pair<term_ptr, term_ptr>& pair) const {
+    return pair.first->hash() * 31 + pair.second->hash();
+  }
+};
+
+// What comparisons found out about terms. Each entry follows from the terms alone.
+struct comparison_memory {
+  fingerprint_domain prints;
+  std::unordered_map<term_ptr, term_marks> marks;
+  std::unordered_map<std::pair<term_ptr, term_ptr>, bool, pair_hash> answers;
+};
+
+comparison_memory& memory() {
+  std::shared_ptr<void>& slot = state().comparisons;
+  if (slot == nullptr) {
+    slot = std::make_shared<comparison_memory>();
+  }
+  return *static_cast<comparison_memory*>(slot.get());
+}
+
+// Forgets everything when much is remembered beside two such terms. What belongs to these may stay, so that the
+// comparisons of all subterms of a large term do not read it anew each time.
+void limit_memory(term_ptr a, term_ptr b) {
+  const comparison_memory& known = memory();
+  const std::size_t entries = known.prints.remembered() + known.marks.size() + known.answers.size();
+  if (entries > limits::poly_remembered + 2 * (std::size_t{a->size()} + b->size())) {
+    state().comparisons.reset();
+  }
+}
+
+term_marks marks_of_leaf(term_ptr t) {
+  term_marks marks;
+  if (t->type() == Const) {
+    const const_type kind = t->constant();
+    marks.ellipsis = kind == Ellipsis;
+    marks.infinite = kind == Infty || kind == PosInfty || kind == NegInfty ? 1 : 0;
+  } else if (t->type() == Oper) {
+    marks.asymptotic = t->oper() >= BigO && t->oper() <= RightLittleO ? 1 : 0;
+  }
+  return marks;
+}
+
+term_marks marks_of(term_ptr t, std::unordered_map<term_ptr, term_marks>& known) {
+  if (t->children().empty()) {
+    return marks_of_leaf(t);
+  }
+  const auto found = known.find(t);
+  if (found != known.end()) {
+    return found->second;
+  }
+  term_marks marks;
+  for (term_ptr part : t->children()) {
+    if (part != nullptr) {
+      marks.absorb(marks_of(part, known));
+    }
+  }
+  known.emplace(t, marks);
+  return marks;
+}
+
+fingerprint print_of(term_ptr t) { return expression_reader<fingerprint_domain>(memory().prints).read(t); }
+
+// The exact comparison would certainly fail.
+bool certainly_open(const fingerprint& a, const fingerprint& b) {
+  return a.fails || b.fails || (a.has_value && b.has_value && a.value != b.value);
+}
+
+// Calculating with these marks on the two sides proves something.
+bool calculable(const term_marks& a, const term_marks& b) {
+  return !a.ellipsis && !b.ellipsis && a.asymptotic <= 1 && b.asymptotic <= 1;
+}
+
+}  // namespace
+
+bool poly_rat_eqb(term_ptr a, term_ptr b) {
+  if (a == nullptr || b == nullptr) {
+    return false;
+  }
+  if (term_eqb(a, b)) {
+    return true;
+  }
+  limit_memory(a, b);
+  if (certainly_open(print_of(a), print_of(b))) {
+    return false;
+  }
+  comparison_memory& known = memory();
+  if (!calculable(marks_of(a, known.marks), marks_of(b, known.marks))) {
+    return false;
+  }
+  const auto answer = known.answers.find({a, b});
+  if (answer != known.answers.end()) {
+    return answer->second;
+  }
+  const bool equal = rational_forms().equal(a, b);
+  known.answers.emplace(std::pair(a, b), equal);
+  return equal;
+}
+
+bool solver_poly_rat_eqb(term_ptr target, const solve_data& /*sdata*/) {
+  const auto relation = pred_split(target);
+  if (!relation || (relation->pred != Eq && relation->pred != Le && relation->pred != Ge)) {
+    return false;
+  }
+  return poly_rat_eqb(relation->left, relation->right);
+}
+
+// ---- From an assumption.
+
+namespace {
+
+enum decision_rel_type : std::uint8_t { decision_rel_eq = 1, decision_rel_lt = 2, decision_rel_le = 3 };
+
+// left - right rel 0.
+struct decision_normal_form {
+  decision_rel_type rel;
+  term_ptr left;
+  term_ptr right;
+};
+
+std::optional<decision_normal_form> decision_normalize_atomic(term_ptr t) {
+  const auto relation = pred_split(t);
+  if (!relation) {
+    return std::nullopt;
+  }
+  const auto& [pred, left, right] = *relation;
+  switch (pred) {
+    case Eq:
+      return decision_normal_form{decision_rel_eq, left, right};
+    case Gt:
+      return decision_normal_form{decision_rel_lt, right, left};
+    case Ge:
+      return decision_normal_form{decision_rel_le, right, left};
+    case Lt:
+      return decision_normal_form{decision_rel_lt, left, right};
+    case Le:
+      return decision_normal_form{decision_rel_le, left, right};
+    default:
+      return std::nullopt;
+  }
+}
+
+fingerprint print_of_difference(term_ptr a, term_ptr b) {
+  const fingerprint left = print_of(a);
+  const fingerprint right = print_of(b);
+  const signed_value<fingerprint> difference[] = {{left, false}, {right, true}};
+  return fingerprint_sum(difference);
+}
+
+// goal.left - goal.right equals left - right.
+bool differences_equal(const decision_normal_form& goal, term_ptr left, term_ptr right, rational_forms& forms) {
+  if (term_eqb(goal.left, left) && term_eqb(goal.right, right)) {
+    return true;
+  }
+  const fingerprint of_goal = print_of_difference(goal.left, goal.right);
+  if (certainly_open(of_goal, print_of_difference(left, right))) {
+    return false;
+  }
+  auto& known = memory().marks;
+  term_marks goal_marks = marks_of(goal.left, known);
+  goal_marks.absorb(marks_of(goal.right, known));
+  term_marks marks = marks_of(left, known);
+  marks.absorb(marks_of(right, known));
+  if (!calculable(goal_marks, marks)) {
+    return false;
+  }
+  // infinity + x = infinity + y says nothing about x and y. A single infinite part can't cancel.
+  if (goal_marks.infinite > 1 || marks.infinite > 1) {
+    return forms.equal(goal.left, left) && forms.equal(goal.right, right);
+  }
+  return forms.equal_differences(goal.left, goal.right, left, right);
+}
+
+bool decision_forms_match(const decision_normal_form& goal, const decision_normal_form& assumed,
+                          rational_forms& forms) {
+  if (goal.rel != assumed.rel) {
+    return false;
+  }
+  return differences_equal(goal, assumed.left, assumed.right, forms) ||
+         (goal.rel == decision_rel_eq && differences_equal(goal, assumed.right, assumed.left, forms));
+}
+
+bool assumption_matches(const decision_normal_form& goal, term_ptr assumption, rational_forms& forms) {
+  for (term_ptr conjunct : split_connect(assumption, And)) {
+    for (term_ptr link : long_order_split(conjunct)) {
+      const auto form = decision_normalize_atomic(link);
+      if (form && decision_forms_match(goal, *form, forms)) {
+        return true;
+      }
+    }
+  }
+  return false;
+}
+
+}  // namespace
+
+// All assumptions share the forms, so that the target is expanded once and one budget holds for the whole call.
+bool solver_context_poly_rat(term_ptr target, const solve_data& sdata) {
+  const auto goal = decision_normalize_atomic(target);
+  if (!goal) {
+    return false;
+  }
+  limit_memory(goal->left, goal->right);
+  rational_forms forms;
+  return std::any_of(sdata.assum.begin(), sdata.assum.end(), [&](term_ptr assumption) {
+    return assumption != nullptr && assumption_matches(*goal, assumption, forms);
+  });
+}
+
+}  // namespace vetro

@@ -1,0 +1,165 @@
+// Propositional reasoning: assumptions and negated target become clauses over opaque atoms, and the target is proved
+// when these are unsatisfiable.
+//
+// Every term whose head is no connective is an atom, quantified formulas included. Two terms are one atom when they are
+// equal up to bound names, or when they are written alike (the same structure, names and scopes, whatever is recorded
+// about implicit binders). Terms that merely print alike in mathematical notation are different atoms.
+#include <optional>
+#include <unordered_map>
+
+#include "number/limits.h"
+#include "qv_solver_list/logic/propositional.h"
+#include "qv_solver_list/set/cnf.h"
+#include "qv_solver_list/solver_preprocess.h"
+#include "qv_solver_list/solvers.h"
+#include "term/term_split_combine.h"
+#include "term/traverse.h"
+
+namespace vetro {
+namespace {
+
+// Terms as they are written: without what is recorded about implicit binders. Scopes are written, so that only terms
+// with scopes have to be walked; their nodes may be shared, and each is walked once.
+class writing {
+ public:
+  term_ptr of(term_ptr t) {
+    if (!t->has(fact_meta)) {
+      return t;
+    }
+    if (!t->has(fact_scope)) {
+      return t->bare();
+    }
+    if (const auto found = known_.find(t); found != known_.end()) {
+      return found->second;
+    }
+    term_ptr written =
+        map_children(t, walk_children | walk_scope | always_rebuild, [this](term_ptr part) { return of(part); });
+    known_.emplace(t, written);
+    return written;
+  }
+
+ private:
+  std::unordered_map<term_ptr, term_ptr> known_;
+};
+
+// Numbers the atoms of one question, from 1 in order of first occurrence.
+class atom_table {
+ public:
+  int id(term_ptr atom) {
+    term_ptr written = writing_.of(atom);
+    if (const auto found = by_text_.find(written); found != by_text_.end()) {
+      return found->second;
+    }
+    const int number = id_up_to_names(atom);
+    by_text_.emplace(written, number);
+    return number;
+  }
+  int count() const { return count_; }
+
+ private:
+  int id_up_to_names(term_ptr atom) {
+    if (!atom->has(fact_binding)) {
+      return ++count_;
+    }
+    const auto [found, inserted] = by_meaning_.try_emplace(atom, count_ + 1);
+    count_ += inserted ? 1 : 0;
+    return found->second;
+  }
+
+  int count_ = 0;
+  writing writing_;
+  std::unordered_map<term_ptr, int> by_text_;
+  std::unordered_map<term_ptr, int, alpha_hasher, alpha_equal> by_meaning_;  // of atoms that bind something
+};
+
+std::optional<sat_term_type> binary_connective(connect_type connect) {
+  switch (connect) {
+    case And:
+      return SAT_AND;
+    case Or:
+      return SAT_OR;
+    case Impl:
+      return SAT_IMPLY;
+    case Iff:
+      return SAT_IFF;
+    case Not:
+      break;
+  }
+  return std::nullopt;
+}
+
+// Assumptions and target as one formula. Every step gives the position of its node, or nothing when a term is missing
+// or the formula has grown beyond its limit.
+class propositional_problem {
+ public:
+  using position = std::optional<int>;
+
+  position translate(term_ptr t) {
+    if (t == nullptr || formula_.nodes().size() >= limits::propositional_nodes) {
+      return std::nullopt;
+    }
+    const auto view = composed_prop_split(t);
+    if (view && view->connect == Not && view->t2 == nullptr) {
+      return negation(translate(view->t1));
+    }
+    const auto type = view && view->t2 != nullptr ? binary_connective(view->connect) : std::nullopt;
+    if (!type) {
+      return formula_.atom(atoms_.id(t));
+    }
+    const position left = translate(view->t1);
+    const position right = left ? translate(view->t2) : std::nullopt;
+    return connective(*type, left, right);
+  }
+
+  position negation(position operand) { return operand ? position(formula_.negation(*operand)) : std::nullopt; }
+
+  position connective(sat_term_type type, position left, position right) {
+    return left && right ? position(formula_.connective(type, *left, *right)) : std::nullopt;
+  }
+
+  cdcl_result solve() const {
+    sat_data s = init_solver(build_cnf(formula_, atoms_.count()));
+    return cdcl_solver(s);
+  }
+
+ private:
+  sat_formula formula_;
+  atom_table atoms_;
+};
+
+}  // namespace
+
+sat_answer propositional_answer(term_span assum, term_ptr target) {
+  propositional_problem problem;
+  const auto opened = [&](term_ptr t) { return problem.translate(solver_preprocess_expand_tuple_equalities(t)); };
+  // Not(Impl(And(And(a1, a2), ...), target)), or Not(target): opening tuples part by part opens them in the whole.
+  std::optional<int> premises;
+  for (std::size_t i = 0; i < assum.size(); ++i) {
+    const auto assumption = opened(assum[i]);
+    premises = i == 0 ? assumption : problem.connective(SAT_AND, premises, assumption);
+    if (!premises) {
+      return sat_answer::undecided;
+    }
+  }
+  const auto goal = opened(target);
+  const auto refuted = problem.negation(assum.empty() ? goal : problem.connective(SAT_IMPLY, premises, goal));
+  if (!refuted) {
+    return sat_answer::undecided;
+  }
+  switch (problem.solve()) {
+    case cdcl_unsat:
+      return sat_answer::proved;
+    case cdcl_sat:
+      return sat_answer::open;
+    case cdcl_exhausted:
+      break;
+  }
+  return sat_answer::undecided;
+}
+
+// Proves what the assumptions imply by propositional reasoning alone.
+bool solver_sat(term_ptr target, const solve_data& sdata) {
+  return propositional_answer(sdata.assum, target) == sat_answer::proved;
+}
+
+}  // namespace vetro

@@ -1,0 +1,94 @@
+// What stands between a solver and those who ask it: the installed rows, the budget of a call, the index of
+// assumptions.
+#include "qv_solver_list/solver.h"
+
+#include <algorithm>
+#include <new>
+
+#include "number/limits.h"
+#include "term/state.h"
+
+namespace vetro {
+namespace {
+
+// Not part of the process state that tests start afresh: the rows are code.
+std::span<const solver_row>& installed_rows() {
+  static std::span<const solver_row> rows;
+  return rows;
+}
+
+// Bounds the terms that one solver call may build. The factory ends a call that goes beyond with std::bad_alloc, like
+// one that runs out of memory, so both end in the same handler.
+class factory_budget {
+ public:
+  factory_budget() : outer_(state().store.call_limit()) {
+    state().store.set_call_limit(std::min(outer_, state().store.calls() + limits::solver_factory_calls));
+  }
+  ~factory_budget() { state().store.set_call_limit(outer_); }
+  factory_budget(const factory_budget&) = delete;
+  factory_budget& operator=(const factory_budget&) = delete;
+
+ private:
+  std::uint64_t outer_;
+};
+
+}  // namespace
+
+void install_solvers(std::span<const solver_row> rows) { installed_rows() = rows; }
+
+solver_decide find_solver(solver_id id) {
+  const auto place = static_cast<std::size_t>(id);
+  return place < installed_rows().size() ? installed_rows()[place].solve : nullptr;
+}
+
+solver_decide find_dsl_named_solver(std::string_view solver_name) {
+  const auto rows = installed_rows();
+  const auto row = std::find_if(rows.begin(), rows.end(), [&](const solver_row& solver) {
+    return !solver.name.empty() && solver.name == solver_name;
+  });
+  return row == rows.end() ? nullptr : row->solve;
+}
+
+bool assumption_index::contains(const term_list& assum, term_ptr t) {
+  if (asked_ && position_.empty()) {
+    indexed_ = assum;
+    for (std::size_t i = 0; i < assum.size(); ++i) {
+      position_.emplace(assum[i], i);
+    }
+  }
+  asked_ = true;
+  const auto found = position_.find(t);
+  if (found != position_.end() && found->second < assum.size() && term_eqb(assum[found->second], t)) {
+    return true;
+  }
+  if (!position_.empty() && assum == indexed_) {
+    return false;
+  }
+  return std::any_of(assum.begin(), assum.end(), [t](term_ptr known) { return term_eqb(known, t); });
+}
+
+bool call_decision_solver(solver_decide solve, term_ptr target, const solve_data& sdata) {
+  if (solve == nullptr) {
+    return false;
+  }
+  try {
+    const factory_budget budget;
+    return solve(target, sdata);
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
+}
+
+solve_res call_one_step_solver(solver_func_t solve, const solver_args& args) {
+  if (solve == nullptr) {
+    return {};
+  }
+  try {
+    const factory_budget budget;
+    return solve(args);
+  } catch (const std::bad_alloc&) {
+    return {};
+  }
+}
+
+}  // namespace vetro

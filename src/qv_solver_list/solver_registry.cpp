@@ -1,0 +1,59 @@
+// Adding a solver is its file, its declaration and its row here.
+#include "qv_solver_list/solver_registry.h"
+
+#include <algorithm>
+#include <array>
+
+#include "qv_solver_list/solvers.h"
+
+namespace vetro {
+namespace {
+
+constexpr std::array decision_solvers = std::to_array<solver_row>({
+    {solver_id::eqb, "EqbSolver", solver_eqb},                                       // 0
+    {solver_id::reflexivity, "Reflexivity", solver_reflexivity},                     // 1
+    {solver_id::context_poly_rat, "ContextPolyRatSolver", solver_context_poly_rat},  // 2
+    {solver_id::func_apply, "FunctionApplySolver", nullptr},                         // 3
+    {solver_id::deriv, "DerivSolver", nullptr},                                      // 4
+    {solver_id::continuous_func, "ContinuousFuncSolver", nullptr},                   // 5
+    {solver_id::integrable_func, "IntegrableFuncSolver", nullptr},                   // 6
+    {solver_id::const_type, "ConstTypeSolver", nullptr},                             // 7
+    {solver_id::domain_type, "", nullptr},                                           // 8
+    {solver_id::integral, "IntegralSolver", nullptr},                                // 9
+    {solver_id::eval_bar, "EvalBarSolver", nullptr},                                 // 10
+    {solver_id::rootfrac, "RootFracSolver", nullptr},                                // 11
+    {solver_id::numeric_calc, "", nullptr},                                          // 12
+    {solver_id::limit_calc, "LimitCalcSolver", nullptr},                             // 13
+    {solver_id::root_power, "RootPowerSolver", nullptr},                             // 14
+    {solver_id::poly_rat, "PolyRatSolver", solver_poly_rat_eqb},                     // 15
+    {solver_id::sat, "", solver_sat},                                                // 16
+    {solver_id::interval, "IntervalSolver", nullptr},                                // 17
+    {solver_id::squeeze, "SqueezeSolver", nullptr},                                  // 18
+    {solver_id::sgn, "SgnSolver", nullptr},                                          // 19
+    {solver_id::smt_lra, "SmtLraSolver", nullptr},                                   // 20
+    {solver_id::sgn_pure, "SgnPureSolver", nullptr},                                 // 21
+});
+
+consteval bool rows_stand_at_their_ids() {
+  for (std::size_t i = 0; i < decision_solvers.size(); ++i) {
+    if (static_cast<std::size_t>(decision_solvers[i].id) != i) {
+      return false;
+    }
+  }
+  return decision_solvers.size() >= battery_size;
+}
+static_assert(rows_stand_at_their_ids());
+
+constexpr std::array<solver_func_t, 3> one_step_solvers_traditional = {{
+    solver_or_split,            // 0
+    solver_bwd_saturation_set,  // 1
+    solver_shape_simpl,         // 2
+}};
+
+}  // namespace
+
+std::span<const solver_row> solver_registry() { return decision_solvers; }
+
+std::span<const solver_func_t> one_step_solvers() { return one_step_solvers_traditional; }
+
+}  // namespace vetro

@@ -1,0 +1,20 @@
+// The functions of the solvers, as the registry lists them. Each stands in a file of its own name.
+#pragma once
+
+#include "qv_solver_list/solver.h"
+
+namespace vetro {
+
+// Decision solvers.
+bool solver_eqb(term_ptr target, const solve_data& sdata);
+bool solver_reflexivity(term_ptr target, const solve_data& sdata);
+bool solver_context_poly_rat(term_ptr target, const solve_data& sdata);
+bool solver_poly_rat_eqb(term_ptr target, const solve_data& sdata);
+bool solver_sat(term_ptr target, const solve_data& sdata);
+
+// One-step solvers.
+solve_res solver_or_split(const solver_args& args);
+solve_res solver_bwd_saturation_set(const solver_args& args);
+solve_res solver_shape_simpl(const solver_args& args);
+
+}  // namespace vetro
