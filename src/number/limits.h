@@ -38,6 +38,10 @@ inline constexpr int apply_undecided = 8;
 // second and some 100 MB at most. The identities that people write need some hundred; (x1 + ... + x5)^20 needs 200,000.
 inline constexpr std::uint64_t poly_work = 2'000'000;
 
+// Bits of the numerator and of the denominator of an exact rational: 20,000 digits. Real proofs need some hundred; one
+// product of two such numbers takes about a tenth of a millisecond, and GMP's temporary memory for it is on the stack.
+inline constexpr std::size_t exact_bits = 65'536;
+
 // Facts about terms and pairs of terms that comparisons remember, beside those of the terms at hand; about 100 bytes
 // each.
 inline constexpr std::size_t poly_remembered = 200'000;
