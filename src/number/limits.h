@@ -46,6 +46,10 @@ inline constexpr std::size_t exact_bits = 65'536;
 // each.
 inline constexpr std::size_t poly_remembered = 200'000;
 
+// Distinct subterms that one computation of derivatives may look at, those of all orders together. The derivative of a
+// page of formulas looks at some hundred; this is some tenths of a second.
+inline constexpr std::uint64_t derivative_steps = 100'000;
+
 // Differentials and Landau terms that one preparation of a formula may look at, counted for each integral or equation
 // around them: 3,000 nested integrals over different variables. About a second and 100 MB.
 inline constexpr std::uint64_t collected_binders = 4'000'000;
