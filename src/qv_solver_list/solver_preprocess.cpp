@@ -13,6 +13,7 @@
 
 #include "lib/walk_memo.h"
 #include "qv_solver_list/enriched_list.h"
+#include "term/number_set.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
@@ -97,41 +98,14 @@ term_ptr interval_as_comparisons(term_ptr element, term_ptr set, position /*wher
   return nullptr;
 }
 
-enum class strength : unsigned char { same, weaker };  // the comparison, beside the membership of a real
-
-struct const_set_row {
-  const_type set;
-  pred_type pred;
-  int bound;
-  strength says;
-};
-
-constexpr std::array<const_set_row, 12> const_set_rows = {{
-    {PosIntegerSet, Ge, 1, strength::weaker},
-    {NegIntegerSet, Le, -1, strength::weaker},
-    {NonPosIntegerSet, Le, 0, strength::weaker},
-    {NonPosRationalSet, Le, 0, strength::weaker},
-    {NonPosRealSet, Le, 0, strength::same},
-    {NonNegIntegerSet, Ge, 0, strength::weaker},
-    {NonNegRationalSet, Ge, 0, strength::weaker},
-    {NonNegRealSet, Ge, 0, strength::same},
-    {PosRationalSet, Gt, 0, strength::weaker},
-    {PosRealSet, Gt, 0, strength::same},
-    {NegRationalSet, Lt, 0, strength::weaker},
-    {NegRealSet, Lt, 0, strength::same},
-}};
-
+// A comparison says as much as the membership of a real, where the set is one of reals.
 term_ptr const_set_as_comparison(term_ptr element, term_ptr set, position where) {
-  if (set->type() != Const) {
+  const auto named = number_set_of(set);
+  const auto says = named ? comparison_of(*named) : std::nullopt;
+  if (!says || (named->c != number_class::real && where != position::positive)) {
     return nullptr;
   }
-  for (const const_set_row& row : const_set_rows) {
-    if (set->constant() == row.set) {
-      const bool follows = row.says == strength::same || where == position::positive;
-      return follows ? comparison(row.pred, element, mk_integer(row.bound)) : nullptr;
-    }
-  }
-  return nullptr;
+  return comparison(says->pred, element, mk_integer(says->bound));
 }
 
 // ---- Equations of tuples.
@@ -197,13 +171,7 @@ struct enrichment_cache {
   std::size_t uses = 0;
 };
 
-enrichment_cache& cache() {
-  std::shared_ptr<void>& slot = state().enrichment;
-  if (slot == nullptr) {
-    slot = std::make_shared<enrichment_cache>();
-  }
-  return *static_cast<enrichment_cache*>(slot.get());
-}
+enrichment_cache& cache() { return state().slots.of<enrichment_cache>(); }
 
 // The conjuncts of the rewritten assumption that are not the assumption itself; null when a step failed.
 const term_list* derived_facts(term_ptr assumption) {

@@ -13,8 +13,6 @@ bool contains_bare(term_span list, term_ptr var) {
   return std::any_of(list.begin(), list.end(), [var](term_ptr t) { return t->bare() == var->bare(); });
 }
 
-bool is_big_operator(oper_type oper) { return oper >= BigSum && oper <= BigInterSup; }
-
 bool names_index_on_the_left(pred_type pred) {
   return pred == Eq || pred == IdentEq || pred == Belong || pred == Subset || pred == Divides;
 }

@@ -380,6 +380,26 @@ inline constexpr int pred_type_count = Defined - PredChain + 1;
 static_assert(Ellipsis == 27 && RadiusOfConvergence == 168 && Defined == 309 && Iff == 314 && ExistsUnique == 317);
 static_assert(PatternIgnore == 326 && Pattern == 337 && CustomMethod == 352);
 
+// ---- Families. Each is a run of numbers.
+
+constexpr bool is_interval(oper_type oper) { return oper >= IntervalLoRo && oper <= IntervalLcRc; }
+constexpr bool is_big_operator(oper_type oper) { return oper >= BigSum && oper <= BigInterSup; }
+// Big operators with an upper bound beside the lower part: every second one.
+constexpr bool has_upper_bound(oper_type oper) { return is_big_operator(oper) && (oper - BigSum) % 2 == 1; }
+constexpr bool is_sequence_limit(oper_type oper) { return oper >= SeqLim && oper <= RightSeqLimInf; }
+constexpr bool is_limit(oper_type oper) { return oper >= SeqLim && oper <= RightLimInf; }
+constexpr bool is_integral(oper_type oper) { return oper >= IndefInt && oper <= VolumeInt; }
+constexpr bool is_landau(oper_type oper) { return oper >= BigO && oper <= RightLittleO; }
+constexpr bool is_infinity(const_type kind) { return kind >= Infty && kind <= NegInfty; }
+constexpr bool is_number_set(const_type kind) { return kind >= IntegerSet && kind <= ComplexSet; }
+// Tendencies and equivalences: x → a, and those that name their index.
+constexpr bool is_tendency(pred_type pred) { return pred >= TendsToWithoutIndex && pred <= RightAsymEquiv; }
+constexpr bool has_tendency_index(pred_type pred) { return pred >= SeqTendsTo && pred <= RightAsymEquiv; }
+
+static_assert(BigSumSup == BigSum + 1 && BigInterSup == BigInter + 1 && BigInterSup == BigSum + 7);
+static_assert(RightSeqLimInf == SeqLim + 8 && Lim == RightSeqLimInf + 1 && RightLimInf == Lim + 8);
+static_assert(RightLittleO == BigO + 5 && VolumeInt == IndefInt + 6 && RightAsymEquiv == TendsToWithoutIndex + 11);
+
 // One row for each enumerator that has a printed name, in the order of the numbers.
 struct name_row {
   int number;

@@ -7,6 +7,7 @@
 #include <unordered_map>
 
 #include "term/ast.h"
+#include "term/memo.h"
 
 namespace vetro {
 
@@ -18,11 +19,10 @@ struct process_state {
   term_store store;
   std::unique_ptr<pattern_cache> patterns;
   std::unordered_map<term_ptr, std::uint64_t> alpha_hashes;  // of the terms with bindings that were asked for
-  std::shared_ptr<void> comparisons;  // what equality tests of expressions found out; owned by the solver layer
-  std::shared_ptr<void> enrichment;   // what assumptions were found to say; owned by the solver layer
-  std::unordered_map<term_ptr, std::uint8_t> whole_parts;  // of large terms, as whole_parts.cpp found them
-  int fresh_counter = 0;                                   // fresh(): never goes back
-  int placeholder_counter = 1000000000;                    // "qvar" numbers of get_prop
+  std::unordered_map<term_ptr, std::uint8_t> whole_parts;    // of large terms, as whole_parts.cpp found them
+  typed_slots slots;                                         // what layers above remember, each type for its owner
+  int fresh_counter = 0;                                     // fresh(): never goes back
+  int placeholder_counter = 1000000000;                      // "qvar" numbers of get_prop
 };
 
 // The state of this process.

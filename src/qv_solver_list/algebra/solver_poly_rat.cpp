@@ -45,13 +45,7 @@ struct comparison_memory {
   std::unordered_map<std::pair<term_ptr, term_ptr>, bool, pair_hash> answers;
 };
 
-comparison_memory& memory() {
-  std::shared_ptr<void>& slot = state().comparisons;
-  if (slot == nullptr) {
-    slot = std::make_shared<comparison_memory>();
-  }
-  return *static_cast<comparison_memory*>(slot.get());
-}
+comparison_memory& memory() { return state().slots.of<comparison_memory>(); }
 
 // Forgets everything when much is remembered beside two such terms. What belongs to these may stay, so that the
 // comparisons of all subterms of a large term do not read it anew each time.
@@ -59,7 +53,7 @@ void limit_memory(term_ptr a, term_ptr b) {
   const comparison_memory& known = memory();
   const std::size_t entries = known.prints.remembered() + known.marks.size() + known.answers.size();
   if (entries > limits::poly_remembered + 2 * (std::size_t{a->size()} + b->size())) {
-    state().comparisons.reset();
+    state().slots.forget<comparison_memory>();
   }
 }
 

@@ -153,9 +153,9 @@ TEST_F(preprocess, EnrichmentFollowsAListThatGrowsShrinksAndChanges) {
         list.push_back(pool[draw(pool.size())]);
     }
     const term_list followed = enriched(list);
-    const std::shared_ptr<void> kept = std::exchange(state().enrichment, nullptr);
+    typed_slots kept = std::exchange(state().slots, {});
     ASSERT_EQ(followed, enriched(list)) << shown(list);
-    state().enrichment = kept;
+    state().slots = std::move(kept);
   }
 }
 
