@@ -145,7 +145,7 @@ void known_assumptions(benchmark::State& bench) {
   solve_data sdata;
   sdata.assum = unrelated_assumptions(static_cast<int>(bench.range(0)));
   for (auto _ : bench) {
-    sdata.index = std::make_shared<assumption_index>();
+    sdata.facts = nullptr;
     for (term_ptr t : sdata.assum) {
       if (!solver_eqb(t, sdata)) {
         bench.SkipWithError("wrong answer");

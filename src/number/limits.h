@@ -54,6 +54,14 @@ inline constexpr std::uint64_t derivative_steps = 100'000;
 // around them: 3,000 nested integrals over different variables. About a second and 100 MB.
 inline constexpr std::uint64_t collected_binders = 4'000'000;
 
+// Premises whose proofs may be under way inside one another. Definitions that rest on definitions nest a few deep.
+inline constexpr std::size_t premise_depth = 64;
+
+// Answers of side solvers that one list of assumptions keeps, and closed expressions whose value the run keeps; about
+// 100 bytes each.
+inline constexpr std::size_t premises_remembered = 200'000;
+inline constexpr std::size_t constants_remembered = 200'000;
+
 // Entries of the formula reader's stack: at the start, and at most.
 inline constexpr std::int64_t parse_stack_initial = 200;
 inline constexpr std::int64_t parse_stack = 1'000'000;

@@ -53,7 +53,7 @@ void enriched_list::publish() {
       result_.push_back(derived.fact);
     }
   }
-  index_ = std::make_shared<assumption_index>();
+  facts_ = std::make_shared<assumption_facts>(result_);
 }
 
 }  // namespace vetro

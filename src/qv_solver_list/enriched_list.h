@@ -8,7 +8,7 @@
 #include <unordered_map>
 #include <vector>
 
-#include "qv_solver_list/solver.h"
+#include "qv_solver_list/assumption_facts.h"
 
 namespace vetro {
 
@@ -25,7 +25,7 @@ class enriched_list {
 
   // The assumptions, then each derived fact that equals none of them and no earlier fact, up to bound names.
   const term_list& result() const { return result_; }
-  const std::shared_ptr<assumption_index>& index() const { return index_; }
+  const std::shared_ptr<assumption_facts>& facts() const { return facts_; }
 
  private:
   static constexpr std::size_t nowhere = std::numeric_limits<std::size_t>::max();
@@ -49,16 +49,16 @@ class enriched_list {
   std::unordered_map<term_ptr, places, alpha_hasher, alpha_equal> known_;
   std::vector<derived_fact> derived_;  // one for each formula, in the order of the assumptions
   term_list result_;
-  std::shared_ptr<assumption_index> index_;
+  std::shared_ptr<assumption_facts> facts_;
 };
 
 template <class FactsOf>
 bool enriched_list::follow(const term_list& list, FactsOf facts_of) {
   const std::size_t kept = common_beginning(list);
-  if (kept == list.size() && kept == source_.size() && index_ != nullptr) {
+  if (kept == list.size() && kept == source_.size() && facts_ != nullptr) {
     return true;
   }
-  index_ = nullptr;
+  facts_ = nullptr;
   while (source_.size() > kept) {
     remove_last();
   }

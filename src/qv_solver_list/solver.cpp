@@ -1,5 +1,4 @@
-// What stands between a solver and those who ask it: the installed rows, the budget of a call, the index of
-// assumptions.
+// What stands between a solver and those who ask it: the installed rows, the budget of a call.
 #include "qv_solver_list/solver.h"
 
 #include <algorithm>
@@ -47,24 +46,6 @@ solver_decide find_dsl_named_solver(std::string_view solver_name) {
     return !solver.name.empty() && solver.name == solver_name;
   });
   return row == rows.end() ? nullptr : row->solve;
-}
-
-bool assumption_index::contains(const term_list& assum, term_ptr t) {
-  if (asked_ && position_.empty()) {
-    indexed_ = assum;
-    for (std::size_t i = 0; i < assum.size(); ++i) {
-      position_.emplace(assum[i], i);
-    }
-  }
-  asked_ = true;
-  const auto found = position_.find(t);
-  if (found != position_.end() && found->second < assum.size() && term_eqb(assum[found->second], t)) {
-    return true;
-  }
-  if (!position_.empty() && assum == indexed_) {
-    return false;
-  }
-  return std::any_of(assum.begin(), assum.end(), [t](term_ptr known) { return term_eqb(known, t); });
 }
 
 bool call_decision_solver(solver_decide solve, term_ptr target, const solve_data& sdata) {

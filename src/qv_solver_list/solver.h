@@ -10,29 +10,15 @@
 #include <memory>
 #include <span>
 #include <string_view>
-#include <unordered_map>
 
 #include "lib/log_stream.h"
 #include "lib/proof_gap.h"
 #include "lib/thm_lib.h"
 #include "term/ast.h"
-#include "term/compare.h"
 
 namespace vetro {
 
-// Answers "is this one of the assumptions, up to bound names?" for one list of assumptions. The first question is
-// answered by a scan, because most records are asked once; the second builds a table. An answer never rests on the
-// table alone, so that an index which came along with a changed copy of a record does no harm: a hit is checked against
-// the list, and a miss counts only while the list is the one that the table was built from.
-class assumption_index {
- public:
-  bool contains(const term_list& assum, term_ptr t);
-
- private:
-  bool asked_ = false;
-  term_list indexed_;
-  std::unordered_map<term_ptr, std::size_t, alpha_hasher, alpha_equal> position_;
-};
+class assumption_facts;
 
 // The solver's view of a proof state.
 struct solve_data {
@@ -40,7 +26,8 @@ struct solve_data {
   term_ptr target = nullptr;  // what the calling instruction started from
   const thm_lib* lib = nullptr;
   log_stream* log_file = nullptr;
-  std::shared_ptr<assumption_index> index = nullptr;  // set by the dispatcher; derived from assum
+  // What assum says, as assumption_facts.h gives it; made when it is first asked for.
+  mutable std::shared_ptr<assumption_facts> facts = nullptr;
 };
 
 enum res_type : unsigned char { bool_res = 0, termlist_and = 1, termlist_or = 2 };

@@ -224,7 +224,7 @@ bool solver_preprocess_build_augmented_sdata(const solve_data& src, solve_data& 
     return false;
   }
   dst.assum = list.result();
-  dst.index = list.index();
+  dst.facts = list.facts();
   return true;
 }
 

@@ -1,21 +1,12 @@
 // The target is one of the assumptions, or a relation of a term to itself.
-#include <algorithm>
-
+#include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/solvers.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
 
 // Proves what stands among the assumptions, up to bound names.
-bool solver_eqb(term_ptr target, const solve_data& sdata) {
-  if (target == nullptr) {
-    return false;
-  }
-  if (sdata.index != nullptr) {
-    return sdata.index->contains(sdata.assum, target);
-  }
-  return std::any_of(sdata.assum.begin(), sdata.assum.end(), [&](term_ptr known) { return term_eqb(known, target); });
-}
+bool solver_eqb(term_ptr target, const solve_data& sdata) { return target != nullptr && is_assumption(target, sdata); }
 
 // Proves t = t, t >= t, t <= t and t ⊆ t.
 bool solver_reflexivity(term_ptr target, const solve_data& /*sdata*/) {

@@ -12,6 +12,7 @@
 #include "qv_solver_list/set/cnf.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "qv_solver_list/solvers.h"
+#include "term/compare.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
 

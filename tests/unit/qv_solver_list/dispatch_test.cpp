@@ -163,7 +163,6 @@ TEST_F(dispatch, OneStepResults) {
 
 TEST_F(dispatch, TheIndexFollowsTheAssumptions) {
   solve_data sdata = given({"a = 1", "forall (x), x > 0"});
-  sdata.index = std::make_shared<assumption_index>();
   for (int question = 0; question < 3; ++question) {  // a scan first, a table later
     EXPECT_TRUE(solver_eqb(read("forall (y), y > 0"), sdata));
     EXPECT_FALSE(solver_eqb(read("b = 1"), sdata));

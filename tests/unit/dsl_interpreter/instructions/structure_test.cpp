@@ -1,5 +1,6 @@
 // The instructions that change the shape of the gap without calculating: quantifiers, premises, connectives.
 #include "support/handler_fixture.h"
+#include "term/compare.h"
 
 namespace vetro::test {
 namespace {

@@ -1,0 +1,120 @@
+// The tables of a list. The first question whether something is assumed is answered by a scan, because most records are
+// asked once; the second builds a table.
+#include "qv_solver_list/assumption_facts.h"
+
+#include <algorithm>
+
+#include "term/term_split_combine.h"
+
+namespace vetro {
+namespace {
+
+bool is_open_conjunction(term_ptr t, const std::optional<composed_prop>& view) {
+  return view && view->connect == And && view->t2 != nullptr && t->scope() == nullptr;
+}
+
+}  // namespace
+
+bool assumption_facts::describes(term_span assum) const {
+  if (assum.size() < own_.size()) {
+    return false;
+  }
+  const auto rest = assum.size() - own_.size();
+  const bool below_fits = below_ == nullptr ? rest == 0 : below_->describes(assum.first(rest));
+  return below_fits && std::equal(own_.begin(), own_.end(), assum.begin() + static_cast<std::ptrdiff_t>(rest));
+}
+
+void assumption_facts::index_assumptions() {
+  for (std::size_t i = 0; i < own_.size(); ++i) {
+    if (own_[i] != nullptr) {
+      position_.emplace(own_[i], i);
+    }
+  }
+}
+
+bool assumption_facts::holds(term_ptr t) {
+  if (below_ != nullptr && below_->holds(t)) {
+    return true;
+  }
+  if (!asked_) {
+    asked_ = true;
+    return std::any_of(own_.begin(), own_.end(), [t](term_ptr known) { return known && term_eqb(known, t); });
+  }
+  if (position_.empty()) {
+    index_assumptions();
+  }
+  return position_.count(t) != 0;
+}
+
+bool assumption_facts::holds_part(term_ptr t) {
+  if (below_ != nullptr && below_->holds_part(t)) {
+    return true;
+  }
+  if (parts_.empty()) {
+    term_list open;
+    std::copy_if(own_.begin(), own_.end(), std::back_inserter(open), [](term_ptr known) { return known != nullptr; });
+    while (!open.empty()) {
+      term_ptr part = open.back();
+      open.pop_back();
+      const auto view = composed_prop_split(part);
+      if (parts_.insert(part).second && is_open_conjunction(part, view)) {
+        open.insert(open.end(), {view->t1, view->t2});
+      }
+    }
+  }
+  return parts_.count(t) != 0;
+}
+
+std::span<const order_fact> assumption_facts::comparisons() {
+  if (comparisons_ == nullptr) {
+    comparisons_ = std::make_unique<std::vector<order_fact>>();
+    for (term_ptr t : own_) {
+      if (const auto fact = as_order(t)) {
+        comparisons_->push_back(*fact);
+      }
+    }
+  }
+  return *comparisons_;
+}
+
+const assumption_facts::by_term& assumption_facts::memberships() {
+  if (memberships_ == nullptr) {
+    memberships_ = std::make_unique<by_term>();
+    for (term_ptr t : own_) {
+      const auto view = t == nullptr || t->has_meta() ? std::nullopt : pred_split(t);
+      if (view && view->pred == Belong && view->right->type() == Const) {
+        (*memberships_)[view->left].push_back(view->right->constant());
+      }
+    }
+  }
+  return *memberships_;
+}
+
+const std::shared_ptr<assumption_facts>& shared_facts_of(const solve_data& sdata) {
+  if (sdata.facts == nullptr || !sdata.facts->describes(sdata.assum)) {
+    sdata.facts = std::make_shared<assumption_facts>(sdata.assum);
+  }
+  return sdata.facts;
+}
+
+solve_data with_assumptions(const solve_data& sdata, term_span more) {
+  facts_of(sdata);
+  solve_data extended = sdata;
+  extended.assum.insert(extended.assum.end(), more.begin(), more.end());
+  extended.facts = std::make_shared<assumption_facts>(sdata.facts, more);
+  return extended;
+}
+
+// A hit is checked against the list, so that it needs no look at the rest.
+bool is_assumption(term_ptr t, const solve_data& sdata) {
+  if (sdata.facts != nullptr && sdata.facts->below() == nullptr) {
+    const auto found = sdata.facts->position_.find(t);
+    if (found != sdata.facts->position_.end() && found->second < sdata.assum.size() &&
+        term_eqb(sdata.assum[found->second], t)) {
+      return true;
+    }
+  }
+  return facts_of(sdata).holds(t);
+}
+
+}  // namespace vetro

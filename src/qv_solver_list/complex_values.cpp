@@ -1,0 +1,84 @@
+// The named terms are found by passing over the equations until nothing is added.
+#include "qv_solver_list/complex_values.h"
+
+#include <algorithm>
+
+#include "qv_solver_list/constant_analysis.h"
+#include "qv_solver_list/value_facts.h"
+#include "term/term_split_combine.h"
+#include "term/walk_tools.h"
+
+namespace vetro {
+namespace {
+
+bool in_a_real_set(assumption_facts& facts, term_ptr t) {
+  bool real = false;
+  facts.for_each_set_of(t, [&](const_type set) { real = real || facts_of_set(set).real(); });
+  return real;
+}
+
+}  // namespace
+
+complex_values::complex_values(assumption_facts& facts) : facts_(&facts) {
+  if (facts.below() != nullptr) {
+    const auto& below = facts.below()->table<complex_values>();
+    named_ = below.named_;
+    names_ = below.names_;
+  }
+  for (term_ptr t : facts.own()) {
+    const auto view = t == nullptr || t->has_meta() ? std::nullopt : pred_split(t);
+    if (view && view->pred == Belong && is_constant(view->right, ComplexSet) && !in_a_real_set(facts, view->left)) {
+      named_.insert(view->left->bare());
+      names_ |= view->left->name_mask();
+    }
+  }
+  spread();
+}
+
+// Equations carry it from one side to the other, also those of the layers below once something new is complex.
+void complex_values::spread() {
+  for (bool grown = true; grown;) {
+    grown = false;
+    for (assumption_facts* layer = facts_; layer != nullptr; layer = layer->below()) {
+      for (const order_fact& fact : layer->comparisons()) {
+        if (fact.pred != Eq || may_be_complex(fact.left) == may_be_complex(fact.right)) {
+          continue;
+        }
+        term_ptr other = may_be_complex(fact.left) ? fact.right : fact.left;
+        if (!solver_const_expr_is_closed(other) && !in_a_real_set(*facts_, other)) {
+          named_.insert(other->bare());
+          names_ |= other->name_mask();
+          known_.clear();
+          grown = true;
+        }
+      }
+    }
+  }
+}
+
+bool complex_values::is_named(term_ptr t) const {
+  return (t->name_mask() & ~names_) == 0 && !named_.empty() && named_.count(t->bare()) != 0;
+}
+
+bool complex_values::may_be_complex(term_ptr t) {
+  if (is_constant(t, I) || is_named(t)) {
+    return true;
+  }
+  if (t->children().empty() || (is_apply(t) && is_oper(t->left(), Abs))) {
+    return false;
+  }
+  if (const auto known = known_.find(t); known != known_.end()) {
+    return known->second;
+  }
+  const bool complex = holds_complex(t);
+  known_.emplace(t, complex);
+  return complex;
+}
+
+bool complex_values::holds_complex(term_ptr t) {
+  const auto parts = t->children();
+  return std::any_of(parts.begin(), parts.end(),
+                     [&](term_ptr part) { return part != nullptr && may_be_complex(part); });
+}
+
+}  // namespace vetro

@@ -1,0 +1,32 @@
+// Which expressions may stand for numbers that are not real: they have no sign, no bounds and no place in an order.
+#pragma once
+
+#include <memory>
+#include <unordered_map>
+#include <unordered_set>
+
+#include "qv_solver_list/assumption_facts.h"
+
+namespace vetro {
+
+// One table for each layer of assumptions, as table<complex_values>(). Complex are the imaginary unit, what an
+// assumption puts into the set of complex numbers and not into a set of reals, what an assumption equates with
+// something complex, and every expression around one of these. A magnitude is real.
+class complex_values {
+ public:
+  explicit complex_values(assumption_facts& facts);
+
+  bool may_be_complex(term_ptr t);
+
+ private:
+  bool holds_complex(term_ptr t);
+  bool is_named(term_ptr t) const;
+  void spread();
+
+  assumption_facts* facts_;
+  std::unordered_set<term_ptr> named_;  // bare
+  std::uint64_t names_ = 0;             // bits of the names in them
+  std::unordered_map<term_ptr, bool> known_;
+};
+
+}  // namespace vetro

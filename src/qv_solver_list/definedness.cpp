@@ -1,0 +1,187 @@
+// The tables of the domain prover. An expression is opened from the outside: first its parts must be defined, then the
+// operator's own condition must hold of them.
+#include "qv_solver_list/definedness.h"
+
+#include <algorithm>
+
+#include "qv_solver_list/constant_analysis.h"
+#include "term/term_split_combine.h"
+#include "term/traverse.h"
+
+namespace vetro {
+namespace {
+
+constexpr root_limits exact_roots = {.index = 100, .component = 100};
+
+std::optional<std::int64_t> exact_integer(term_ptr t) {
+  const auto value = solver_const_analyze_exact_rational(t, exact_roots);
+  return value ? value->to_int64() : std::nullopt;
+}
+
+bool is_infinite(term_ptr t) { return is_constant(t, Infty) || is_constant(t, PosInfty) || is_constant(t, NegInfty); }
+
+}  // namespace
+
+bool solver_expr_domain_is_finite_term(term_ptr t) { return t != nullptr && !any_subterm(t, walk_all, is_infinite); }
+
+domain_prover::domain_prover(const solve_data& sdata, const domain_policy& policy)
+    : premises_(sdata, policy.premise_solvers), policy_(policy) {}
+
+bool domain_prover::defined(term_ptr expr) {
+  if (expr == nullptr) {
+    return false;
+  }
+  if (const auto known = defined_.find(expr); known != defined_.end()) {
+    return known->second;
+  }
+  const bool answer = read_defined(expr);
+  defined_.emplace(expr, answer);
+  return answer;
+}
+
+bool domain_prover::read_defined(term_ptr t) {
+  switch (t->type()) {
+    case Var:
+      return !t->has_meta();
+    case Const:
+      return is_constant(t, E) || is_constant(t, Pi) ||
+             (!t->has_meta() && (t->constant() == Integer || t->constant() == Decimal));
+    case FreeVarTag:
+      return defined(t->body());
+    case Apply:
+      return !t->has_meta() && application_defined(spine_of(t));
+    default:
+      return false;
+  }
+}
+
+bool domain_prover::application_defined(const spine& applied) {
+  const auto& [head, args] = applied;
+  if (!std::all_of(args.begin(), args.end(), [&](term_ptr arg) { return defined(arg); })) {
+    return false;
+  }
+  if (head->type() == Oper && !head->has_meta()) {
+    return (args.size() == 1 && unary_defined(head->oper(), args[0])) ||
+           (args.size() == 2 && binary_defined(head->oper(), args[0], args[1]));
+  }
+  return false;
+}
+
+bool domain_prover::unary_defined(oper_type oper, term_ptr operand) {
+  switch (oper) {
+    case Neg:
+    case Abs:
+    case Cbrt:
+    case Sin:
+    case Cos:
+      return true;
+    case Sqrt:
+      return relation_to(Ge, operand, 0);
+    case Ln:
+    case Lg:
+      return relation_to(Gt, operand, 0);
+    case Tan:
+      return nonzero(make_unOp_term(Cos, operand));
+    case Arctan:
+      return policy_.allow_arctan;
+    default:
+      return false;
+  }
+}
+
+bool domain_prover::binary_defined(oper_type oper, term_ptr left, term_ptr right) {
+  switch (oper) {
+    case Plus:
+    case Minus:
+    case Mult:
+      return true;
+    case Div:
+    case Frac:
+      return nonzero(right);
+    case Power:
+      return power_defined(left, right);
+    case Sqrt:
+    case Sqrtn:
+      return root_defined(left, right);
+    case Log:
+      return relation_to(Gt, left, 0) && relation_to(Neq, left, 1) && relation_to(Gt, right, 0);
+    default:
+      return false;
+  }
+}
+
+bool domain_prover::power_defined(term_ptr base, term_ptr exponent) {
+  if (const auto whole = exact_integer(exponent)) {
+    return *whole > 0 || nonzero(base);
+  }
+  return (policy_.allow_e_base_power && is_constant(base, E)) || relation_to(Gt, base, 0);
+}
+
+bool domain_prover::root_defined(term_ptr index, term_ptr radicand) {
+  const auto whole = exact_integer(index);
+  return whole && *whole > 0 && (*whole % 2 != 0 || relation_to(Ge, radicand, 0));
+}
+
+bool domain_prover::nonzero(term_ptr expr) {
+  if (expr == nullptr) {
+    return false;
+  }
+  if (const auto known = nonzero_.find(expr); known != nonzero_.end()) {
+    return known->second;
+  }
+  const bool answer =
+      read_nonzero(expr) || relation_to(Neq, expr, 0) || relation_to(Gt, expr, 0) || relation_to(Lt, expr, 0);
+  nonzero_.emplace(expr, answer);
+  return answer;
+}
+
+// By the parts: a product is not zero when no factor is.
+bool domain_prover::read_nonzero(term_ptr t) {
+  const auto view = composed_term_split(t);
+  if (!view) {
+    return false;
+  }
+  if (view->t2 == nullptr) {
+    const bool keeps_zero = view->oper == Neg || view->oper == Abs || view->oper == Sqrt || view->oper == Cbrt;
+    return keeps_zero && nonzero(view->t1);
+  }
+  switch (view->oper) {
+    case Mult:
+    case Div:
+    case Frac:
+      return nonzero(view->t1) && nonzero(view->t2);
+    case Power: {
+      const auto whole = exact_integer(view->t2);
+      return whole && (*whole == 0 || nonzero(view->t1));
+    }
+    case Sqrt:
+    case Sqrtn: {
+      const auto whole = exact_integer(view->t1);
+      return whole && *whole >= 1 && nonzero(view->t2);
+    }
+    default:
+      return false;
+  }
+}
+
+bool domain_prover::relation_to(pred_type pred, term_ptr expr, std::int32_t right) {
+  return relation(pred, expr, mk_integer(right));
+}
+
+bool domain_prover::relation(pred_type pred, term_ptr left, term_ptr right) {
+  if (left == nullptr || right == nullptr) {
+    return false;
+  }
+  const auto left_value = solver_const_analyze_exact_rational(left, exact_roots);
+  const auto right_value = left_value ? solver_const_analyze_exact_rational(right, exact_roots) : std::nullopt;
+  if (right_value && is_order_relation(pred) && holds(pred, (*left_value - *right_value).sign())) {
+    return true;
+  }
+  return premises_.relation(pred, left, right);
+}
+
+bool solver_expr_domain_is_defined(term_ptr expr, const solve_data& sdata, const domain_policy& policy) {
+  return expr != nullptr && solver_expr_domain_is_finite_term(expr) && domain_prover(sdata, policy).defined(expr);
+}
+
+}  // namespace vetro
