@@ -17,8 +17,8 @@ constexpr std::array decision_solvers = std::to_array<solver_row>({
     {solver_id::deriv, "DerivSolver", nullptr},                                      // 4
     {solver_id::continuous_func, "ContinuousFuncSolver", nullptr},                   // 5
     {solver_id::integrable_func, "IntegrableFuncSolver", nullptr},                   // 6
-    {solver_id::const_type, "ConstTypeSolver", nullptr},                             // 7
-    {solver_id::domain_type, "", nullptr},                                           // 8
+    {solver_id::const_type, "ConstTypeSolver", solver_const_type},                   // 7
+    {solver_id::domain_type, "", solver_domain_type},                                // 8
     {solver_id::integral, "IntegralSolver", nullptr},                                // 9
     {solver_id::eval_bar, "EvalBarSolver", nullptr},                                 // 10
     {solver_id::rootfrac, "RootFracSolver", nullptr},                                // 11
@@ -29,9 +29,9 @@ constexpr std::array decision_solvers = std::to_array<solver_row>({
     {solver_id::sat, "", solver_sat},                                                // 16
     {solver_id::interval, "IntervalSolver", nullptr},                                // 17
     {solver_id::squeeze, "SqueezeSolver", nullptr},                                  // 18
-    {solver_id::sgn, "SgnSolver", nullptr},                                          // 19
+    {solver_id::sgn, "SgnSolver", solver_sgn},                                       // 19
     {solver_id::smt_lra, "SmtLraSolver", nullptr},                                   // 20
-    {solver_id::sgn_pure, "SgnPureSolver", nullptr},                                 // 21
+    {solver_id::sgn_pure, "SgnPureSolver", solver_sgn_pure},                         // 21
 });
 
 consteval bool rows_stand_at_their_ids() {

@@ -9,8 +9,12 @@ namespace vetro {
 bool solver_eqb(term_ptr target, const solve_data& sdata);
 bool solver_reflexivity(term_ptr target, const solve_data& sdata);
 bool solver_context_poly_rat(term_ptr target, const solve_data& sdata);
+bool solver_const_type(term_ptr target, const solve_data& sdata);
+bool solver_domain_type(term_ptr target, const solve_data& sdata);
 bool solver_poly_rat_eqb(term_ptr target, const solve_data& sdata);
 bool solver_sat(term_ptr target, const solve_data& sdata);
+bool solver_sgn(term_ptr target, const solve_data& sdata);
+bool solver_sgn_pure(term_ptr target, const solve_data& sdata);
 
 // One-step solvers.
 solve_res solver_or_split(const solver_args& args);
