@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "term/substitute.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
@@ -63,6 +64,18 @@ bool assumption_facts::holds_part(term_ptr t) {
     }
   }
   return parts_.count(t) != 0;
+}
+
+bool assumption_facts::mentions(std::string_view name) {
+  if (below_ != nullptr && below_->mentions(name)) {
+    return true;
+  }
+  const auto [entry, added] = mentioned_.try_emplace(intern_text(name), false);
+  if (added) {
+    entry->second = std::any_of(own_.begin(), own_.end(),
+                                [name](term_ptr known) { return known != nullptr && name_occurs(name, known); });
+  }
+  return entry->second;
 }
 
 std::span<const order_fact> assumption_facts::comparisons() {

@@ -6,6 +6,7 @@
 
 #include <memory>
 #include <span>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -35,6 +36,9 @@ class assumption_facts {
   bool holds(term_ptr t);
   // The same, or a side of a conjunction that is one. A conjunction under a scope is not opened.
   bool holds_part(term_ptr t);
+
+  // Whether a variable of that name stands anywhere in the assumptions, bound or free.
+  bool mentions(std::string_view name);
 
   // The comparisons that stand among this layer's assumptions, in order. A scoped one says less and is none.
   std::span<const order_fact> comparisons();
@@ -76,6 +80,7 @@ class assumption_facts {
   bool asked_ = false;
   std::unordered_map<term_ptr, std::size_t, alpha_hasher, alpha_equal> position_;
   std::unordered_set<term_ptr, alpha_hasher, alpha_equal> parts_;
+  std::unordered_map<std::string_view, bool> mentioned_;
   std::unique_ptr<std::vector<order_fact>> comparisons_;
   std::unique_ptr<by_term> memberships_;
   typed_slots tables_;

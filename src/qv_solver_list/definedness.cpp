@@ -64,7 +64,12 @@ bool domain_prover::application_defined(const spine& applied) {
     return (args.size() == 1 && unary_defined(head->oper(), args[0])) ||
            (args.size() == 2 && binary_defined(head->oper(), args[0], args[1]));
   }
-  return false;
+  return is_exponential(head) && args.size() == 1;
+}
+
+// A name is the exponential function only where no assumption speaks of it.
+bool domain_prover::is_exponential(term_ptr head) {
+  return is_var(head) && !head->has_meta() && head->name() == "exp" && !facts_of(premises_.data()).mentions("exp");
 }
 
 bool domain_prover::unary_defined(oper_type oper, term_ptr operand) {

@@ -41,6 +41,7 @@ class domain_prover {
   bool read_defined(term_ptr t);
   bool read_nonzero(term_ptr t);
   bool application_defined(const spine& applied);
+  bool is_exponential(term_ptr head);
   bool unary_defined(oper_type oper, term_ptr operand);
   bool binary_defined(oper_type oper, term_ptr left, term_ptr right);
   bool power_defined(term_ptr base, term_ptr exponent);

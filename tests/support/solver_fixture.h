@@ -17,6 +17,11 @@
 
 namespace vetro {
 
+struct solver_case {
+  std::initializer_list<std::string_view> assumed;
+  std::string_view goal;
+};
+
 // A test of solvers starts with an empty store and zeroed counters.
 class solver_test : public testing::Test {
  protected:
@@ -38,6 +43,17 @@ class solver_test : public testing::Test {
       sdata.assum.push_back(read(text));
     }
     return sdata;
+  }
+
+  // Each goal has that answer under the assumptions as they are written, without enrichment.
+  static void expect(solver_decide solve, bool proved, std::initializer_list<solver_case> cases) {
+    for (const solver_case& c : cases) {
+      std::string assumed;
+      for (const std::string_view text : c.assumed) {
+        assumed += std::string(text) + ", ";
+      }
+      EXPECT_EQ(solve(read(c.goal), given(c.assumed)), proved) << assumed << "|- " << c.goal;
+    }
   }
 
   // The variable of that name and number.

@@ -161,24 +161,6 @@ TEST_F(dispatch, OneStepResults) {
   EXPECT_TRUE(evaluate(termlist_or, false, {read("b = 1"), read("a = 1")}).first);
 }
 
-TEST_F(dispatch, TheIndexFollowsTheAssumptions) {
-  solve_data sdata = given({"a = 1", "forall (x), x > 0"});
-  for (int question = 0; question < 3; ++question) {  // a scan first, a table later
-    EXPECT_TRUE(solver_eqb(read("forall (y), y > 0"), sdata));
-    EXPECT_FALSE(solver_eqb(read("b = 1"), sdata));
-  }
-  solve_data more = sdata;
-  more.assum.push_back(read("b = 1"));
-  solve_data other = sdata;
-  other.assum[0] = read("c = 1");
-  for (int question = 0; question < 3; ++question) {
-    EXPECT_TRUE(solver_eqb(read("b = 1"), more));
-    EXPECT_FALSE(solver_eqb(read("b = 1"), sdata));
-    EXPECT_TRUE(solver_eqb(read("c = 1"), other));
-    EXPECT_FALSE(solver_eqb(read("a = 1"), other));
-  }
-}
-
 TEST_F(dispatch, ASolverThatRunsOutAnswersFalse) {
   const solver_decide out_of_memory = [](term_ptr, const solve_data&) -> bool { throw std::bad_alloc(); };
   EXPECT_FALSE(call_decision_solver(out_of_memory, read("a = 1"), {}));
