@@ -130,6 +130,7 @@ dsl_result execute_get_prop(dsl_execute_data& data);
 dsl_result execute_exists(dsl_execute_data& data);
 dsl_result execute_destruct_and(dsl_execute_data& data);
 dsl_result execute_rewrite(dsl_execute_data& data);
+dsl_result execute_rewrite_in(dsl_execute_data& data);
 dsl_result execute_apply(dsl_execute_data& data);
 dsl_result execute_assert(dsl_execute_data& data);
 dsl_result execute_case_analysis(dsl_execute_data& data);

@@ -30,7 +30,7 @@ constexpr std::array<instruction_row, dsl_type_count> instruction_rows = {{
     row<dsl_exists>(execute_exists),
     row<dsl_destruct_and>(execute_destruct_and),
     row<dsl_rewrite>(execute_rewrite),
-    row<dsl_rewrite_in>(nullptr),
+    row<dsl_rewrite_in>(execute_rewrite_in),
     row<dsl_apply>(execute_apply),
     row<dsl_assert>(execute_assert),
     row<dsl_case_analysis>(execute_case_analysis),

@@ -14,6 +14,12 @@
 namespace vetro {
 namespace {
 
+struct pair_hash {
+  std::size_t operator()(const std::pair<term_ptr, term_ptr>& pair) const {
+    return pair.first->hash() * 0x9e3779b97f4a7c15ULL ^ pair.second->hash();
+  }
+};
+
 // Walks two terms that differ at most in their binders, up to the first variable that is bound in one of them only.
 // The start of a sum means the same whether it is listed or not.
 class binder_comparison {
@@ -44,12 +50,6 @@ class binder_comparison {
   }
 
  private:
-  struct pair_hash {
-    std::size_t operator()(const std::pair<term_ptr, term_ptr>& pair) const {
-      return pair.first->hash() * 0x9e3779b97f4a7c15ULL ^ pair.second->hash();
-    }
-  };
-
   // A name that is not in the list of the other node and not bound in vain.
   static bool missing(term_ptr name, const term_list& names, term_ptr other) {
     const auto same = [name](term_ptr n) { return n->bare() == name->bare(); };
@@ -60,7 +60,35 @@ class binder_comparison {
   std::unordered_set<std::pair<term_ptr, term_ptr>, pair_hash> done_;
 };
 
+// Walks a term and its analysed form, which has the same shape but for what the analysis changed.
+class interval_search {
+ public:
+  bool differ(term_ptr t, term_ptr analyzed) {
+    if (t == analyzed || t == nullptr || analyzed == nullptr || !done_.insert({t, analyzed}).second) {
+      return false;
+    }
+    if (is_pair(t) && !is_pair(analyzed)) {
+      return true;
+    }
+    const term_span a = t->children();
+    const term_span b = analyzed->children();
+    for (std::size_t i = 0; i < std::min(a.size(), b.size()); ++i) {
+      if (differ(a[i], b[i])) {
+        return true;
+      }
+    }
+    return differ(t->scope(), analyzed->scope());
+  }
+
+ private:
+  static bool is_pair(term_ptr t) { return is_apply(t) && is_oper(t->left(), Tuple); }
+
+  std::unordered_set<std::pair<term_ptr, term_ptr>, pair_hash> done_;
+};
+
 }  // namespace
+
+bool reads_pair_as_interval(term_ptr t, term_ptr analyzed) { return interval_search().differ(t, analyzed); }
 
 term_ptr reread(const dsl_execute_data& data, term_ptr t) {
   const term_ptr kept = normalize_setdesc_for_catch_binder(t);

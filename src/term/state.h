@@ -23,6 +23,7 @@ struct process_state {
   typed_slots slots;                                         // what layers above remember, each type for its owner
   int fresh_counter = 0;                                     // fresh(): never goes back
   int placeholder_counter = 1000000000;                      // "qvar" numbers of get_prop
+  int binder_copy_counter = 0;                               // names of binders that rewrite_in opens
 };
 
 // The state of this process.
