@@ -25,6 +25,12 @@ bool assumption_facts::describes(term_span assum) const {
   return below_fits && std::equal(own_.begin(), own_.end(), assum.begin() + static_cast<std::ptrdiff_t>(rest));
 }
 
+term_list assumption_facts::all() const {
+  term_list list = below_ == nullptr ? term_list() : below_->all();
+  list.insert(list.end(), own_.begin(), own_.end());
+  return list;
+}
+
 void assumption_facts::index_assumptions() {
   for (std::size_t i = 0; i < own_.size(); ++i) {
     if (own_[i] != nullptr) {

@@ -32,6 +32,8 @@ class assumption_facts {
   const term_list& own() const { return own_; }
   assumption_facts* below() const { return below_.get(); }
 
+  term_list all() const;  // of all layers, those below first
+
   // Whether t is an assumption, up to bound names.
   bool holds(term_ptr t);
   // The same, or a side of a conjunction that is one. A conjunction under a scope is not opened.

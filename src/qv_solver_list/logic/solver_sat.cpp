@@ -8,6 +8,7 @@
 #include <unordered_map>
 
 #include "number/limits.h"
+#include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/logic/propositional.h"
 #include "qv_solver_list/set/cnf.h"
 #include "qv_solver_list/solver_preprocess.h"
@@ -54,6 +55,9 @@ class atom_table {
     const int number = id_up_to_names(atom);
     by_text_.emplace(written, number);
     return number;
+  }
+  bool contains(term_ptr atom) {
+    return by_text_.count(writing_.of(atom)) != 0 || (atom->has(fact_binding) && by_meaning_.count(atom) != 0);
   }
   int count() const { return count_; }
 
@@ -118,6 +122,8 @@ class propositional_problem {
     return left && right ? position(formula_.connective(type, *left, *right)) : std::nullopt;
   }
 
+  bool mentions(term_ptr atom) { return atoms_.contains(atom); }
+
   cdcl_result solve() const {
     sat_data s = init_solver(build_cnf(formula_, atoms_.count()));
     return cdcl_solver(s);
@@ -130,23 +136,24 @@ class propositional_problem {
 
 }  // namespace
 
-sat_answer propositional_answer(term_span assum, term_ptr target) {
-  propositional_problem problem;
-  const auto opened = [&](term_ptr t) { return problem.translate(solver_preprocess_expand_tuple_equalities(t)); };
-  // Not(Impl(And(And(a1, a2), ...), target)), or Not(target): opening tuples part by part opens them in the whole.
-  std::optional<int> premises;
+namespace {
+
+term_ptr opened(term_ptr t) { return solver_preprocess_expand_tuple_equalities(t); }
+
+// And(And(a1, a2), ...): opening tuples part by part opens them in the whole.
+propositional_problem::position conjunction(propositional_problem& problem, term_span assum) {
+  propositional_problem::position premises;
   for (std::size_t i = 0; i < assum.size(); ++i) {
-    const auto assumption = opened(assum[i]);
+    const auto assumption = problem.translate(opened(assum[i]));
     premises = i == 0 ? assumption : problem.connective(SAT_AND, premises, assumption);
     if (!premises) {
-      return sat_answer::undecided;
+      return std::nullopt;
     }
   }
-  const auto goal = opened(target);
-  const auto refuted = problem.negation(assum.empty() ? goal : problem.connective(SAT_IMPLY, premises, goal));
-  if (!refuted) {
-    return sat_answer::undecided;
-  }
+  return premises;
+}
+
+sat_answer refutation(const propositional_problem& problem) {
   switch (problem.solve()) {
     case cdcl_unsat:
       return sat_answer::proved;
@@ -158,8 +165,50 @@ sat_answer propositional_answer(term_span assum, term_ptr target) {
   return sat_answer::undecided;
 }
 
+// The assumptions alone: an atom that stands nowhere in them follows only if they contradict one another.
+class assumed_propositions {
+ public:
+  explicit assumed_propositions(assumption_facts& facts)
+      : translated_(conjunction(problem_, facts.all()).has_value()) {}
+
+  bool mention(term_ptr atom) { return !translated_ || problem_.mentions(atom); }
+
+  bool contradict() {
+    if (!contradict_) {
+      contradict_ = refutation(problem_) == sat_answer::proved;
+    }
+    return *contradict_;
+  }
+
+ private:
+  propositional_problem problem_;
+  bool translated_;
+  std::optional<bool> contradict_;
+};
+
+}  // namespace
+
+sat_answer propositional_answer(term_span assum, term_ptr target) {
+  propositional_problem problem;
+  const auto premises = conjunction(problem, assum);
+  if (!assum.empty() && !premises) {
+    return sat_answer::undecided;
+  }
+  // Not(Impl(premises, target)), or Not(target).
+  const auto goal = problem.translate(opened(target));
+  const auto refuted = problem.negation(assum.empty() ? goal : problem.connective(SAT_IMPLY, premises, goal));
+  return refuted ? refutation(problem) : sat_answer::undecided;
+}
+
 // Proves what the assumptions imply by propositional reasoning alone.
 bool solver_sat(term_ptr target, const solve_data& sdata) {
+  term_ptr goal = opened(target);
+  if (goal != nullptr && !sdata.assum.empty() && !composed_prop_split(goal)) {
+    auto& assumed = facts_of(sdata).table<assumed_propositions>();
+    if (!assumed.mention(goal)) {
+      return assumed.contradict();
+    }
+  }
   return propositional_answer(sdata.assum, target) == sat_answer::proved;
 }
 
