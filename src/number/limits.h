@@ -31,6 +31,17 @@ inline constexpr std::uint64_t cdcl_work = 150'000'000;
 // a page has some hundred, (x1 + ... + x5)^20 has 10,000.
 inline constexpr std::uint64_t poly_operation = 300'000;
 
+// Tightenings of each expression's bounds before everything else has had its turn, in one settling of intervals. Bounds
+// that reach a fixed point at all reach it in a few; x = x/2 + y/2 goes on for ever.
+inline constexpr std::uint32_t interval_tightenings_first = 64;
+
+// Tightenings beyond that, of all expressions together: some ten milliseconds.
+inline constexpr std::uint64_t interval_tightenings = 20'000;
+
+// Work of one comparison of two polynomials that may be one expression, as poly_work counts it: a few milliseconds.
+// Polynomials that take more count as different.
+inline constexpr std::uint64_t interval_comparison_work = 50'000;
+
 // Questions about one applied chain of implications that may end undecided. Each can cost the full work of the core.
 inline constexpr int apply_undecided = 8;
 

@@ -173,7 +173,22 @@ struct enrichment_cache {
 
 enrichment_cache& cache() { return state().slots.of<enrichment_cache>(); }
 
-// The conjuncts of the rewritten assumption that are not the assumption itself; null when a step failed.
+// Behind each chained comparison its links, in text order. Between the links of 1 < ... < n stands what nobody wrote.
+term_list with_links(const term_list& conjuncts) {
+  term_list facts;
+  for (term_ptr conjunct : conjuncts) {
+    facts.push_back(conjunct);
+    if (!conjunct->has(fact_ellipsis) && !conjunct->has(fact_scope)) {
+      const term_list links = long_order_split(conjunct);
+      if (links.size() > 1) {
+        facts.insert(facts.end(), links.rbegin(), links.rend());
+      }
+    }
+  }
+  return facts;
+}
+
+// The conjuncts of the rewritten assumption and their links, without the assumption itself; null when a step failed.
 const term_list* derived_facts(term_ptr assumption) {
   if (assumption == nullptr) {
     return nullptr;
@@ -187,7 +202,7 @@ const term_list* derived_facts(term_ptr assumption) {
   if (opened == nullptr) {
     return nullptr;
   }
-  term_list facts = term_split_and(opened);
+  term_list facts = with_links(term_split_and(opened));
   std::erase(facts, assumption);
   return &known.emplace(assumption, std::move(facts)).first->second;
 }

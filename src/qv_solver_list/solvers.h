@@ -13,6 +13,7 @@ bool solver_const_type(term_ptr target, const solve_data& sdata);
 bool solver_domain_type(term_ptr target, const solve_data& sdata);
 bool solver_poly_rat_eqb(term_ptr target, const solve_data& sdata);
 bool solver_sat(term_ptr target, const solve_data& sdata);
+bool solver_interval(term_ptr target, const solve_data& sdata);
 bool solver_sgn(term_ptr target, const solve_data& sdata);
 bool solver_sgn_pure(term_ptr target, const solve_data& sdata);
 

@@ -277,7 +277,7 @@ rat rational_domain::power_of_part(const value& base, std::uint32_t base_number,
 
 // ---- One comparison.
 
-rational_forms::rational_forms() : domain_(limits::poly_work), reader_(domain_) {}
+rational_forms::rational_forms(std::uint64_t budget) : domain_(budget), reader_(domain_) {}
 
 rational_forms::~rational_forms() = default;
 

@@ -12,6 +12,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "number/limits.h"
 #include "number/rational.h"
 #include "qv_solver_list/algebra/expression_reader.h"
 #include "qv_solver_list/algebra/fingerprint.h"
@@ -77,7 +78,7 @@ class rational_domain {
 // The rational forms of one comparison or of one caller's table. Reads each subterm once.
 class rational_forms {
  public:
-  rational_forms();
+  explicit rational_forms(std::uint64_t budget = limits::poly_work);
   ~rational_forms();
 
   // Terms that are equal as rational expressions get the same number. Nothing where a not-a-number takes part.

@@ -36,6 +36,13 @@ TEST_F(preprocess, IntervalsBecomeComparisons) {
   EXPECT_EQ(derived({"x ∈ A"}), "");
 }
 
+TEST_F(preprocess, ChainsAreCutIntoTheirLinks) {
+  EXPECT_EQ(derived({"a < b ≤ c = d"}), "a < b; b ≤ c; c = d");
+  EXPECT_EQ(derived({"x = 1 ∧ 0 < y < 1"}), "x = 1; 0 < y < 1; 0 < y; y < 1");
+  EXPECT_EQ(derived({"x = 1 ∨ 0 < y < 1"}), "");
+  EXPECT_EQ(derived({"a_1 < a_2 < ... < a_n"}), "");
+}
+
 TEST_F(preprocess, SignedSetsBecomeComparisons) {
   EXPECT_EQ(derived({"n ∈ PosIntegerSet"}), "n ≥ 1");
   EXPECT_EQ(derived({"n ∈ NegIntegerSet"}), shown(make_binPred_prop(Le, mk_var("n"), mk_integer(-1))));

@@ -1,0 +1,168 @@
+// Refutation by bounds: the assumptions and the negated target become relations between expressions, each expression
+// has an interval, and the target is proved when propagation finds an interval empty. An equation is proved by itself,
+// since its negation is no relation that intervals can hold: both sides are one expression or one value.
+//
+// What is not understood adds nothing and so only weakens an attempt: disjunctions, implications, quantifiers, anything
+// under a scope. Intervals have no holes, so x ≠ 1 adds nothing either. Assumptions that contradict each other prove
+// every target.
+//
+// The graph of a list of assumptions is kept with the list, at rest. A target is added, refuted and taken away again.
+#include <algorithm>
+
+#include "qv_solver_list/analysis/interval_reader.h"
+#include "qv_solver_list/assumption_facts.h"
+#include "qv_solver_list/complex_values.h"
+#include "qv_solver_list/solver_preprocess.h"
+#include "qv_solver_list/solvers.h"
+#include "term/relation.h"
+#include "term/term_split_combine.h"
+
+namespace vetro {
+namespace {
+
+class interval_problem {
+ public:
+  // complex is borrowed and must outlive the problem.
+  explicit interval_problem(complex_values& complex) : reader_(graph_, complex) {}
+
+  void assume(term_ptr assumption);
+  void settle() { graph_.settle(); }
+  bool contradiction() const { return graph_.contradiction(); }
+
+  // Whether one conjunct follows from what is assumed, which is settled and has no contradiction.
+  bool proves(term_ptr conjunct);
+
+ private:
+  // Takes everything back that is added while it lives.
+  class attempt {
+   public:
+    explicit attempt(interval_problem& problem) : problem_(problem) {
+      problem_.graph_.begin_attempt();
+      problem_.reader_.begin_attempt();
+    }
+    ~attempt() {
+      problem_.reader_.end_attempt();
+      problem_.graph_.end_attempt();
+    }
+    attempt(const attempt&) = delete;
+    attempt& operator=(const attempt&) = delete;
+
+   private:
+    interval_problem& problem_;
+  };
+
+  void add_constraints_from_term(term_ptr t, bool negated);
+  void add_constraints_from_atom(term_ptr atom, bool negated);
+  void add_pred_constraint(pred_type pred, term_ptr l, term_ptr r, bool asserted);
+  bool direct_entails_eq(term_ptr l, term_ptr r);
+  bool refutes_negation(term_ptr target);
+
+  interval_graph graph_;
+  interval_reader reader_;
+};
+
+void interval_problem::assume(term_ptr assumption) {
+  if (!graph_.contradiction()) {
+    add_constraints_from_term(solver_preprocess_expand_interval_membership(assumption), false);
+  }
+}
+
+void interval_problem::add_constraints_from_term(term_ptr t, bool negated) {
+  if (t == nullptr || t->has(fact_scope)) {
+    return;
+  }
+  const auto view = composed_prop_split(t);
+  if (!view) {
+    add_constraints_from_atom(t, negated);
+  } else if (view->connect == Not && view->t2 == nullptr) {
+    add_constraints_from_term(view->t1, !negated);
+  } else if (view->connect == And && view->t2 != nullptr && !negated) {
+    add_constraints_from_term(view->t1, false);
+    add_constraints_from_term(view->t2, false);
+  }
+}
+
+// A relation that intervals can hold: any comparison but ≠.
+void interval_problem::add_constraints_from_atom(term_ptr atom, bool negated) {
+  const auto relation = pred_split(atom);
+  if (!relation || !is_order_relation(relation->pred)) {
+    return;
+  }
+  const pred_type pred = negated ? *vetro::negated(relation->pred) : relation->pred;
+  if (pred != Neq) {
+    add_pred_constraint(pred, relation->left, relation->right, !negated);
+  }
+}
+
+void interval_problem::add_pred_constraint(pred_type pred, term_ptr l, term_ptr r, bool asserted) {
+  const auto lhs = reader_.parse_expr(l);
+  const auto rhs = reader_.parse_expr(r);
+  // Beside a number the difference says no more than the other side.
+  const bool with_number = graph_.is_number(lhs) || graph_.is_number(rhs);
+  const auto diff = with_number ? interval_graph::no_node : reader_.parse_expr(make_binOp_term(Minus, l, r));
+  graph_.relate(pred, lhs, rhs, diff, asserted);
+}
+
+bool interval_problem::proves(term_ptr conjunct) {
+  if (conjunct->has(fact_scope)) {
+    return false;
+  }
+  const attempt here(*this);
+  const auto relation = pred_split(conjunct);
+  return relation && relation->pred == Eq ? direct_entails_eq(relation->left, relation->right)
+                                          : refutes_negation(conjunct);
+}
+
+bool interval_problem::refutes_negation(term_ptr target) {
+  add_constraints_from_term(target, true);
+  graph_.settle();
+  return graph_.contradiction();
+}
+
+bool interval_problem::direct_entails_eq(term_ptr l, term_ptr r) {
+  const auto lhs = reader_.parse_expr(l);
+  const auto rhs = reader_.parse_expr(r);
+  graph_.settle();
+  if (graph_.contradiction()) {
+    return true;
+  }
+  if (!graph_.defined(lhs) || !graph_.defined(rhs)) {
+    return false;
+  }
+  rational left;
+  rational right;
+  return graph_.representative(lhs) == graph_.representative(rhs) ||
+         (interval_is_closed_point(graph_.value(lhs), &left) && interval_is_closed_point(graph_.value(rhs), &right) &&
+          left == right);
+}
+
+void assume_all(interval_problem& problem, const assumption_facts& facts) {
+  if (facts.below() != nullptr) {
+    assume_all(problem, *facts.below());
+  }
+  for (term_ptr assumption : facts.own()) {
+    problem.assume(assumption);
+  }
+}
+
+// What is kept with a list of assumptions.
+struct assumed_bounds {
+  explicit assumed_bounds(assumption_facts& facts) : problem(facts.table<complex_values>()) {
+    assume_all(problem, facts);
+    problem.settle();
+  }
+  interval_problem problem;
+};
+
+}  // namespace
+
+bool solver_interval(term_ptr target, const solve_data& sdata) {
+  interval_problem& problem = facts_of(sdata).table<assumed_bounds>().problem;
+  if (problem.contradiction() || target == nullptr) {
+    return problem.contradiction();
+  }
+  const term_list conjuncts = term_split_and(solver_preprocess_expand_interval_membership(target));
+  return std::all_of(conjuncts.begin(), conjuncts.end(), [&](term_ptr conjunct) { return problem.proves(conjunct); });
+}
+
+}  // namespace vetro
