@@ -1,0 +1,423 @@
+#include "smt_solver/src/combination.h"
+
+#include <algorithm>
+#include <cassert>
+#include <numeric>
+#include <unordered_map>
+
+namespace vetro::smt {
+namespace {
+
+constexpr std::int32_t from_literal = -1;  // second number of a reason whose first is a literal
+
+std::uint64_t hash_of(const std::vector<std::pair<atom_id, exact>>& terms) {
+  std::uint64_t h = terms.size();
+  for (const auto& [atom, coefficient] : terms) {
+    h = mix(mix(h, atom), coefficient.hash());
+  }
+  return h;
+}
+
+// What all coefficients have in common, where they are small integers; 1 otherwise.
+exact common_factor(const linear_form& form) {
+  std::int64_t factor = 0;
+  for (const auto& term : form.terms) {
+    const auto small = term.second.to_int64();
+    if (!small || *small == INT64_MIN) {
+      return exact(1);
+    }
+    factor = std::gcd(factor, *small);
+  }
+  return factor == 0 ? exact(1) : exact(factor);
+}
+
+}  // namespace
+
+primitive_form primitive(const linear_form& form) {
+  primitive_form result{form.terms, common_factor(form), form.constant};
+  if (!form.terms.empty() && form.terms.front().second.sign() < 0) {
+    result.scale = -result.scale;
+  }
+  if (!result.scale.is_one()) {
+    const exact inverse = exact(1) / result.scale;
+    for (auto& term : result.terms) {
+      term.second *= inverse;
+    }
+  }
+  return result;
+}
+
+// ---- Building.
+
+void combination::set_meaning(node n, linear_form form) {
+  if (meanings_.size() <= at(n)) {
+    meanings_.resize(at(n) + 1);
+  }
+  meaning& m = meanings_[at(n)];
+  const primitive_form p = primitive(form);
+  const linear_var var = p.terms.empty() ? -1 : variable_for(p.terms);
+  m = {true, var, p.scale, std::move(form)};
+  equality_.set_shared(n);
+}
+
+linear_var combination::variable_for(const std::vector<std::pair<atom_id, exact>>& terms) {
+  const auto variable_of = [&](atom_id n) {
+    if (variable_of_node_.size() <= n) {
+      variable_of_node_.resize(n + 1, -1);
+    }
+    linear_var& var = variable_of_node_[n];
+    var = var < 0 ? arithmetic_.add_variable() : var;
+    return var;
+  };
+  if (terms.size() == 1 && terms.front().second.is_one()) {
+    return variable_of(terms.front().first);
+  }
+  const std::uint64_t h = hash_of(terms);
+  std::int32_t sum = sum_index_.find(h, [&](std::int32_t s) { return sum_terms_[at(s)] == terms; });
+  if (sum < 0) {
+    std::vector<simplex::summand> summands;
+    for (const auto& [atom, coefficient] : terms) {
+      summands.emplace_back(variable_of(atom), coefficient);
+    }
+    sum = static_cast<std::int32_t>(sums_.size());
+    sums_.push_back(arithmetic_.add_sum(summands));
+    sum_terms_.push_back(terms);
+    sum_index_.insert(h, sum);
+  }
+  return sums_[at(sum)];
+}
+
+combination::arithmetic_atom& combination::atom_of(literal l) {
+  const std::size_t v = at(variable_of(l));
+  if (atoms_.size() <= v) {
+    atoms_.resize(v + 1);
+  }
+  return atoms_[v];
+}
+
+void combination::add_at_most(literal l, linear_var x, const delta_number& bound) {
+  atom_of(l) = {atom_kind::at_most, x, bound};
+}
+
+void combination::add_equal(literal l, linear_var x, const exact& value) {
+  atom_of(l) = {atom_kind::equal, x, {value, exact(0)}};
+}
+
+void combination::connect_equation(literal l, node a, node b) {
+  if (has_meaning(a) && has_meaning(b)) {
+    const primitive_form p = primitive(linear_sum(meanings_[at(a)].form, meanings_[at(b)].form, exact(-1)));
+    if (!p.terms.empty()) {
+      add_equal(l, variable_for(p.terms), -p.constant / p.scale);
+    }
+  }
+}
+
+void combination::add_order_clauses(search& into) const {
+  std::vector<int> order;
+  for (std::size_t v = 0; v < atoms_.size(); ++v) {
+    if (atoms_[v].kind != atom_kind::none) {
+      order.push_back(static_cast<int>(v));
+    }
+  }
+  const auto atom = [&](int v) -> const arithmetic_atom& { return atoms_[at(v)]; };
+  std::sort(order.begin(), order.end(), [&](int a, int b) {
+    return atom(a).var != atom(b).var          ? atom(a).var < atom(b).var
+           : !(atom(a).bound == atom(b).bound) ? atom(a).bound < atom(b).bound
+                                               : a < b;
+  });
+  // Within one variable, by bound: each "at most" implies the next; x = k implies the next from k on and refutes the
+  // last below; and is itself implied by both when they are next to it.
+  const auto same_var = [&](std::size_t i, std::size_t j) { return atom(order[i]).var == atom(order[j]).var; };
+  const auto clause = [&](std::initializer_list<literal> literals) { into.add_clause(std::vector<literal>(literals)); };
+  for (std::size_t i = 0; i < order.size(); ++i) {
+    const arithmetic_atom& a = atom(order[i]);
+    const literal self = literal_of(order[i]);
+    literal next = -1;
+    for (std::size_t j = i;
+         j-- > 0 && a.kind == atom_kind::equal && same_var(i, j) && !(atom(order[j]).bound < a.bound);) {
+      next = atom(order[j]).kind == atom_kind::at_most ? literal_of(order[j]) : next;
+    }
+    for (std::size_t j = i + 1; j < order.size() && next < 0 && same_var(i, j); ++j) {
+      next = atom(order[j]).kind == atom_kind::at_most ? literal_of(order[j]) : next;
+    }
+    if (next >= 0) {
+      clause({negation(self), next});
+    }
+    if (a.kind != atom_kind::equal) {
+      continue;
+    }
+    literal last = -1;
+    for (std::size_t j = i; j-- > 0 && last < 0 && same_var(i, j);) {
+      const bool lower = atom(order[j]).kind == atom_kind::at_most && atom(order[j]).bound < a.bound;
+      last = lower ? literal_of(order[j]) : last;
+    }
+    if (last >= 0) {
+      clause({negation(self), negation(last)});
+    }
+    const bool tight = next >= 0 && last >= 0 && atom(variable_of(next)).bound == a.bound &&
+                       atom(variable_of(last)).bound == delta_number{a.bound.real, exact(-1)};
+    if (tight) {
+      clause({self, negation(next), last});
+    }
+  }
+}
+
+// ---- Levels and assertions.
+
+void combination::open_level() {
+  equality_.open_level();
+  arithmetic_.open_level();
+  level_starts_.push_back(false_equations_.size());
+}
+
+void combination::back_to_level(int level) {
+  equality_.back_to_level(level);
+  arithmetic_.back_to_level(level);
+  false_equations_.resize(level_starts_[at(level)]);
+  level_starts_.resize(at(level));
+}
+
+theory_answer combination::assert_literal(literal l) {
+  if (equality_.is_atom(l) && !equality_.assert_literal(l)) {
+    return refused_by_equality();
+  }
+  const arithmetic_atom& atom = atom_of(l);
+  const bool consistent = atom.kind == atom_kind::none || assert_arithmetic(l, atom);
+  return consistent ? theory_answer::consistent : refused_by_arithmetic();
+}
+
+bool combination::assert_arithmetic(literal l, const arithmetic_atom& atom) {
+  const bound_reason why{l, from_literal};
+  if (atom.kind == atom_kind::equal) {
+    if (is_positive(l)) {
+      return assert_bound(atom.var, bound_side::lower, atom.bound, why) &&
+             assert_bound(atom.var, bound_side::upper, atom.bound, why);
+    }
+    false_equations_.push_back(l);
+    return true;
+  }
+  if (is_positive(l)) {
+    return assert_bound(atom.var, bound_side::upper, atom.bound, why);
+  }
+  return assert_bound(atom.var, bound_side::lower, {atom.bound.real, atom.bound.delta + exact(1)}, why);
+}
+
+bool combination::assert_bound(linear_var x, bound_side side, const delta_number& value, bound_reason why) {
+  unchecked_ = true;
+  return arithmetic_.assert_bound(x, side, value, why);
+}
+
+theory_answer combination::propagate() {
+  auto& merges = equality_.shared_merges();
+  for (const auto& m : merges) {
+    if (!is_covered(m) && !assert_equal_values(m.left, m.right)) {
+      merges.clear();
+      return theory_answer::conflict;
+    }
+  }
+  merges.clear();
+  if (unchecked_) {
+    switch (arithmetic_.check()) {
+      case simplex::answer::conflict:
+        return refused_by_arithmetic();
+      case simplex::answer::exhausted:
+        return theory_answer::exhausted;
+      case simplex::answer::feasible:
+        unchecked_ = false;
+        break;
+    }
+  }
+  implied_.swap(equality_.implied());
+  equality_.implied().clear();
+  return implied_.empty() ? theory_answer::consistent : theory_answer::progress;
+}
+
+// The classes were merged by something that the arithmetic knows already.
+bool combination::is_covered(const congruence::shared_merge& m) const {
+  return m.entailed || (m.why >= 0 && is_arithmetic(m.why));
+}
+
+// False with conflict_ filled.
+bool combination::assert_equal_values(node a, node b) {
+  const primitive_form p = primitive(linear_sum(meanings_[at(a)].form, meanings_[at(b)].form, exact(-1)));
+  const bound_reason why{a, b};
+  if (p.terms.empty()) {
+    if (p.constant.is_zero()) {
+      return true;
+    }
+    conflict_.clear();
+    equality_.explain(a, b, conflict_);
+    return false;
+  }
+  const linear_var x = variable_for(p.terms);
+  const delta_number value{-p.constant / p.scale, exact(0)};
+  if (!assert_bound(x, bound_side::lower, value, why) || !assert_bound(x, bound_side::upper, value, why)) {
+    refused_by_arithmetic();
+    return false;
+  }
+  return true;
+}
+
+// ---- Reasons.
+
+void combination::to_literals(std::span<const bound_reason> reasons, std::vector<literal>& literals) {
+  for (const bound_reason& r : reasons) {
+    if (r.second == from_literal) {
+      literals.push_back(r.first);
+    } else {
+      equality_.explain(r.first, r.second, literals);
+    }
+  }
+  std::sort(literals.begin(), literals.end());
+  literals.erase(std::unique(literals.begin(), literals.end()), literals.end());
+}
+
+theory_answer combination::refused_by_arithmetic() {
+  conflict_.clear();
+  to_literals(arithmetic_.conflict(), conflict_);
+  return theory_answer::conflict;
+}
+
+theory_answer combination::refused_by_equality() {
+  conflict_ = equality_.conflict();
+  return theory_answer::conflict;
+}
+
+void combination::explain(literal l, std::vector<literal>& premises) { equality_.explain_implied(l, premises); }
+
+// ---- When every atom has a value.
+
+delta_number combination::value_of(node n) const {
+  const meaning& m = meanings_[at(n)];
+  delta_number value{m.form.constant, exact(0)};
+  if (m.var >= 0) {
+    value.add_multiple(m.scale, arithmetic_.value(m.var));
+  }
+  return value;
+}
+
+theory_answer combination::final_check() {
+  collect_questions();
+  if (questions_.empty()) {
+    return theory_answer::consistent;
+  }
+  arithmetic_.scatter();
+  collect_questions();
+  bool changed = false;
+  const std::vector<question> questions = questions_;
+  for (const question& q : questions) {
+    switch (settle(q)) {
+      case theory_answer::conflict:
+        return theory_answer::conflict;
+      case theory_answer::exhausted:
+        return theory_answer::exhausted;
+      case theory_answer::progress:
+        changed = true;
+        break;
+      case theory_answer::consistent:
+        break;
+    }
+  }
+  return changed ? theory_answer::progress : theory_answer::consistent;
+}
+
+// Everything whose sides have the same value now. What has different values is not forced to be equal.
+void combination::collect_questions() {
+  questions_.clear();
+  for (const literal l : false_equations_) {
+    const arithmetic_atom& atom = atoms_[at(variable_of(l))];
+    if (arithmetic_.value(atom.var) == atom.bound) {
+      questions_.push_back({no_node, no_node, l});
+    }
+  }
+  for (const auto& d : equality_.disequations()) {
+    if (is_arithmetic(d.why)) {
+      continue;
+    }
+    const node a = equality_.shared_in(d.left);
+    const node b = equality_.shared_in(d.right);
+    if (a != no_node && b != no_node && value_of(a) == value_of(b)) {
+      questions_.push_back({a, b, d.why});
+    }
+  }
+  ask_about_arguments();
+}
+
+// Applications of one class of functions to different classes of arguments, by the value of the argument. Among those
+// of one value each is compared with the first of each class only. Functions that are shared themselves are compared
+// with each other, since nothing may be known yet of their applications.
+void combination::ask_about_arguments() {
+  struct slot {
+    node function;
+    delta_number value;
+    bool operator==(const slot&) const = default;
+  };
+  struct slot_hash {
+    std::size_t operator()(const slot& s) const { return mix(static_cast<std::uint64_t>(s.function), s.value.hash()); }
+  };
+  std::unordered_map<slot, std::vector<node>, slot_hash> seen;
+  const auto compare = [&](node function, node argument) {
+    const node shared = equality_.shared_in(argument);
+    if (shared == no_node) {
+      return;
+    }
+    auto& others = seen[{function, value_of(shared)}];
+    const node own = equality_.class_of(argument);
+    if (std::any_of(others.begin(), others.end(), [&](node o) { return equality_.class_of(o) == own; })) {
+      return;
+    }
+    for (const node o : others) {
+      questions_.push_back({equality_.shared_in(o), shared, -1});
+    }
+    others.push_back(argument);
+  };
+  for (node n = 0; n < equality_.size(); ++n) {
+    if (equality_.is_application(n)) {
+      compare(equality_.class_of(equality_.function_of(n)), equality_.argument_of(n));
+      compare(no_node, equality_.function_of(n));
+    }
+  }
+}
+
+theory_answer combination::settle(const question& q) {
+  if (q.a != no_node && (equality_.equal(q.a, q.b) || !(value_of(q.a) == value_of(q.b)))) {
+    return theory_answer::consistent;
+  }
+  linear_form difference;
+  reasons_.clear();
+  simplex::forced forced = simplex::forced::no;
+  if (q.a == no_node) {
+    const arithmetic_atom& atom = atoms_[at(variable_of(q.why))];
+    const simplex::summand sum[] = {{atom.var, exact(1)}};
+    forced = arithmetic_.value(atom.var) == atom.bound ? arithmetic_.is_forced(sum, reasons_) : forced;
+  } else {
+    std::vector<simplex::summand> sum;
+    const linear_form form = linear_sum(meanings_[at(q.a)].form, meanings_[at(q.b)].form, exact(-1));
+    for (const auto& [n, coefficient] : form.terms) {
+      sum.emplace_back(variable_of_node_[n], coefficient);
+    }
+    forced = arithmetic_.is_forced(sum, reasons_);
+  }
+  if (forced != simplex::forced::yes) {
+    return forced == simplex::forced::no ? theory_answer::consistent : theory_answer::exhausted;
+  }
+  premises_.clear();
+  to_literals(reasons_, premises_);
+  if (q.why >= 0) {
+    conflict_ = premises_;
+    conflict_.push_back(q.why);
+    if (q.a != no_node) {
+      const auto [left, right] = equality_.sides(q.why);
+      const bool straight = equality_.equal(left, q.a);
+      equality_.explain(left, straight ? q.a : q.b, conflict_);
+      equality_.explain(right, straight ? q.b : q.a, conflict_);
+    }
+    return theory_answer::conflict;
+  }
+  if (!equality_.assert_entailed(q.a, q.b, premises_)) {
+    return refused_by_equality();
+  }
+  return theory_answer::progress;
+}
+
+}  // namespace vetro::smt

@@ -1,0 +1,430 @@
+#include "smt_solver/src/simplex.h"
+
+#include <algorithm>
+#include <cassert>
+#include <functional>
+
+namespace vetro::smt {
+namespace {
+
+// Exchanges in one check before the choice of variables falls back to the least number, which cannot go in circles.
+constexpr std::size_t patient_pivots = 200;
+
+}  // namespace
+
+// ---- Tableau.
+
+linear_var simplex::add_variable() {
+  const auto x = static_cast<linear_var>(vars_.size());
+  vars_.emplace_back();
+  place_in_row_.push_back(0);
+  is_suspect_.push_back(0);
+  dense_.emplace_back();
+  return x;
+}
+
+linear_var simplex::add_sum(std::span<const summand> sum) {
+  const linear_var x = add_variable();
+  const auto r = static_cast<std::int32_t>(rows_.size());
+  express(sum);
+  rows_.push_back({x, {}});
+  rows_.back().entries.reserve(expression_.size() + 1);
+  vars_[at(x)].row = r;
+  delta_number value;
+  add_entry(r, x, exact(-1));
+  for (auto& [y, coefficient] : expression_) {
+    value.add_multiple(coefficient, vars_[at(y)].value);
+    add_entry(r, y, std::move(coefficient));
+  }
+  note(value);
+  vars_[at(x)].value = std::move(value);
+  return x;
+}
+
+void simplex::add_entry(std::int32_t r, linear_var x, exact coefficient) {
+  auto& column = vars_[at(x)].column;
+  auto& entries = rows_[at(r)].entries;
+  column.push_back({r, static_cast<std::int32_t>(entries.size())});
+  entries.push_back({x, static_cast<std::int32_t>(column.size()) - 1, std::move(coefficient)});
+  ++entries_;
+}
+
+// The last entries of row and column take the places of the removed one.
+void simplex::remove_entry(std::int32_t r, std::int32_t place) {
+  auto& entries = rows_[at(r)].entries;
+  const row_entry& removed = entries[at(place)];
+  auto& column = vars_[at(removed.var)].column;
+  const column_entry last_in_column = column.back();
+  column[at(removed.place)] = last_in_column;
+  rows_[at(last_in_column.row)].entries[at(last_in_column.place)].place = removed.place;
+  column.pop_back();
+  if (at(place) + 1 != entries.size()) {
+    entries[at(place)] = std::move(entries.back());
+    const row_entry& moved = entries[at(place)];
+    vars_[at(moved.var)].column[at(moved.place)].place = place;
+  }
+  entries.pop_back();
+  --entries_;
+}
+
+// target += factor * source
+void simplex::add_row(std::int32_t target, const exact& factor, std::int32_t source) {
+  auto& entries = rows_[at(target)].entries;
+  const auto& added = rows_[at(source)].entries;
+  std::uint64_t cost = entries.size() + added.size();
+  for (std::size_t i = 0; i < entries.size(); ++i) {
+    place_in_row_[at(entries[i].var)] = static_cast<std::int32_t>(i) + 1;
+  }
+  bool vanished = false;
+  for (const row_entry& e : added) {
+    const std::int32_t place = place_in_row_[at(e.var)];
+    if (place == 0) {
+      add_entry(target, e.var, factor * e.coefficient);
+      continue;
+    }
+    exact& coefficient = entries[at(place - 1)].coefficient;
+    coefficient.addmul(factor, e.coefficient);
+    cost += coefficient.limbs();
+    vanished = vanished || coefficient.is_zero();
+    broken_ = broken_ || !coefficient.is_known();
+  }
+  for (const row_entry& e : entries) {
+    place_in_row_[at(e.var)] = 0;
+  }
+  for (std::size_t i = entries.size(); vanished && i > 0; --i) {
+    if (entries[i - 1].coefficient.is_zero()) {
+      remove_entry(target, static_cast<std::int32_t>(i - 1));
+    }
+  }
+  work_.charge(cost);
+}
+
+const exact& simplex::coefficient_in(const row& r, linear_var x) const {
+  return std::find_if(r.entries.begin(), r.entries.end(), [&](const row_entry& e) { return e.var == x; })->coefficient;
+}
+
+// The entering variable is expressed by the row of the leaving one, and put in wherever it stands.
+void simplex::pivot(linear_var leaving, linear_var entering) {
+  ++pivots_;
+  const std::int32_t r = vars_[at(leaving)].row;
+  row& pivot_row = rows_[at(r)];
+  const exact scale = exact(-1) / coefficient_in(pivot_row, entering);
+  if (!scale.is_one()) {
+    for (row_entry& e : pivot_row.entries) {
+      e.coefficient *= scale;
+      broken_ = broken_ || !e.coefficient.is_known();
+    }
+  }
+  pivot_row.basic = entering;
+  vars_[at(leaving)].row = -1;
+  vars_[at(entering)].row = r;
+  auto& column = vars_[at(entering)].column;
+  for (std::size_t i = column.size(); i > 0; --i) {  // entries vanish behind the place of the walk
+    const column_entry c = column[i - 1];
+    if (c.row != r) {
+      const exact factor = rows_[at(c.row)].entries[at(c.place)].coefficient;
+      add_row(c.row, factor, r);
+    }
+  }
+}
+
+// ---- Bounds and values.
+
+bool simplex::is_fixed(linear_var x) const {
+  const variable& v = vars_[at(x)];
+  return v.lower.present && v.upper.present && v.lower.value == v.upper.value;
+}
+
+bool simplex::can_move(linear_var x, int direction) const {
+  const variable& v = vars_[at(x)];
+  return direction > 0 ? !v.upper.present || v.value < v.upper.value : !v.lower.present || v.lower.value < v.value;
+}
+
+bool simplex::assert_bound(linear_var x, bound_side side, const delta_number& value, bound_reason why) {
+  variable& v = vars_[at(x)];
+  bound& own = side == bound_side::lower ? v.lower : v.upper;
+  const bound& other = side == bound_side::lower ? v.upper : v.lower;
+  const auto beyond = [&](const delta_number& limit) {
+    return side == bound_side::lower ? limit < value : value < limit;
+  };
+  note(value);
+  if (own.present && !beyond(own.value)) {
+    return true;
+  }
+  if (other.present && beyond(other.value)) {
+    conflict_.assign({why, other.why});
+    return false;
+  }
+  undo_.push_back({x, side, own});
+  own = {value, why, true};
+  if (is_basic(x)) {
+    suspect(x);
+  } else if (beyond(v.value)) {
+    move(x, value - v.value);
+  }
+  return true;
+}
+
+void simplex::back_to_level(int level) {
+  const std::size_t start = level_starts_[at(level)];
+  level_starts_.resize(at(level));
+  while (undo_.size() > start) {
+    bound_change& change = undo_.back();
+    variable& v = vars_[at(change.var)];
+    (change.side == bound_side::lower ? v.lower : v.upper) = std::move(change.before);
+    undo_.pop_back();
+  }
+}
+
+void simplex::suspect(linear_var x) {
+  if (is_suspect_[at(x)] == 0 && (below(x) || above(x))) {
+    is_suspect_[at(x)] = 1;
+    suspects_.push_back(x);
+    std::push_heap(suspects_.begin(), suspects_.end(), std::greater<>());
+  }
+}
+
+void simplex::move(linear_var x, const delta_number& by) {
+  vars_[at(x)].value += by;
+  note(vars_[at(x)].value);
+  work_.charge(vars_[at(x)].column.size());
+  for (const column_entry& c : vars_[at(x)].column) {
+    const row& r = rows_[at(c.row)];
+    variable& basic = vars_[at(r.basic)];
+    basic.value.add_multiple(r.entries[at(c.place)].coefficient, by);
+    note(basic.value);
+    suspect(r.basic);
+  }
+}
+
+// ---- Feasibility.
+
+linear_var simplex::next_violated() {
+  while (!suspects_.empty()) {
+    const linear_var x = suspects_.front();
+    std::pop_heap(suspects_.begin(), suspects_.end(), std::greater<>());
+    suspects_.pop_back();
+    is_suspect_[at(x)] = 0;
+    if (is_basic(x) && (below(x) || above(x))) {
+      return x;
+    }
+  }
+  return -1;
+}
+
+simplex::answer simplex::check() {
+  std::size_t exchanges = 0;
+  while (!broken_ && work_.charge(1)) {
+    const linear_var leaving = next_violated();
+    if (leaving < 0) {
+      return answer::feasible;
+    }
+    const row& r = rows_[at(vars_[at(leaving)].row)];
+    const int direction = below(leaving) ? 1 : -1;
+    const linear_var entering = choose_entering(r, direction, exchanges >= patient_pivots);
+    if (entering < 0) {
+      explain_row(r, direction);
+      suspect(leaving);
+      return answer::conflict;
+    }
+    ++exchanges;
+    const variable& v = vars_[at(leaving)];
+    const delta_number target = direction > 0 ? v.lower.value : v.upper.value;
+    pivot_and_set(leaving, entering, target);
+  }
+  return answer::exhausted;
+}
+
+// A variable of the row that can move the basic one in the direction; -1 when there is none. First choice: one without
+// bounds, which never has to leave again; then the one in the fewest rows.
+linear_var simplex::choose_entering(const row& r, int direction, bool least) const {
+  linear_var best = -1;
+  for (const row_entry& e : r.entries) {
+    if (e.var == r.basic || !can_move(e.var, direction * e.coefficient.sign())) {
+      continue;
+    }
+    const auto rank = [&](linear_var x) {
+      return std::pair(least ? std::size_t{0} : (is_free(x) ? 0 : std::size_t{1} << 32) + vars_[at(x)].column.size(),
+                       x);
+    };
+    if (best < 0 || rank(e.var) < rank(best)) {
+      best = e.var;
+    }
+  }
+  return best;
+}
+
+// The basic variable cannot move in the direction: its own bound, and those that stop the others.
+void simplex::explain_row(const row& r, int direction) {
+  conflict_.clear();
+  for (const row_entry& e : r.entries) {
+    const variable& v = vars_[at(e.var)];
+    const int sign = direction * e.coefficient.sign();
+    conflict_.push_back(sign > 0 ? v.upper.why : v.lower.why);  // the coefficient of the basic variable is -1
+  }
+}
+
+void simplex::pivot_and_set(linear_var leaving, linear_var entering, const delta_number& target) {
+  const row& r = rows_[at(vars_[at(leaving)].row)];
+  const exact inverse = exact(1) / coefficient_in(r, entering);
+  const delta_number by = (target - vars_[at(leaving)].value) * inverse;
+  move(entering, by);
+  vars_[at(leaving)].value = target;
+  pivot(leaving, entering);
+  suspect(entering);
+}
+
+// ---- Forced values.
+
+void simplex::express(std::span<const summand> sum) {
+  expression_.clear();
+  std::vector<linear_var> used;
+  const auto add = [&](linear_var x, const exact& coefficient) {
+    if (place_in_row_[at(x)] == 0) {
+      place_in_row_[at(x)] = 1;
+      used.push_back(x);
+      dense_[at(x)] = exact(0);
+    }
+    dense_[at(x)] += coefficient;
+  };
+  for (const auto& [x, coefficient] : sum) {
+    if (!is_basic(x)) {
+      add(x, coefficient);
+      continue;
+    }
+    const row& r = rows_[at(vars_[at(x)].row)];
+    work_.charge(r.entries.size());
+    for (const row_entry& e : r.entries) {
+      if (e.var != x) {
+        add(e.var, coefficient * e.coefficient);
+      }
+    }
+  }
+  for (const linear_var x : used) {
+    place_in_row_[at(x)] = 0;
+    broken_ = broken_ || !dense_[at(x)].is_known();
+    if (!dense_[at(x)].is_zero()) {
+      expression_.emplace_back(x, std::move(dense_[at(x)]));
+    }
+  }
+}
+
+// How far x, which is not basic, can move in the direction before a bound stops it; nothing: without end. blocking is
+// the basic variable that stops it, or x itself.
+std::optional<delta_number> simplex::room(linear_var x, int direction, linear_var* blocking) const {
+  std::optional<delta_number> least;
+  const auto stop = [&](linear_var y, int way, const exact& rate) {
+    const variable& v = vars_[at(y)];
+    const bound& b = way > 0 ? v.upper : v.lower;
+    if (!b.present) {
+      return;
+    }
+    const delta_number distance = (way > 0 ? b.value - v.value : v.value - b.value) * (exact(1) / rate);
+    if (!least || distance < *least || (distance == *least && y < *blocking)) {
+      least = distance;
+      *blocking = y;
+    }
+  };
+  stop(x, direction, exact(1));
+  for (const column_entry& c : vars_[at(x)].column) {
+    const row& r = rows_[at(c.row)];
+    const exact& coefficient = r.entries[at(c.place)].coefficient;
+    const int sign = coefficient.sign();
+    stop(r.basic, direction * sign, sign > 0 ? coefficient : -coefficient);
+  }
+  work_.charge(vars_[at(x)].column.size());
+  return least;
+}
+
+// A step into the room that seldom leads to a value that is there already: small numbers that change from call to call.
+delta_number simplex::step_within(const std::optional<delta_number>& room) {
+  random_ = random_ * 1103515245U + 12345U;
+  const auto draw = static_cast<std::int64_t>(random_ >> 16U & 1023U) + 1;
+  if (!room || exact(draw) < room->real) {
+    return {exact(draw), exact(0)};
+  }
+  const exact part = exact(1) / exact(draw % 61 + 2);
+  return *room * part;
+}
+
+simplex::forced simplex::is_forced(std::span<const summand> sum, std::vector<bound_reason>& why) {
+  express(sum);
+  bool all_fixed = true;
+  for (std::size_t i = 0; i < expression_.size(); ++i) {
+    const linear_var x = expression_[i].first;
+    if (is_fixed(x)) {
+      continue;
+    }
+    all_fixed = false;
+    for (const int direction : {1, -1}) {
+      linear_var blocking = -1;
+      const auto free_room = room(x, direction, &blocking);
+      if (!free_room || free_room->sign() > 0) {
+        delta_number step = step_within(free_room);
+        move(x, direction > 0 ? step : step * exact(-1));
+        return broken_ ? forced::exhausted : forced::no;
+      }
+    }
+  }
+  if (all_fixed) {
+    for (const auto& [x, coefficient] : expression_) {
+      why.push_back(vars_[at(x)].lower.why);
+      why.push_back(vars_[at(x)].upper.why);
+    }
+    return broken_ ? forced::exhausted : forced::yes;
+  }
+  const forced up = cannot_move(sum, 1, why);
+  return up == forced::yes ? cannot_move(sum, -1, why) : up;
+}
+
+// Is the present value of the sum its greatest (direction 1) or least one? Exchanges variables at a standstill, always
+// the least possible ones, until the sum can move or no variable could move it.
+simplex::forced simplex::cannot_move(std::span<const summand> sum, int direction, std::vector<bound_reason>& why) {
+  while (!broken_ && work_.charge(1)) {
+    express(sum);
+    linear_var entering = -1;
+    int way = 0;
+    for (const auto& [x, coefficient] : expression_) {
+      const int useful = direction * coefficient.sign();
+      if (can_move(x, useful) && (entering < 0 || x < entering)) {
+        entering = x;
+        way = useful;
+      }
+    }
+    if (entering < 0) {
+      for (const auto& [x, coefficient] : expression_) {
+        const variable& v = vars_[at(x)];
+        why.push_back(direction * coefficient.sign() > 0 ? v.upper.why : v.lower.why);
+      }
+      return forced::yes;
+    }
+    linear_var blocking = -1;
+    const auto free_room = room(entering, way, &blocking);
+    if (!free_room || free_room->sign() > 0) {
+      const delta_number step = step_within(free_room);
+      move(entering, way > 0 ? step : step * exact(-1));
+      return forced::no;
+    }
+    pivot(blocking, entering);
+  }
+  return forced::exhausted;
+}
+
+void simplex::scatter() {
+  for (linear_var x = 0; x < size() && !broken_ && !work_.exhausted(); ++x) {
+    if (is_basic(x) || is_fixed(x)) {
+      continue;
+    }
+    for (const int direction : {1, -1}) {
+      linear_var blocking = -1;
+      const auto free_room = room(x, direction, &blocking);
+      if (!free_room || free_room->sign() > 0) {
+        const delta_number step = step_within(free_room);
+        move(x, direction > 0 ? step : step * exact(-1));
+        break;
+      }
+    }
+  }
+}
+
+}  // namespace vetro::smt

@@ -1,0 +1,146 @@
+// Linear arithmetic over the rationals: is there a value for every variable within bounds that come and go, where some
+// variables are fixed combinations of others?
+//
+// A tableau expresses the basic variables by the others. Every variable that is not basic has a value within its bounds
+// at all times; check moves the basic ones into theirs by exchanging them, or finds a row that cannot be satisfied.
+// Values and the shape of the tableau survive going back: only bounds are taken back, and weaker bounds do no harm.
+//
+// All numbers are exact. When one outgrows its limit, or the work is used up, check answers exhausted.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <optional>
+#include <span>
+#include <utility>
+#include <vector>
+
+#include "number/budget.h"
+#include "smt_solver/src/delta_number.h"
+
+namespace vetro::smt {
+
+using linear_var = std::int32_t;
+
+// Why a bound holds; what the numbers mean is the owner's business.
+struct bound_reason {
+  std::int32_t first;
+  std::int32_t second;
+  bool operator==(const bound_reason&) const = default;
+};
+
+enum class bound_side : std::uint8_t { lower, upper };
+
+class simplex {
+ public:
+  enum class answer : unsigned char { feasible, conflict, exhausted };
+  using summand = std::pair<linear_var, exact>;
+
+  explicit simplex(budget& work) : work_(work) {}
+
+  linear_var add_variable();
+  // A variable that is the sum; at any time. No variable twice, no zero coefficients.
+  linear_var add_sum(std::span<const summand> sum);
+
+  // False: contradiction with the opposite bound. A weaker bound than the present one changes nothing.
+  bool assert_bound(linear_var x, bound_side side, const delta_number& value, bound_reason why);
+  answer check();
+  const std::vector<bound_reason>& conflict() const { return conflict_; }
+
+  void open_level() { level_starts_.push_back(undo_.size()); }
+  void back_to_level(int level);
+
+  // ---- After a feasible check.
+
+  int size() const { return static_cast<int>(vars_.size()); }
+  const delta_number& value(linear_var x) const { return vars_[at(x)].value; }
+  bool has_bounds(linear_var x) const { return vars_[at(x)].lower.present || vars_[at(x)].upper.present; }
+
+  // Does every solution give the sum the value that it has now? If so, adds the reasons. If not, the values may have
+  // changed to ones that also satisfy everything, and in which the sum mostly has another value.
+  enum class forced : unsigned char { no, yes, exhausted };
+  forced is_forced(std::span<const summand> sum, std::vector<bound_reason>& why);
+
+  // Moves variables that are free to move to other values, so that fewer are equal by accident.
+  void scatter();
+
+  std::size_t pivots() const { return pivots_; }
+  std::size_t tableau_entries() const { return entries_; }
+
+ private:
+  struct bound {
+    delta_number value;
+    bound_reason why{};
+    bool present = false;
+  };
+  struct column_entry {
+    std::int32_t row;
+    std::int32_t place;
+  };
+  struct variable {
+    delta_number value;
+    bound lower;
+    bound upper;
+    std::int32_t row = -1;  // the row that expresses it, if it is basic
+    std::vector<column_entry> column;
+  };
+  struct row_entry {
+    linear_var var;
+    std::int32_t place;  // in the column of the variable
+    exact coefficient;
+  };
+  // The sum of all entries is 0, and the coefficient of the basic variable is -1.
+  struct row {
+    linear_var basic;
+    std::vector<row_entry> entries;
+  };
+  struct bound_change {
+    linear_var var;
+    bound_side side;
+    bound before;
+  };
+
+  static std::size_t at(std::int32_t i) { return static_cast<std::size_t>(i); }
+  bool is_basic(linear_var x) const { return vars_[at(x)].row >= 0; }
+  bool is_free(linear_var x) const { return !has_bounds(x); }
+  bool is_fixed(linear_var x) const;
+  bool below(linear_var x) const { return vars_[at(x)].lower.present && vars_[at(x)].value < vars_[at(x)].lower.value; }
+  bool above(linear_var x) const { return vars_[at(x)].upper.present && vars_[at(x)].upper.value < vars_[at(x)].value; }
+  bool can_move(linear_var x, int direction) const;
+
+  void add_entry(std::int32_t r, linear_var x, exact coefficient);
+  void remove_entry(std::int32_t r, std::int32_t place);
+  void add_row(std::int32_t target, const exact& factor, std::int32_t source);
+  void pivot(linear_var leaving, linear_var entering);
+  void move(linear_var x, const delta_number& by);  // x is not basic
+  void suspect(linear_var x);
+  linear_var next_violated();
+  linear_var choose_entering(const row& r, int direction, bool least) const;
+  void explain_row(const row& r, int direction);
+  void pivot_and_set(linear_var leaving, linear_var entering, const delta_number& target);
+  const exact& coefficient_in(const row& r, linear_var x) const;
+
+  void express(std::span<const summand> sum);  // over variables that are not basic, into expression_
+  std::optional<delta_number> room(linear_var x, int direction, linear_var* blocking) const;
+  delta_number step_within(const std::optional<delta_number>& room);
+  forced cannot_move(std::span<const summand> sum, int direction, std::vector<bound_reason>& why);
+  void note(const delta_number& value) { broken_ = broken_ || !value.is_known(); }
+
+  budget& work_;
+  bool broken_ = false;  // some number is beyond its limit
+  std::vector<variable> vars_;
+  std::vector<row> rows_;
+  std::vector<std::int32_t> place_in_row_;  // scratch of add_row, by variable: place + 1
+  std::vector<linear_var> suspects_;        // heap of basic variables that may be out of bounds, least first
+  std::vector<std::uint8_t> is_suspect_;
+  std::vector<bound_reason> conflict_;
+  std::vector<bound_change> undo_;
+  std::vector<std::size_t> level_starts_;
+  std::vector<std::pair<linear_var, exact>> expression_;
+  std::vector<exact> dense_;
+  std::uint32_t random_ = 1;
+  std::size_t pivots_ = 0;
+  std::size_t entries_ = 0;
+};
+
+}  // namespace vetro::smt
