@@ -10,6 +10,7 @@
 namespace vetro {
 
 struct ProgramContext {
+  std::string config_file;
   std::string proof_gap_file;
   std::string dsl_file;
   FileConfig config;

@@ -6,10 +6,13 @@
 #include <cjson/cJSON.h>
 
 #include <cstdio>
+#include <filesystem>
 #include <memory>
 #include <string_view>
+#include <system_error>
 
 #include "dsl_interpreter/dsl_trace.h"
+#include "platform/file_identity.h"
 #include "platform/utf8.h"
 #include "term/print.h"
 #include "term/report.h"
@@ -214,23 +217,59 @@ bool write_document(std::FILE* file, const run_outcome& outcome) {
   return writer.serialised();
 }
 
+// The file behind links, whether it exists or not.
+std::string result_target(const std::string& path) {
+  constexpr int most_links = 40;  // as many as the platform follows
+  std::filesystem::path target = path;
+  std::error_code error;
+  for (int i = 0; i < most_links && std::filesystem::is_symlink(target, error); ++i) {
+    target = target.parent_path() / std::filesystem::read_symlink(target, error);
+  }
+  return target.string();
+}
+
+bool replaceable(const std::string& path) {
+  std::error_code error;
+  return !std::filesystem::exists(path, error) || is_regular_file(path);
+}
+
 }  // namespace
 
 bool write_structured_result_file(const std::string& path, const run_outcome& outcome) {
-  std::FILE* file = std::fopen(path.c_str(), "w");
+  // A document is complete or not there: it is written beside its place and moved. Devices are written in place, and so
+  // is what stands in a folder that takes no further file.
+  const std::string target = result_target(path);
+  const std::string beside = target + ".part";
+  std::FILE* file = replaceable(target) ? std::fopen(beside.c_str(), "w") : nullptr;
+  const bool moves = file != nullptr;
+  if (!moves) {
+    file = std::fopen(path.c_str(), "w");
+  }
   if (file == nullptr) {
     report_error("Error: Cannot open result JSON file: %s\n", path.c_str());
     return false;
   }
   const bool serialised = write_document(file, outcome);
   const bool lost = std::ferror(file) != 0;
-  const bool written = std::fclose(file) == 0 && !lost;
+  bool written = std::fclose(file) == 0 && !lost;
+  if (moves) {
+    written = written && serialised && std::rename(beside.c_str(), target.c_str()) == 0;
+    if (!written) {
+      std::remove(beside.c_str());
+    }
+  }
   if (!serialised) {
     report_error("Error: Failed to serialize result JSON\n");
   } else if (!written) {
     report_error("Error: Cannot write result JSON file: %s\n", path.c_str());
   }
   return serialised && written;
+}
+
+void discard_structured_result_file(const std::string& path) {
+  if (is_regular_file(path)) {
+    std::remove(result_target(path).c_str());
+  }
 }
 
 }  // namespace vetro

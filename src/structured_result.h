@@ -15,6 +15,9 @@ struct run_outcome {
   dsl_exe_code code;
 };
 
+// Removes the document of an earlier run, where there is one. Only a regular file is removed.
+void discard_structured_result_file(const std::string& path);
+
 // False, with a message on standard error, when the file cannot be opened or written or the document cannot be
 // serialised.
 bool write_structured_result_file(const std::string& path, const run_outcome& outcome);

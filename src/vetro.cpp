@@ -4,12 +4,14 @@
 #include <getopt.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <csignal>
 #include <cstdio>
 #include <memory>
 #include <new>
 #include <string>
+#include <vector>
 
 #include "dsl_interpreter/dsl_execute.h"
 #include "lib/dsl_parser.h"
@@ -17,6 +19,7 @@
 #include "lib/proof_gap_parser.h"
 #include "lib/thm_lib.h"
 #include "parser/parser_api.h"
+#include "platform/file_identity.h"
 #include "platform/large_stack.h"
 #include "program_context.h"
 #include "qv_solver_list/solver_registry.h"
@@ -89,7 +92,58 @@ command_line parse_command_line(int argc, char** argv, ProgramContext& context) 
   }
   context.proof_gap_file = argv[optind];
   context.dsl_file = argv[optind + 1];
+  context.config_file = config_path == nullptr ? "" : config_path;
   return parse_config(config_path, context.config) ? command_line::ready : command_line::config_failed;
+}
+
+// ---- Files.
+
+struct named_file {
+  const char* purpose;
+  std::string path;
+};
+
+std::vector<named_file> input_files(const ProgramContext& context) {
+  std::vector<named_file> files = {{"the configuration", context.config_file},
+                                   {"the proof gap", context.proof_gap_file},
+                                   {"the script", context.dsl_file}};
+  const TheoremLibrary& libraries = context.config.theorem_library;
+  files.push_back({"the theorem library", libraries.lib_index_file.value_or("")});
+  for (const ExternalTheoremLibrary& external : libraries.external_libs) {
+    files.push_back({"an external theorem library", external.path});
+  }
+  return files;
+}
+
+// False, with a message, when an output would overwrite an input or another output.
+bool outputs_are_apart(const ProgramContext& context) {
+  std::vector<named_file> files = input_files(context);
+  const named_file outputs[] = {{"the error log", context.config.dsl_responses.err_log.value_or("")},
+                                {"the execute log", context.config.dsl_responses.execute_log.value_or("")},
+                                {"the result document", context.result_json_file.value_or("")}};
+  for (const named_file& output : outputs) {
+    for (const named_file& other : files) {
+      if (same_file(output.path, other.path)) {
+        report_text(std::string("Error: ") + other.purpose + " and " + output.purpose +
+                    " are one file: " + output.path + "\n");
+        return false;
+      }
+    }
+    files.push_back(output);
+  }
+  return true;
+}
+
+// A run that ends early must not leave the document of an earlier one.
+void discard_earlier_result(const ProgramContext& context) {
+  if (!context.result_json_file.has_value()) {
+    return;
+  }
+  const std::string& path = *context.result_json_file;
+  const auto inputs = input_files(context);
+  if (std::none_of(inputs.begin(), inputs.end(), [&](const named_file& in) { return same_file(in.path, path); })) {
+    discard_structured_result_file(path);
+  }
 }
 
 // ---- Logs.
@@ -277,6 +331,10 @@ int run_with_error_log(const ProgramContext& context, log_stream& err_log) {
 
 // The dsl_exe_code of the run, or run_failed.
 int execute_program(const ProgramContext& context) {
+  if (!outputs_are_apart(context)) {
+    return run_failed;
+  }
+  discard_earlier_result(context);
   log_stream err_log;
   const config_text& path = context.config.dsl_responses.err_log;
   if (!open_log(err_log, path, error_log_purpose)) {
@@ -297,6 +355,9 @@ int run_program(int argc, char** argv) {
       return 0;
     case command_line::ready:
       return exit_status(execute_program(context));
+    case command_line::config_failed:
+      discard_earlier_result(context);
+      return 1;
     default:
       return 1;
   }

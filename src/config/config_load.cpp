@@ -178,12 +178,13 @@ bool parse_config(const char* filename, FileConfig& config) {
     std::perror("Error opening file");
     return false;
   }
+  const long start = std::ftell(file.get());
   find_root_dir(file.get(), config);
   if (!config.root_dir && std::ferror(file.get()) == 0) {
     report_error("Error: ROOT_PATH not found in config\n");
     return false;
   }
-  if (std::ferror(file.get()) == 0 && std::fseek(file.get(), 0, SEEK_SET) == 0) {
+  if (std::ferror(file.get()) == 0 && std::fseek(file.get(), start, SEEK_SET) == 0) {
     read_settings(file.get(), config);
     if (std::ferror(file.get()) == 0) {
       return true;

@@ -400,7 +400,7 @@ std::optional<dsl_instruction_list> parse_dsl_instructions(std::FILE* file, dsl_
 }
 
 std::optional<dsl_instruction_list> parse_dsl_instructions(const std::string& filename, dsl_parser_error* error) {
-  const text_file file(std::fopen(filename.c_str(), "rb"));
+  const text_file file = open_text_file(filename.c_str(), directories::fail_at_reading);
   if (file == nullptr) {
     std::perror("File open failed");
     *error = {0, filename};

@@ -72,9 +72,10 @@ std::optional<header> parse_header(std::string_view line) {
 // Collects the formula of the theorem that is open and stores it when the next one opens.
 class library_reader {
  public:
-  explicit library_reader(thm_lib& lib) : lib_(lib) {}
+  library_reader(thm_lib& lib, std::string_view file) : lib_(lib), file_(file) {}
 
   void take(std::string_view raw_line) {
+    ++line_number_;
     const std::string_view line = trim(raw_line);
     if (!line.starts_with("Thm ")) {
       if (open_) {
@@ -85,6 +86,7 @@ class library_reader {
     }
     close();
     open_ = parse_header(line);
+    open_line_ = line_number_;
     if (!open_) {
       std::string message("Error: Wrong Format: ");
       message += line;
@@ -105,13 +107,27 @@ class library_reader {
       term_ptr content = parse_semantic_term_from_str(formula_);
       if (content != nullptr) {
         thm_lib_add({open_->id, std::string(open_->name), content}, lib_);
+      } else {
+        report_left_out();
       }
     }
     open_.reset();
     formula_.clear();
   }
 
+  // Where the theorem stands whose formula the line before this one is about.
+  void report_left_out() const {
+    std::string message(file_.empty() ? "theorem library" : file_);
+    message += ':' + std::to_string(open_line_) + ": theorem " + std::to_string(open_->id) + " (";
+    message += open_->name;
+    message += ") does not parse and is left out\n";
+    report_text(message);
+  }
+
   thm_lib& lib_;
+  std::string_view file_;
+  std::size_t line_number_ = 0;
+  std::size_t open_line_ = 0;   // of the header of the open theorem
   std::optional<header> open_;  // its name is a part of the library text
   std::string formula_;
 };
@@ -159,8 +175,8 @@ const thm_lib* library_of(const thm_lib* lib, std::string_view alias) {
 
 }  // namespace
 
-void thm_lib_parse(std::string_view text, thm_lib& lib) {
-  library_reader reader(lib);
+void thm_lib_parse(std::string_view text, thm_lib& lib, std::string_view file) {
+  library_reader reader(lib, file);
   while (!text.empty()) {
     const std::size_t end = text.find('\n');
     reader.take(text.substr(0, end));
@@ -193,7 +209,7 @@ std::optional<thm_lib> thm_lib_load(const std::string& path) {
     return std::nullopt;
   }
   thm_lib lib;
-  thm_lib_parse(*text, lib);
+  thm_lib_parse(*text, lib, path);
   return lib;
 }
 

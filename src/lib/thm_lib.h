@@ -38,8 +38,8 @@ struct external_thm_lib {
 // Nothing when there is no main library, or one library cannot be read (its message stands on standard error).
 std::unique_ptr<thm_lib> thm_lib_load_from_config(const FileConfig& config);
 std::optional<thm_lib> thm_lib_load(const std::string& path);
-// Adds the theorems of a library text. Bad headers are reported and left out.
-void thm_lib_parse(std::string_view text, thm_lib& lib);
+// Adds the theorems of a library text. What does not parse is reported, with the name of the file, and left out.
+void thm_lib_parse(std::string_view text, thm_lib& lib, std::string_view file = {});
 // An id below 1 is not stored; a theorem of the same id is replaced.
 void thm_lib_add(theorem entry, thm_lib& lib);
 // False for an empty alias and for a file that cannot be read. A known alias gets the new library.
