@@ -82,4 +82,10 @@ inline constexpr std::int64_t parse_stack = 1'000'000;
 inline constexpr std::int64_t parse_stack_of_readings = 8'000'000;
 inline constexpr std::size_t parse_readings = 256;
 
+// Degree of a rational function of one variable, and sums and products of coefficients in all functions that one
+// question about limits reads. The limits of textbooks have degrees below 20; a sum of 200 fractions takes some
+// 100,000.
+inline constexpr std::size_t univariate_degree = 4096;
+inline constexpr std::uint64_t univariate_work = 4'000'000;
+
 }  // namespace vetro::limits

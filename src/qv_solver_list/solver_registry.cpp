@@ -23,7 +23,7 @@ constexpr std::array decision_solvers = std::to_array<solver_row>({
     {solver_id::eval_bar, "EvalBarSolver", nullptr},                                 // 10
     {solver_id::rootfrac, "RootFracSolver", nullptr},                                // 11
     {solver_id::numeric_calc, "", nullptr},                                          // 12
-    {solver_id::limit_calc, "LimitCalcSolver", nullptr},                             // 13
+    {solver_id::limit_calc, "LimitCalcSolver", solver_limit_calc},                   // 13
     {solver_id::root_power, "RootPowerSolver", nullptr},                             // 14
     {solver_id::poly_rat, "PolyRatSolver", solver_poly_rat_eqb},                     // 15
     {solver_id::sat, "", solver_sat},                                                // 16

@@ -11,6 +11,7 @@ bool solver_reflexivity(term_ptr target, const solve_data& sdata);
 bool solver_context_poly_rat(term_ptr target, const solve_data& sdata);
 bool solver_const_type(term_ptr target, const solve_data& sdata);
 bool solver_domain_type(term_ptr target, const solve_data& sdata);
+bool solver_limit_calc(term_ptr target, const solve_data& sdata);
 bool solver_poly_rat_eqb(term_ptr target, const solve_data& sdata);
 bool solver_sat(term_ptr target, const solve_data& sdata);
 bool solver_interval(term_ptr target, const solve_data& sdata);
