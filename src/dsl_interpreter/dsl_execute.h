@@ -72,6 +72,7 @@ struct dsl_execute_data {
   const thm_lib* thmlib = nullptr;
   dsl_execute_mode mode = fast_mode;
   proof_gap_full* cur_gap = nullptr;  // changed in place by handlers, not owned
+  bool goal_was_given_up = false;     // a rewritten hypothesis took the goal's place: what is proved is another goal
   std::vector<proof_gap_full> split_gaps;
   const dsl_instruction* inst = nullptr;
   bool print_internal = false;

@@ -11,7 +11,8 @@ void add_asserted_hypothesis(dsl_execute_data& data, dsl_result& result, term_pt
 }
 
 // Runs the block on a copy of the gap whose goal is the proposition. Nothing that it derives reaches the outer gap
-// except the proposition; what it admits is kept whatever the outcome.
+// except the proposition; what it admits is kept whatever the outcome. A block that has put a hypothesis in the place
+// of its goal has proved something else.
 void assert_by_block(dsl_execute_data& data, dsl_result& result, term_ptr proposition,
                      const dsl_instruction_list& body) {
   proof_gap_full gap = *data.cur_gap;
@@ -23,7 +24,7 @@ void assert_by_block(dsl_execute_data& data, dsl_result& result, term_ptr propos
   dsl_merge_admitted_propositions(data, local);
   if (code == exe_gap_split) {
     log_error(data, "execute_assert: proof blocks with split gaps are not supported yet\n");
-  } else if (proof_gap_full_is_finished(gap)) {
+  } else if (proof_gap_full_is_finished(gap) && !local.goal_was_given_up) {
     add_asserted_hypothesis(data, result, proposition);
   } else {
     log_error(data, "execute_assert: proof block did not prove the asserted hypothesis\n");

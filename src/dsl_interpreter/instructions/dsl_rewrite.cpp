@@ -5,6 +5,7 @@
 #include "qv_solver_list/algebra/solver_shape_simpl.h"
 #include "term/compare.h"
 #include "term/term_split_combine.h"
+#include "term/whole_parts.h"
 
 namespace vetro {
 namespace {
@@ -45,8 +46,8 @@ bool source_matches(const dsl_execute_data& data, const dsl_term& from) {
   return true;
 }
 
-// The two sides of an equivalence, or of an equation. One with Landau terms, which binds their variables, is none: from
-// x = bigO_{x → 0}(x) and -x = bigO_{x → 0}(x) follows nothing about x and -x.
+// The two sides of an equivalence, or of an equation. One with Landau terms, which binds their variables, is none, nor
+// is one that holds ±: from x = ±1 and y = ±1 follows nothing about x and y.
 std::optional<rule_sides> sides_of(term_ptr t, rewrite_hypo_type kind) {
   if (kind == re_iff) {
     const auto view = composed_prop_split(t);
@@ -54,7 +55,8 @@ std::optional<rule_sides> sides_of(term_ptr t, rewrite_hypo_type kind) {
                                                                : std::nullopt;
   }
   const auto view = atomic_prop_split(t);
-  return view && view->pred == Eq && view->t2 != nullptr && t->binders().empty()
+  return view && view->pred == Eq && view->t2 != nullptr && t->binders().empty() &&
+                 !holds_any(t, whole_part::several_values | whole_part::landau)
              ? std::optional(rule_sides{view->t1, view->t2})
              : std::nullopt;
 }
@@ -127,6 +129,7 @@ bool install_rewritten(dsl_execute_data& data, const dsl_rewrite& inst) {
   }
   if (to.type == dsl_goal) {
     install_goal(data, to.t);
+    data.goal_was_given_up = data.goal_was_given_up || from.type == dsl_hypo;
     return true;
   }
   if (to.num == from.num) {

@@ -44,6 +44,13 @@ TEST(Assert, BlockThatProvesNothing) {
   EXPECT_EQ(block_of("apply (hypothesis 9: {c = 1})\nassert (hypothesis 3: {d = 1}) by admit"),
             failed("Invalid hypothesis number: 9, current proof gap has 2 hypotheses\n" + not_proved.error));
   EXPECT_TRUE(s.data.admits.empty());
+  EXPECT_EQ(
+      block_of("assert (hypothesis 3: {c = c * 1})\n"
+               "rewrite (left_to_right, equation) (hypothesis 3: {c = c * 1}) from (hypothesis 2: {c = 1}) to (GOAL: "
+               "{c * 1 = 1})\n"
+               "autosolve all_hypothesis"),
+      not_proved)
+      << "a hypothesis in the place of the goal";
   EXPECT_EQ(block_of("case_analysis (hypothesis 1: {a = 1 ∨ b = 1})"),
             failed("execute_assert: proof blocks with split gaps are not supported yet\n"));
   EXPECT_TRUE(s.data.split_gaps.empty());

@@ -78,11 +78,11 @@ TEST_F(Rewrite, RuleIsAnEquationOrAnEquivalence) {
   EXPECT_EQ(with("equation", "(hypothesis 1: {q +})"), success);
 }
 
-TEST(RewriteLandau, EquationThatBindsIsNoRule) {
-  script_run s(gap_of({"x = bigO_{x → 0}(x)", "p = 1 ⇒ x = bigO_{x → 0}(x)", "x > 0"}, "z = 1"));
-  for (const std::string rule : {"1", "2"}) {
+TEST(RewriteRule, StandsForOneValue) {
+  script_run s(gap_of({"x = bigO_{x → 0}(x)", "p = 1 ⇒ x = bigO_{x → 0}(x)", "x = ±1", "x > 0"}, "z = 1"));
+  for (const std::string rule : {"1", "2", "3"}) {
     EXPECT_EQ(s.step("rewrite (left_to_right, equation) (hypothesis " + rule +
-                     ": {x = x}) from (hypothesis 3: {x > 0}) to (hypothesis 4: {bigO_{x → 0}(x) > 0})"),
+                     ": {x = x}) from (hypothesis 4: {x > 0}) to (hypothesis 5: {±1 > 0})"),
               failed("Hypothesis is not an equation for rewriting.\n"));
   }
 }
