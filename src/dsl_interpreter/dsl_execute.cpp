@@ -130,7 +130,7 @@ std::optional<dsl_result> execute_instruction(dsl_execute_data& data) {
     data.err_log->write("current proof gap is already finished\n");
     return dsl_result{};
   }
-  const instruction_handler handler = instruction_row_of(data.inst->type()).execute;
+  const instruction_handler handler = instruction_handler_of(data.inst->type());
   if (handler == nullptr) {
     report_error("Error: invalid instruction type: %d\n", static_cast<int>(data.inst->type()));
     return std::nullopt;

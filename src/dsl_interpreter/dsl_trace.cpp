@@ -5,7 +5,6 @@
 #include <cstdio>
 #include <string_view>
 
-#include "dsl_interpreter/dsl_instruction_table.h"
 #include "dsl_interpreter/dsl_trace_instruction.h"
 #include "term/compare.h"
 #include "term/report.h"
@@ -202,22 +201,17 @@ void dsl_trace_print_header(const dsl_execute_data& data, const dsl_instruction&
   std::string out;
   trace_indent(out, data.trace_depth);
   out += "[" + data.current_step_id + "] ";
-  const instruction_row& row = instruction_row_of(inst.type());
-  if (row.trace_header != nullptr) {
-    row.trace_header(out, inst);
-  }
+  trace_print_header(out, inst);
   out += "\n";
   data.execute_log->write(out);
 }
 
 void dsl_trace_print_instruction_fields(const dsl_execute_data& data, const dsl_instruction& inst) {
-  const instruction_row& row = instruction_row_of(inst.type());
-  if (row.trace_fields == nullptr) {
-    return;
-  }
   std::string out;
-  trace_lines lines(out, data.trace_depth + 1, data.print_internal);
-  row.trace_fields(lines, inst);
+  trace_print_fields(out, data.trace_depth + 1, inst);
+  if (data.print_internal) {
+    trace_print_internal_fields(out, data.trace_depth + 1, inst);
+  }
   data.execute_log->write(out);
 }
 

@@ -20,60 +20,10 @@ void trace_print_internal_term_line(std::string& out, int level, std::string_vie
 void trace_print_internal_dsl_term_line(std::string& out, int level, std::string_view label, const dsl_term& reference);
 void trace_print_internal_sub_list(std::string& out, int level, const dsl_sub_list& list);
 
-// Writes the fields of an instruction at one level. The internal lines appear only where internal forms are shown.
-class trace_lines {
- public:
-  trace_lines(std::string& out, int level, bool internal) : out_(out), level_(level), internal_(internal) {}
-
-  void text(std::string_view label, std::string_view value);
-  void formula(std::string_view label, term_ptr t);
-  void reference(std::string_view label, const dsl_term& reference);
-  void references(std::string_view label, const dsl_term_list& list);
-  void pairs(std::string_view label, const dsl_sub_list& list);
-  void internal_formula(std::string_view label, term_ptr t);
-  void internal_reference(std::string_view label, const dsl_term& reference);
-  void internal_pairs(const dsl_sub_list& list);
-
- private:
-  void open(std::string_view label);
-
-  std::string& out_;
-  int level_;
-  bool internal_;
-};
-
-void trace_header(std::string& out, const dsl_get_prop& inst);
-void trace_header(std::string& out, const dsl_exists& inst);
-void trace_header(std::string& out, const dsl_destruct_and& inst);
-void trace_header(std::string& out, const dsl_rewrite& inst);
-void trace_header(std::string& out, const dsl_rewrite_in& inst);
-void trace_header(std::string& out, const dsl_apply& inst);
-void trace_header(std::string& out, const dsl_assert& inst);
-void trace_header(std::string& out, const dsl_case_analysis& inst);
-void trace_header(std::string& out, const dsl_or_intro& inst);
-void trace_header(std::string& out, const dsl_use_condition& inst);
-void trace_header(std::string& out, const dsl_get_exists& inst);
-void trace_header(std::string& out, const dsl_get_forall& inst);
-void trace_header(std::string& out, const dsl_get_condition& inst);
-void trace_header(std::string& out, const dsl_auto_replace& inst);
-void trace_header(std::string& out, const dsl_not_normalize& inst);
-void trace_header(std::string& out, const dsl_auto_solve& inst);
-
-void trace_fields(trace_lines& out, const dsl_get_prop& inst);
-void trace_fields(trace_lines& out, const dsl_exists& inst);
-void trace_fields(trace_lines& out, const dsl_destruct_and& inst);
-void trace_fields(trace_lines& out, const dsl_rewrite& inst);
-void trace_fields(trace_lines& out, const dsl_rewrite_in& inst);
-void trace_fields(trace_lines& out, const dsl_apply& inst);
-void trace_fields(trace_lines& out, const dsl_assert& inst);
-void trace_fields(trace_lines& out, const dsl_case_analysis& inst);
-void trace_fields(trace_lines& out, const dsl_or_intro& inst);
-void trace_fields(trace_lines& out, const dsl_use_condition& inst);
-void trace_fields(trace_lines& out, const dsl_get_exists& inst);
-void trace_fields(trace_lines& out, const dsl_get_forall& inst);
-void trace_fields(trace_lines& out, const dsl_get_condition& inst);
-void trace_fields(trace_lines& out, const dsl_auto_replace& inst);
-void trace_fields(trace_lines& out, const dsl_not_normalize& inst);
-void trace_fields(trace_lines& out, const dsl_auto_solve& inst);
+// The words behind the step id, without a line end.
+void trace_print_header(std::string& out, const dsl_instruction& inst);
+// A line for each field; and the lines with the internal forms, which stand behind all of them.
+void trace_print_fields(std::string& out, int level, const dsl_instruction& inst);
+void trace_print_internal_fields(std::string& out, int level, const dsl_instruction& inst);
 
 }  // namespace vetro

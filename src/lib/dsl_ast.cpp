@@ -1,9 +1,8 @@
 // Names and printers of the script's records. What the printers write is the script language itself; the internal form
-// differs in its formulas only.
+// differs in its formulas only. How an instruction is written stands in its form.
 #include "lib/dsl_ast.h"
 
-#include <iterator>
-
+#include "lib/dsl_form.h"
 #include "term/print.h"
 #include "term/report.h"
 
@@ -11,13 +10,9 @@ namespace vetro {
 
 namespace {
 
-constexpr const char* direction_names[] = {"left_to_right", "right_to_left"};
-constexpr const char* kind_names[] = {"equation", "iff"};
-constexpr const char* context_names[] = {"limit", "sum", "setdesc"};
-
 template <std::size_t size>
-const char* name_in(const char* const (&names)[size], std::size_t value) {
-  return value < size ? names[value] : "unknown";
+const char* name_in(const std::string_view (&names)[size], std::size_t value) {
+  return value < size ? names[value].data() : "unknown";  // the words are literals, which end in a zero
 }
 
 void print_formula(std::string& out, term_ptr t, bool internal) {
@@ -28,213 +23,43 @@ void print_formula(std::string& out, term_ptr t, bool internal) {
   }
 }
 
-// ---- One printer for each instruction: what follows the line number.
+// Prints the parts of a form one after the other.
+struct part_printer {
+  std::string& out;
+  const dsl_content& content;
+  bool internal;
 
-void print_rule(std::string& out, rewrite_direction direction, rewrite_hypo_type kind, const dsl_term& hypo,
-                bool internal) {
-  out += '(';
-  out += rewrite_direction_name(direction);
-  out += ", ";
-  out += rewrite_hypo_type_name(kind);
-  out += ") ";
-  print_dsl_term(out, hypo, internal);
-}
-
-void print_from_to(std::string& out, const dsl_term& from, const dsl_term& to, bool internal) {
-  out += " from ";
-  print_dsl_term(out, from, internal);
-  out += " to ";
-  print_dsl_term(out, to, internal);
-}
-
-void print(std::string& out, const dsl_get_prop& inst, bool internal) {
-  out += "get_prop ";
-  print_dsl_term(out, inst.thm, internal);
-  out += ' ';
-  print_sub_pair_list(out, inst.list, internal);
-  out += "as ";
-  print_dsl_term(out, inst.new_hypo, internal);
-}
-
-void print(std::string& out, const dsl_exists& inst, bool internal) {
-  out += "exists ";
-  print_sub_pair_list(out, inst.list, internal);
-}
-
-void print(std::string& out, const dsl_destruct_and& inst, bool internal) {
-  out += "destruct_and ";
-  print_dsl_term(out, inst.source, internal);
-  out += " as ";
-  print_dsl_term_list(out, inst.new_hypos, internal);
-}
-
-void print(std::string& out, const dsl_rewrite& inst, bool internal) {
-  out += "rewrite ";
-  print_rule(out, inst.direction, inst.htype, inst.hypo, internal);
-  print_from_to(out, inst.from_prop, inst.to_prop, internal);
-}
-
-void print(std::string& out, const dsl_rewrite_in& inst, bool internal) {
-  out += "rewrite_in ";
-  out += rewrite_in_context_name(inst.context);
-  out += ' ';
-  print_rule(out, inst.direction, inst.htype, inst.hypo, internal);
-  if (!inst.binder_map.empty()) {
-    out += ' ';
-    print_sub_pair_list_compact(out, inst.binder_map, internal);
-    out += ';';
+  void operator()(const text_part& part) const { out += part.text; }
+  void operator()(const reference_part& part) const { print_dsl_term(out, part.field.of(content), internal); }
+  void operator()(const references_part& part) const { print_dsl_term_list(out, part.field.of(content), internal); }
+  void operator()(const pairs_part& part) const { print_sub_pair_list(out, part.field.of(content), internal); }
+  void operator()(const word_part& part) const { out += part.field.words[part.field.of(content)]; }
+  void operator()(const formula_part& part) const {
+    out += '(';
+    print_formula(out, part.field.of(content), internal);
+    out += ')';
   }
-  print_from_to(out, inst.from_prop, inst.to_prop, internal);
-}
-
-void print(std::string& out, const dsl_apply& inst, bool internal) {
-  out += "apply ";
-  print_dsl_term(out, inst.hypo, internal);
-}
-
-void print(std::string& out, const dsl_assert& inst, bool internal) {
-  out += "assert ";
-  print_dsl_term(out, inst.new_hypo, internal);
-  if (inst.mode == dsl_assert_by_admit) {
-    out += " by admit";
-  } else if (!inst.proof_body.empty()) {
-    out += " by proof {\n";
-    print_dsl_instruction_list(out, inst.proof_body, internal);
-    out += '}';
-  } else if (inst.mode == dsl_assert_by_proof) {
-    out += " by proof";
-  }
-}
-
-void print(std::string& out, const dsl_case_analysis& inst, bool internal) {
-  out += "case_analysis ";
-  print_dsl_term(out, inst.hypo, internal);
-}
-
-void print(std::string& out, const dsl_or_intro& inst, bool /*internal*/) {
-  out += inst.side == or_intro_left ? "or_intro left" : "or_intro right";
-}
-
-void print(std::string& out, const dsl_use_condition& inst, bool internal) {
-  out += "use_condition ";
-  print_dsl_term_list(out, inst.hypo_list, internal);
-  out += "in ";
-  print_dsl_term(out, inst.target, internal);
-  out += " as ";
-  print_dsl_term(out, inst.new_hypo, internal);
-}
-
-void print(std::string& out, const dsl_get_exists& inst, bool internal) {
-  out += "get_exists ";
-  print_dsl_term(out, inst.target, internal);
-  out += ' ';
-  print_sub_pair_list(out, inst.list, internal);
-}
-
-void print(std::string& out, const dsl_get_forall& inst, bool internal) {
-  out += "get_forall ";
-  print_dsl_term(out, inst.goal, internal);
-  out += ' ';
-  print_sub_pair_list(out, inst.list, internal);
-}
-
-void print(std::string& out, const dsl_get_condition& inst, bool internal) {
-  out += "get_condition ";
-  print_dsl_term_list(out, inst.hlist, internal);
-  out += "in ";
-  print_dsl_term(out, inst.goal, internal);
-}
-
-void print_selector(std::string& out, const dsl_auto_replace& inst, bool internal) {
-  switch (inst.mode) {
-    case ar_all_hypothesis:
-      out += "all_hypothesis ";
-      return;
-    case ar_no_hypothesis:
-      out += "no_hypothesis ";
-      return;
-    case ar_specific_hypothesis:
-      print_dsl_term_list(out, inst.hlist, internal);
-      return;
-  }
-  report_error("Error: unknown auto_replace_hypo_mode: %d\n", inst.mode);
-}
-
-void print(std::string& out, const dsl_auto_replace& inst, bool internal) {
-  out += "autoreplace ";
-  print_selector(out, inst, internal);
-  out += "from (";
-  print_formula(out, inst.from_term, internal);
-  out += ") to (";
-  print_formula(out, inst.to_term, internal);
-  out += ')';
-  print_from_to(out, inst.from_prop, inst.to_prop, internal);
-}
-
-void print(std::string& out, const dsl_not_normalize& inst, bool internal) {
-  out += "not_normalize";
-  print_from_to(out, inst.from_prop, inst.to_prop, internal);
-}
-
-void print(std::string& out, const dsl_auto_solve& inst, bool internal) {
-  out += "autosolve ";
-  if (inst.all_assum) {
-    out += "all_hypothesis ";
-  } else {
-    print_dsl_term_list(out, inst.hlist, internal);
-  }
-  if (!inst.solver_name.empty()) {
-    out += "using ";
-    out += inst.solver_name;
-  }
-}
-
-template <typename instruction>
-void print_as(std::string& out, const dsl_content& content, bool internal) {
-  print(out, std::get<instruction>(content), internal);
-}
-
-// ---- The table of instructions, in the order of dsl_type.
-
-struct instruction_form {
-  const char* name;
-  void (*print)(std::string& out, const dsl_content& content, bool internal);
+  void operator()(const special_part& part) const { part.print(out, content, internal); }
+  void operator()(const semicolon_part&) const {}
+  void operator()(const end_part&) const {}
 };
-
-constexpr instruction_form instruction_forms[] = {
-    {"get_prop", print_as<dsl_get_prop>},
-    {"exists", print_as<dsl_exists>},
-    {"destruct_and", print_as<dsl_destruct_and>},
-    {"rewrite", print_as<dsl_rewrite>},
-    {"rewrite_in", print_as<dsl_rewrite_in>},
-    {"apply", print_as<dsl_apply>},
-    {"assert", print_as<dsl_assert>},
-    {"case_analysis", print_as<dsl_case_analysis>},
-    {"or_intro", print_as<dsl_or_intro>},
-    {"use_condition", print_as<dsl_use_condition>},
-    {"get_exists", print_as<dsl_get_exists>},
-    {"get_forall", print_as<dsl_get_forall>},
-    {"get_condition", print_as<dsl_get_condition>},
-    {"autoreplace", print_as<dsl_auto_replace>},
-    {"not_normalize", print_as<dsl_not_normalize>},
-    {"autosolve", print_as<dsl_auto_solve>},
-    {"solver", nullptr},  // no instruction has this type
-};
-static_assert(std::size(instruction_forms) == dsl_type_count);
 
 }  // namespace
 
 // ---- Names.
 
 const char* dsl_type_name(int type) {
-  return type >= 0 && type < dsl_type_count ? instruction_forms[type].name : "unknown";
+  if (type == SOLVER_INST) {
+    return "solver";
+  }
+  return type >= 0 && type < SOLVER_INST ? instruction_form_of(static_cast<dsl_type>(type)).keyword.data() : "unknown";
 }
 
-const char* rewrite_direction_name(rewrite_direction direction) { return name_in(direction_names, direction); }
+const char* rewrite_direction_name(rewrite_direction direction) { return name_in(rewrite_direction_words, direction); }
 
-const char* rewrite_hypo_type_name(rewrite_hypo_type type) { return name_in(kind_names, type); }
+const char* rewrite_hypo_type_name(rewrite_hypo_type type) { return name_in(rewrite_hypo_type_words, type); }
 
-const char* rewrite_in_context_name(rewrite_in_context context) { return name_in(context_names, context); }
+const char* rewrite_in_context_name(rewrite_in_context context) { return name_in(rewrite_in_context_words, context); }
 
 // ---- References and pairs.
 
@@ -319,7 +144,11 @@ void print_sub_pair_list_compact(std::string& out, const dsl_sub_list& list, boo
 void print_dsl_instruction(std::string& out, const dsl_instruction& inst, bool internal) {
   out += std::to_string(inst.number);
   out += ". ";
-  instruction_forms[inst.type()].print(out, inst.content, internal);
+  const instruction_form& form = instruction_form_of(inst.type());
+  out += form.keyword;
+  for (const syntax_part& part : form.syntax) {
+    std::visit(part_printer{out, inst.content, internal}, part);
+  }
 }
 
 void print_dsl_instruction_list(std::string& out, const dsl_instruction_list& list, bool internal) {

@@ -4,6 +4,7 @@
 
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -151,9 +152,14 @@ struct dsl_instruction {
 
 // "get_prop" ... "solver" in the order of dsl_type, "unknown" for anything else.
 const char* dsl_type_name(int type);
-const char* rewrite_direction_name(rewrite_direction direction);  // "left_to_right", "right_to_left"
-const char* rewrite_hypo_type_name(rewrite_hypo_type type);       // "equation", "iff"
-const char* rewrite_in_context_name(rewrite_in_context context);  // "limit", "sum", "setdesc"
+const char* rewrite_direction_name(rewrite_direction direction);
+const char* rewrite_hypo_type_name(rewrite_hypo_type type);
+const char* rewrite_in_context_name(rewrite_in_context context);
+
+// The words of the enumerations, in their order.
+inline constexpr std::string_view rewrite_direction_words[] = {"left_to_right", "right_to_left"};
+inline constexpr std::string_view rewrite_hypo_type_words[] = {"equation", "iff"};
+inline constexpr std::string_view rewrite_in_context_words[] = {"limit", "sum", "setdesc"};
 
 // Printers: the concrete syntax of the script with the line number in front; with internal set, formulas in internal
 // form.
