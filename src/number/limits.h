@@ -53,6 +53,17 @@ inline constexpr std::uint64_t poly_work = 2'000'000;
 // product of two such numbers takes about a tenth of a millisecond, and GMP's temporary memory for it is on the stack.
 inline constexpr std::size_t exact_bits = 65'536;
 
+// Nodes that one evaluation by definitions may work on, each counted once for every depth of unfolding at which it is
+// met. Real goals need some hundred; about half a second.
+inline constexpr std::uint64_t func_apply_steps = 200'000;
+
+// Sums or products that are opened to list the summands or factors of one term. A long sum has some thousand; a term
+// that shares its parts may have 2^60.
+inline constexpr std::size_t arithmetic_parts = 100'000;
+
+// Signs of factors that one comparison of root expressions tries to prove; each asks some solvers.
+inline constexpr int root_sign_proofs = 200;
+
 // Facts about terms and pairs of terms that comparisons remember, beside those of the terms at hand; about 100 bytes
 // each.
 inline constexpr std::size_t poly_remembered = 200'000;
