@@ -13,7 +13,7 @@ constexpr std::array decision_solvers = std::to_array<solver_row>({
     {solver_id::eqb, "EqbSolver", solver_eqb},                                       // 0
     {solver_id::reflexivity, "Reflexivity", solver_reflexivity},                     // 1
     {solver_id::context_poly_rat, "ContextPolyRatSolver", solver_context_poly_rat},  // 2
-    {solver_id::func_apply, "FunctionApplySolver", nullptr},                         // 3
+    {solver_id::func_apply, "FunctionApplySolver", solver_func_apply_eqb},           // 3
     {solver_id::deriv, "DerivSolver", nullptr},                                      // 4
     {solver_id::continuous_func, "ContinuousFuncSolver", nullptr},                   // 5
     {solver_id::integrable_func, "IntegrableFuncSolver", nullptr},                   // 6
@@ -21,10 +21,10 @@ constexpr std::array decision_solvers = std::to_array<solver_row>({
     {solver_id::domain_type, "", solver_domain_type},                                // 8
     {solver_id::integral, "IntegralSolver", nullptr},                                // 9
     {solver_id::eval_bar, "EvalBarSolver", nullptr},                                 // 10
-    {solver_id::rootfrac, "RootFracSolver", nullptr},                                // 11
+    {solver_id::rootfrac, "RootFracSolver", solver_rootfrac},                        // 11
     {solver_id::numeric_calc, "", nullptr},                                          // 12
     {solver_id::limit_calc, "LimitCalcSolver", solver_limit_calc},                   // 13
-    {solver_id::root_power, "RootPowerSolver", nullptr},                             // 14
+    {solver_id::root_power, "RootPowerSolver", solver_root_power},                   // 14
     {solver_id::poly_rat, "PolyRatSolver", solver_poly_rat_eqb},                     // 15
     {solver_id::sat, "", solver_sat},                                                // 16
     {solver_id::interval, "IntervalSolver", solver_interval},                        // 17

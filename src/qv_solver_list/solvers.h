@@ -9,8 +9,11 @@ namespace vetro {
 bool solver_eqb(term_ptr target, const solve_data& sdata);
 bool solver_reflexivity(term_ptr target, const solve_data& sdata);
 bool solver_context_poly_rat(term_ptr target, const solve_data& sdata);
+bool solver_func_apply_eqb(term_ptr target, const solve_data& sdata);
 bool solver_const_type(term_ptr target, const solve_data& sdata);
 bool solver_domain_type(term_ptr target, const solve_data& sdata);
+bool solver_rootfrac(term_ptr target, const solve_data& sdata);
+bool solver_root_power(term_ptr target, const solve_data& sdata);
 bool solver_limit_calc(term_ptr target, const solve_data& sdata);
 bool solver_poly_rat_eqb(term_ptr target, const solve_data& sdata);
 bool solver_sat(term_ptr target, const solve_data& sdata);
