@@ -10,6 +10,8 @@ bool solver_eqb(term_ptr target, const solve_data& sdata);
 bool solver_reflexivity(term_ptr target, const solve_data& sdata);
 bool solver_context_poly_rat(term_ptr target, const solve_data& sdata);
 bool solver_func_apply_eqb(term_ptr target, const solve_data& sdata);
+bool solver_continuous_func(term_ptr target, const solve_data& sdata);
+bool solver_integrable_func(term_ptr target, const solve_data& sdata);
 bool solver_const_type(term_ptr target, const solve_data& sdata);
 bool solver_domain_type(term_ptr target, const solve_data& sdata);
 bool solver_rootfrac(term_ptr target, const solve_data& sdata);
