@@ -20,9 +20,9 @@ constexpr std::array decision_solvers = std::to_array<solver_row>({
     {solver_id::const_type, "ConstTypeSolver", solver_const_type},                   // 7
     {solver_id::domain_type, "", solver_domain_type},                                // 8
     {solver_id::integral, "IntegralSolver", nullptr},                                // 9
-    {solver_id::eval_bar, "EvalBarSolver", nullptr},                                 // 10
+    {solver_id::eval_bar, "EvalBarSolver", solver_eval_bar},                         // 10
     {solver_id::rootfrac, "RootFracSolver", solver_rootfrac},                        // 11
-    {solver_id::numeric_calc, "", nullptr},                                          // 12
+    {solver_id::numeric_calc, "", solver_numeric_calc},                              // 12
     {solver_id::limit_calc, "LimitCalcSolver", solver_limit_calc},                   // 13
     {solver_id::root_power, "RootPowerSolver", solver_root_power},                   // 14
     {solver_id::poly_rat, "PolyRatSolver", solver_poly_rat_eqb},                     // 15

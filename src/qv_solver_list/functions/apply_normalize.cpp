@@ -161,7 +161,7 @@ bool is_pointwise_operation(const position& p) {
 }
 
 bool is_applied_function(const position& p) {
-  return p.head->type() == Lambda && !p.head->vars().empty() && p.args.size() >= p.head->vars().size();
+  return p.head->type() == Lambda && !p.head->vars().empty() && p.args.size() == p.head->vars().size();
 }
 
 }  // namespace
@@ -191,32 +191,29 @@ class function_evaluator::walk {
     if (spent_) {
       return nullptr;
     }
-    if (leaves_alone(t, view)) {
+    if (fuel < 1 ? !t->has(fact_lambda) : leaves_alone(t, view)) {
       return t;
     }
     const key place{t, std::max(fuel, 0), view.id};
-    if (const auto known = known_.find(place); known != known_.end()) {
-      return known->second;
+    const auto [slot, added] = known_.try_emplace(place, nullptr);
+    if (!added) {
+      // A term that is met again while it is worked on reduces to itself: it has no value.
+      return slot->second != nullptr ? slot->second : fail();
     }
     if (++steps_ > limits::func_apply_steps) {
       return fail();
     }
-    const term_ptr result = fuel < 1 ? beta(t) : normal_node(t, fuel, view);
+    const term_ptr result = normal_node(t, place.fuel, view);
     if (result == nullptr) {
       return fail();
     }
-    known_.emplace(place, result);
+    known_[place] = result;
     return result;
   }
 
   term_ptr fail() {
     spent_ = true;
     return nullptr;
-  }
-
-  term_ptr beta(term_ptr t) {
-    const term_ptr result = beta_normalize_term(t);
-    return result == nullptr ? fail() : result;
   }
 
   // Nothing in t is applied, defined, or given by cases.
@@ -314,24 +311,31 @@ class function_evaluator::walk {
 
   // What an application with evaluated parts comes to.
   term_ptr evaluated(const position& applied, int fuel, visible_assumptions& view) {
-    const bool reducible = is_applied_function(applied) || is_pointwise_operation(applied);
-    if (!reducible) {
+    const bool function = is_applied_function(applied);
+    if (!function && !is_pointwise_operation(applied)) {
       return value_of(applied, fuel, view);
     }
     if (std::any_of(applied.args.begin(), applied.args.end(), is_one_whole)) {
       return applied.whole;
     }
-    const term_ptr reduced = beta(applied.whole);
-    if (reduced == nullptr) {
-      return nullptr;
+    const term_ptr body =
+        function ? solver_func_apply_lambda(applied.head, applied.args) : beta_normalize_term(applied.whole);
+    if (body == nullptr) {
+      return applied.whole;
     }
-    const position result = position::at(reduced);
-    const term_ptr value = value_of(result, fuel, view);
+    const term_ptr reduced = normal(body, 0, view);
+    if (reduced == nullptr || fuel < 1) {
+      return reduced;
+    }
+    const term_ptr value = value_of(position::at(reduced), fuel, view);
     return value == reduced ? normal(reduced, fuel - 1, view) : value;
   }
 
   // The case that holds, or the value by definition; the term itself where there is neither.
   term_ptr value_of(const position& applied, int fuel, visible_assumptions& view) {
+    if (fuel < 1) {
+      return applied.whole;
+    }
     if (is_oper(applied.head, PiecewiseFunc)) {
       const term_ptr chosen = select(applied.whole, fuel, view);
       return chosen != nullptr || spent_ ? chosen : applied.whole;

@@ -1,0 +1,364 @@
+// Values are found from the inside out. A part whose value is a fraction that fits 32 bits becomes that number; sines,
+// cosines, tangents and logarithms become the terms that their tables and laws give.
+#include "qv_solver_list/algebra/numeric_calc.h"
+
+#include <algorithm>
+#include <array>
+#include <unordered_map>
+
+#include "qv_solver_list/constant_analysis.h"
+#include "qv_solver_list/equality_tests.h"
+#include "qv_solver_list/number_reading.h"
+#include "qv_solver_list/solvers.h"
+#include "term/compare.h"
+#include "term/relation.h"
+#include "term/traverse.h"
+#include "term/whole_parts.h"
+
+namespace vetro {
+namespace {
+
+// ---- Values of sine, cosine and tangent.
+
+enum trig_kind : std::uint8_t {
+  TRIG_RAT = 0,         // value1 / value2
+  TRIG_ROOT_HALF = 1,   // sign * root(value1) / 2
+  TRIG_ROOT_THIRD = 2,  // sign * root(3) / 3
+  TRIG_ROOT_WHOLE = 3,  // sign * root(3)
+};
+
+// The value of op at num / den * π, an angle below 2π.
+struct trig_rule {
+  oper_type op;
+  std::int32_t num;
+  std::int32_t den;
+  trig_kind kind;
+  std::int32_t value1;
+  std::int32_t value2;
+  int sign;
+};
+
+constexpr auto TRIG_RULES = std::to_array<trig_rule>({
+    {Sin, 0, 1, TRIG_RAT, 0, 1, 1},         {Sin, 1, 1, TRIG_RAT, 0, 1, 1},
+    {Sin, 1, 6, TRIG_RAT, 1, 2, 1},         {Sin, 5, 6, TRIG_RAT, 1, 2, 1},
+    {Sin, 7, 6, TRIG_RAT, -1, 2, 1},        {Sin, 11, 6, TRIG_RAT, -1, 2, 1},
+    {Sin, 1, 4, TRIG_ROOT_HALF, 2, 0, 1},   {Sin, 3, 4, TRIG_ROOT_HALF, 2, 0, 1},
+    {Sin, 5, 4, TRIG_ROOT_HALF, 2, 0, -1},  {Sin, 7, 4, TRIG_ROOT_HALF, 2, 0, -1},
+    {Sin, 1, 3, TRIG_ROOT_HALF, 3, 0, 1},   {Sin, 2, 3, TRIG_ROOT_HALF, 3, 0, 1},
+    {Sin, 4, 3, TRIG_ROOT_HALF, 3, 0, -1},  {Sin, 5, 3, TRIG_ROOT_HALF, 3, 0, -1},
+    {Sin, 1, 2, TRIG_RAT, 1, 1, 1},         {Sin, 3, 2, TRIG_RAT, -1, 1, 1},
+    {Cos, 0, 1, TRIG_RAT, 1, 1, 1},         {Cos, 1, 1, TRIG_RAT, -1, 1, 1},
+    {Cos, 1, 2, TRIG_RAT, 0, 1, 1},         {Cos, 3, 2, TRIG_RAT, 0, 1, 1},
+    {Cos, 1, 6, TRIG_ROOT_HALF, 3, 0, 1},   {Cos, 11, 6, TRIG_ROOT_HALF, 3, 0, 1},
+    {Cos, 5, 6, TRIG_ROOT_HALF, 3, 0, -1},  {Cos, 7, 6, TRIG_ROOT_HALF, 3, 0, -1},
+    {Cos, 1, 4, TRIG_ROOT_HALF, 2, 0, 1},   {Cos, 7, 4, TRIG_ROOT_HALF, 2, 0, 1},
+    {Cos, 3, 4, TRIG_ROOT_HALF, 2, 0, -1},  {Cos, 5, 4, TRIG_ROOT_HALF, 2, 0, -1},
+    {Cos, 1, 3, TRIG_RAT, 1, 2, 1},         {Cos, 5, 3, TRIG_RAT, 1, 2, 1},
+    {Cos, 2, 3, TRIG_RAT, -1, 2, 1},        {Cos, 4, 3, TRIG_RAT, -1, 2, 1},
+    {Tan, 0, 1, TRIG_RAT, 0, 1, 1},         {Tan, 1, 1, TRIG_RAT, 0, 1, 1},
+    {Tan, 1, 6, TRIG_ROOT_THIRD, 3, 0, 1},  {Tan, 7, 6, TRIG_ROOT_THIRD, 3, 0, 1},
+    {Tan, 5, 6, TRIG_ROOT_THIRD, 3, 0, -1}, {Tan, 11, 6, TRIG_ROOT_THIRD, 3, 0, -1},
+    {Tan, 1, 4, TRIG_RAT, 1, 1, 1},         {Tan, 5, 4, TRIG_RAT, 1, 1, 1},
+    {Tan, 3, 4, TRIG_RAT, -1, 1, 1},        {Tan, 7, 4, TRIG_RAT, -1, 1, 1},
+    {Tan, 1, 3, TRIG_ROOT_WHOLE, 3, 0, 1},  {Tan, 4, 3, TRIG_ROOT_WHOLE, 3, 0, 1},
+    {Tan, 2, 3, TRIG_ROOT_WHOLE, 3, 0, -1}, {Tan, 5, 3, TRIG_ROOT_WHOLE, 3, 0, -1},
+});
+
+term_ptr square_root(std::int32_t radicand) { return make_binOp_term(Sqrtn, mk_integer(2), mk_integer(radicand)); }
+
+term_ptr value_of(const trig_rule& rule) {
+  term_ptr value = nullptr;
+  switch (rule.kind) {
+    case TRIG_RAT:
+      return number_term(exact(rule.value1) / exact(rule.value2));
+    case TRIG_ROOT_HALF:
+      value = make_binOp_term(Frac, square_root(rule.value1), mk_integer(2));
+      break;
+    case TRIG_ROOT_THIRD:
+      value = make_binOp_term(Frac, square_root(rule.value1), mk_integer(3));
+      break;
+    case TRIG_ROOT_WHOLE:
+      value = square_root(rule.value1);
+      break;
+  }
+  return rule.sign < 0 ? make_unOp_term(Neg, value) : value;
+}
+
+// The c for which t is c * π.
+std::optional<exact> extract_pi_coeff(term_ptr t) {
+  if (is_constant(t, Pi)) {
+    return exact(1);
+  }
+  if (const auto value = solver_numeric_calc_eval_rational(t)) {
+    return value->is_zero() ? value : std::nullopt;
+  }
+  const auto view = composed_term_split(t);
+  if (!view || t->has_meta()) {
+    return std::nullopt;
+  }
+  if (view->t2 == nullptr) {
+    const auto inner = view->oper == Neg ? extract_pi_coeff(view->t1) : std::nullopt;
+    return inner ? std::optional(-*inner) : std::nullopt;
+  }
+  const auto product = [](const std::optional<exact>& a, const std::optional<exact>& b) {
+    return a && b && (*a * *b).is_known() ? std::optional(*a * *b) : std::nullopt;
+  };
+  switch (view->oper) {
+    case Plus:
+    case Minus: {
+      const auto left = extract_pi_coeff(view->t1);
+      const auto right = left ? extract_pi_coeff(view->t2) : std::nullopt;
+      return right ? std::optional(view->oper == Plus ? *left + *right : *left - *right) : std::nullopt;
+    }
+    case Mult: {
+      const auto factor = solver_numeric_calc_eval_rational(view->t1);
+      return factor ? product(factor, extract_pi_coeff(view->t2))
+                    : product(extract_pi_coeff(view->t1), solver_numeric_calc_eval_rational(view->t2));
+    }
+    case Div:
+    case Frac: {
+      const auto divisor = solver_numeric_calc_eval_rational(view->t2);
+      const auto coefficient = divisor ? extract_pi_coeff(view->t1) : std::nullopt;
+      return coefficient ? quotient(*coefficient, *divisor) : std::nullopt;
+    }
+    default:
+      return std::nullopt;
+  }
+}
+
+term_ptr try_simplify_trig(oper_type op, term_ptr arg) {
+  const auto coefficient = extract_pi_coeff(arg);
+  if (!coefficient) {
+    return nullptr;
+  }
+  const exact angle = *coefficient - exact(2) * floor(*coefficient / exact(2));
+  const auto* rule = std::find_if(TRIG_RULES.begin(), TRIG_RULES.end(), [&](const trig_rule& r) {
+    return r.op == op && angle == exact(r.num) / exact(r.den);
+  });
+  return rule == TRIG_RULES.end() ? nullptr : value_of(*rule);
+}
+
+// ---- Logarithms.
+
+// The exponent for which t is a power of e.
+std::optional<exact> extract_e_power(term_ptr t) {
+  if (is_constant(t, E)) {
+    return exact(1);
+  }
+  const auto view = t->has_meta() ? std::nullopt : composed_term_split(t);
+  return view && view->oper == Power && view->t2 != nullptr && is_constant(view->t1, E)
+             ? solver_numeric_calc_eval_rational(view->t2)
+             : std::nullopt;
+}
+
+bool is_valid_base(term_ptr base) {
+  const auto value = solver_numeric_calc_eval_rational(base);
+  return value ? value->sign() > 0 && !value->is_one() : is_constant(base, E) || is_constant(base, Pi);
+}
+
+bool is_positive(term_ptr value) {
+  const auto number = solver_numeric_calc_eval_rational(value);
+  return number ? number->sign() > 0 : solver_const_prove_zero_relation(value, Gt);
+}
+
+// The rational logarithm of a value other than 1, by trial.
+std::optional<exact> rational_log_by_trial(const exact& base, const exact& value) {
+  constexpr std::int64_t last_den = 12;
+  constexpr std::int64_t last_num = 24;
+  for (std::int64_t den = 1; den <= last_den; ++den) {
+    const auto target = power(value, den);
+    for (std::int64_t num = -last_num; target && num <= last_num; ++num) {
+      const auto found = num == 0 ? std::nullopt : power(base, num);
+      if (found && *found == *target) {
+        return exact(num) / exact(den);
+      }
+    }
+  }
+  return std::nullopt;
+}
+
+std::optional<exact> logarithm(term_ptr base, term_ptr value) {
+  const auto number = solver_numeric_calc_eval_rational(value);
+  if (number && number->is_one()) {
+    return exact(0);
+  }
+  if (term_eqb(base, value)) {
+    return exact(1);
+  }
+  const auto view = value->has_meta() ? std::nullopt : composed_term_split(value);
+  if (view && view->oper == Power && view->t2 != nullptr && term_eqb(base, view->t1)) {
+    if (const auto exponent = solver_numeric_calc_eval_rational(view->t2)) {
+      return exponent;
+    }
+  }
+  if (is_constant(base, E)) {
+    if (const auto exponent = extract_e_power(value)) {
+      return exponent;
+    }
+  }
+  const auto base_number = solver_numeric_calc_eval_rational(base);
+  return base_number && number ? rational_log_by_trial(*base_number, *number) : std::nullopt;
+}
+
+term_ptr try_simplify_log(term_ptr base, term_ptr value) {
+  const auto result = is_valid_base(base) && is_positive(value) ? logarithm(base, value) : std::nullopt;
+  return result ? number_term(*result) : nullptr;
+}
+
+term_ptr try_simplify_ln(term_ptr arg) {
+  const auto number = solver_numeric_calc_eval_rational(arg);
+  const auto result = number && number->is_one() ? std::optional<exact>(0) : extract_e_power(arg);
+  return result ? number_term(*result) : nullptr;
+}
+
+// ---- Simplification.
+
+std::optional<exact> eval_factorial(term_ptr arg) {
+  constexpr std::int64_t greatest = 20;
+  const auto value = solver_numeric_calc_eval_rational(arg);
+  const auto n = value ? value->to_int64() : std::nullopt;
+  if (!n || *n < 0 || *n > greatest) {
+    return std::nullopt;
+  }
+  exact product = 1;
+  for (std::int64_t i = 2; i <= *n; ++i) {
+    product *= i;
+  }
+  return product;
+}
+
+// The term as a number, where it has a value that can be written as one: a fraction of 32 bits, or an integer of 64.
+term_ptr as_number(term_ptr t) {
+  const auto value = solver_numeric_calc_eval_rational(t);
+  const term_ptr number = value ? number_term(*value) : nullptr;
+  if (number != nullptr || !value || !value->to_int64()) {
+    return number;
+  }
+  const term_ptr digits = mk_decimal(to_string(value->sign() < 0 ? -*value : *value));
+  return value->sign() < 0 ? make_unOp_term(Neg, digits) : digits;
+}
+
+bool is_entered(term_ptr t) {
+  if (t->type() != Apply || t->scope() != nullptr) {
+    return false;
+  }
+  term_ptr head = t;
+  while (head->type() == Apply) {
+    head = head->left();
+  }
+  const bool asks_domain = head->type() == Pred
+                               ? head->pred() == Defined
+                               : head->type() == Oper && (head->oper() == Dom || head->oper() == SetDesc);
+  return !asks_domain;
+}
+
+class simplification {
+ public:
+  term_ptr simplify(term_ptr t) {
+    if (t->type() == TermList) {
+      return map_children(t, walk_elements | keep_meta, [this](term_ptr part) { return simplify(part); });
+    }
+    if (t->type() != Apply) {
+      const term_ptr number = t->type() == Const ? as_number(t) : nullptr;
+      return number == nullptr ? t : number;
+    }
+    if (const auto known = known_.find(t); known != known_.end()) {
+      return known->second;
+    }
+    const term_ptr result = !is_entered(t) || is_one_whole(t) ? t : simplify_application(t);
+    known_.emplace(t, result);
+    return result;
+  }
+
+ private:
+  term_ptr simplify_application(term_ptr t) {
+    if (const term_ptr number = as_number(t)) {
+      return number;
+    }
+    const auto view = t->binders().empty() ? composed_term_split(t) : std::nullopt;
+    if (view && view->t2 == nullptr) {
+      return simplify_unary(view->oper, t, simplify(view->t1));
+    }
+    if (view) {
+      const term_ptr left = simplify(view->t1);
+      const term_ptr right = simplify(view->t2);
+      return simplify_binary(view->oper, t, left, right);
+    }
+    return map_children(t, walk_apply | keep_meta, [this](term_ptr part) { return simplify(part); });
+  }
+
+  static term_ptr simplify_unary(oper_type op, term_ptr t, term_ptr arg) {
+    term_ptr value = nullptr;
+    switch (op) {
+      case Ln:
+        value = try_simplify_ln(arg);
+        break;
+      case Lg:
+        value = try_simplify_log(mk_integer(10), arg);
+        break;
+      case Sin:
+      case Cos:
+      case Tan:
+        value = try_simplify_trig(op, arg);
+        break;
+      default:
+        break;
+    }
+    return value != nullptr ? value : calculated(t, make_unOp_term(op, arg));
+  }
+
+  static term_ptr simplify_binary(oper_type op, term_ptr t, term_ptr left, term_ptr right) {
+    const term_ptr value = op == Log ? try_simplify_log(left, right) : nullptr;
+    return value != nullptr ? value : calculated(t, make_binOp_term(op, left, right));
+  }
+
+  // The number that a rebuilt application comes to, else the application in the place of t.
+  static term_ptr calculated(term_ptr t, term_ptr rebuilt) {
+    const term_ptr number = as_number(rebuilt);
+    if (number != nullptr) {
+      return number;
+    }
+    return rebuilt->bare() == t->bare() ? t : rebuilt;
+  }
+
+  std::unordered_map<term_ptr, term_ptr> known_;
+};
+
+}  // namespace
+
+std::optional<exact> solver_numeric_calc_eval_rational(term_ptr source) {
+  if (source == nullptr || source->name_mask() != 0) {
+    return std::nullopt;
+  }
+  if (const auto value = solver_const_analyze_exact_rational(source)) {
+    return value;
+  }
+  const auto view = source->has_meta() ? std::nullopt : composed_term_split(source);
+  return view && view->oper == Fact && view->t2 == nullptr ? eval_factorial(view->t1) : std::nullopt;
+}
+
+term_ptr solver_numeric_calc_simplify(term_ptr source) {
+  return source == nullptr ? nullptr : simplification().simplify(source);
+}
+
+bool solver_numeric_calc(term_ptr target, const solve_data& sdata) {
+  const auto relation = target == nullptr || target->has_meta() ? std::nullopt : pred_split(target);
+  if (!relation || !is_order_relation(relation->pred)) {
+    return false;
+  }
+  simplification both;
+  const term_ptr left = both.simplify(relation->left);
+  const term_ptr right = both.simplify(relation->right);
+  const auto left_value = solver_numeric_calc_eval_rational(left);
+  const auto right_value = solver_numeric_calc_eval_rational(right);
+  if (left_value && right_value && left_value->is_known() && right_value->is_known()) {
+    const auto order = *left_value <=> *right_value;
+    if (holds(relation->pred, order < 0 ? -1 : order > 0 ? 1 : 0)) {
+      return true;
+    }
+  }
+  constexpr solver_id tests[] = {solver_id::reflexivity, solver_id::poly_rat, solver_id::rootfrac};
+  return relation->pred == Eq && equal_by(tests, left, right, sdata);
+}
+
+}  // namespace vetro
