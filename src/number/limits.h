@@ -84,6 +84,10 @@ inline constexpr std::size_t premise_depth = 64;
 inline constexpr std::size_t premises_remembered = 200'000;
 inline constexpr std::size_t constants_remembered = 200'000;
 
+// Steps of one run of the SMT kernel: watched clauses, literals in reasons, merged nodes, entries of rows (times their
+// words). About three seconds of work; the goals that people write need some hundred.
+inline constexpr std::uint64_t smt_work = 300'000'000;
+
 // Entries of the formula reader's stack: at the start, and at most.
 inline constexpr std::int64_t parse_stack_initial = 200;
 inline constexpr std::int64_t parse_stack = 1'000'000;

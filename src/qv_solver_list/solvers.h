@@ -24,6 +24,7 @@ bool solver_sat(term_ptr target, const solve_data& sdata);
 bool solver_interval(term_ptr target, const solve_data& sdata);
 bool solver_sgn(term_ptr target, const solve_data& sdata);
 bool solver_sgn_pure(term_ptr target, const solve_data& sdata);
+bool solver_smt_lra(term_ptr target, const solve_data& sdata);
 
 // One-step solvers.
 solve_res solver_or_split(const solver_args& args);

@@ -279,7 +279,7 @@ TEST_F(RewriteIn, SetDescriptions) {
           {positive_rule, "{ f(x) | 0 < x < 2 ∧ x ∈ S } = A", "{ g(x) | 0 < x < 2 ∧ x ∈ S } = A", ""},
           {positive_rule, "{ f(x) | -1 < x < 1 } = A", "{ g(x) | -1 < x < 1 } = A", not_implied("x1 > 0"), {"x > 5"}},
           {"forall (x), 0 < x < 1 ∧ c = 1 ⇒ f(x) = g(x)", "{ f(x) | 0 < x < 1, c = 1 } = A",
-           "{ g(x) | 0 < x < 1, c = 1 } = A", not_implied("0 < x < 1 ∧ c = 1")},
+           "{ g(x) | 0 < x < 1, c = 1 } = A", ""},
           {"forall (x), 0 < x < 1 ⇒ f(x) = g(x)", "{ f(x) | 0 < x < 1 ∧ x ∈ S } = A",
            "{ g(x) | 0 < x < 1 ∧ x ∈ S } = A", ""},
           // What is rewritten in a condition rests on the other conditions only.

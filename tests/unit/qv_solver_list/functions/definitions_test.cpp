@@ -162,7 +162,7 @@ TEST_F(conditions_test, AtAPointAndAroundIt) {
       {"x ∈ Real", "p", "-t"},
       {"x ∈ Integer", "3", "t-"},
       {"x + 1 > 0", "p", "t-"},
-      {"x < x + 1", "p", "--"},
+      {"x < x + 1", "p", "t-"},
       {"p > 0", "y", "tt"},
       {"False", "p", "ff"},
       {"x = ±p", "n", "--"},

@@ -1,0 +1,303 @@
+#include "qv_solver_list/logic/smt_values.h"
+
+#include <algorithm>
+
+#include "term/kinds.h"
+#include "term/term_split_combine.h"
+
+namespace vetro {
+namespace {
+
+// Operators and predicates, from one to another by number, whose arguments (as bits, the first is bit 0) are no
+// numbers.
+struct use_row {
+  int first;
+  int last;
+  unsigned args;
+};
+constexpr use_row uses[] = {
+    // Operators.
+    {Index, Index, 0b1},  // a sequence
+    {Cardinal, Cardinal, 0b1},
+    {MaxInSet, Inf, 0b1},
+    {Union, Compose, 0b11},
+    {SingleDeri, ValDeri, 0b1},
+    {DotProd, CrossProd, 0b11},
+    {VecGrad, Nabla, 0b1},
+    {SetUnion, PowerSet, 0b1},
+    {SetMinus, CartesianProd, 0b11},
+    {Dom, Dom, 0b1},
+    {InverseBinRel, BinRelComp, 0b11},
+    {EquivClass, EquivClass, 0b10},
+    {TransitiveClosure, MinimumPointOn, 0b1},
+    {RestrictFunc, OscillationOn, 0b11},
+    {OscillationAt, RadiusOfConvergence, 0b1},
+    // Predicates. The last argument of a membership is looked at apart.
+    {Subset, Subset, 0b11},
+    {IsSet, IsFunc, 0b1},
+    {IsFuncOn, IsFuncOn, 0b111},
+    {OddFunc, ConcaveFunc, 0b1},
+    {ConvexFuncOn, ConcaveFuncOn, 0b11},
+    {BoundedFunc, BoundedBelowFunc, 0b1},
+    {BoundedFuncOn, BoundedBelowFuncOn, 0b11},
+    {MonoIncFunc, StrictMonoDecFunc, 0b1},
+    {MonoIncFuncOn, StrictMonoDecFuncOn, 0b11},
+    {ReflexiveBinRel, PartialOrderBinRel, 0b11},
+    {SetPartition, PartitionRefine, 0b111},
+    {IsInjection, HasBijection, 0b111},
+    {InductiveSet, InductiveSet, 0b1},
+    {ContinuousFunc, ContinuousFunc, 0b1},
+    {ContinuousFuncOn, ContinuousFuncOn, 0b11},
+    {ContinuousFuncAt, PiecewiseContinuousFunc, 0b1},
+    {PiecewiseContinuousFuncOn, PiecewiseContinuousFuncOn, 0b11},
+    {UniformContinuousFunc, UniformContinuousFunc, 0b1},
+    {UniformContinuousFuncOn, UniformContinuousFuncOn, 0b11},
+    {LipschitzContinuousFunc, LipschitzContinuousFunc, 0b1},
+    {LipschitzContinuousFuncOn, LipschitzContinuousFuncOn, 0b11},
+    {DiffableFunc, DiffableFunc, 0b1},
+    {DiffableFuncOn, DiffableFuncOn, 0b11},
+    {DiffableFuncAt, LeftDiffableFunc, 0b1},
+    {LeftDiffableFuncOn, LeftDiffableFuncOn, 0b11},
+    {LeftDiffableFuncAt, RightDiffableFunc, 0b1},
+    {RightDiffableFuncOn, RightDiffableFuncOn, 0b11},
+    {RightDiffableFuncAt, ContinuouslyDiffableFunc, 0b1},
+    {ContinuouslyDiffableFuncOn, ContinuouslyDiffableFuncOn, 0b11},
+    {FuncOfClassK, SmoothFunc, 0b1},
+    {SmoothFuncOn, SmoothFuncOn, 0b11},
+    {IntegrableFunc, IntegrableFunc, 0b1},
+    {IntegrableFuncOn, IntegrableFuncOn, 0b11},
+    {SquareIntegrableFunc, SquareIntegrableFunc, 0b1},
+    {SquareIntegrableFuncOn, SquareIntegrableFuncOn, 0b11},
+    {UniformlyBoundedFuncFamily, StrictMonoDecSeq, 0b1},
+    {MonoIncSeqOn, StrictMonoDecSeqOn, 0b11},
+    {BoundedSeq, BoundedBelowSeq, 0b1},
+    {BoundedSeqOn, BoundedBelowSeqOn, 0b11},
+    {ConvergentSeq, ConditionalConvergentSeries, 0b1},
+};
+
+// Operators whose value is no number.
+struct value_row {
+  int first;
+  int last;
+};
+constexpr value_row no_numbers[] = {
+    {IntervalLoRo, IntervalLcRc},
+    {SetEnum, Compose},
+    {Vec, Vec},
+    {CrossProd, Tuple},
+    {VecGrad, VecGrad},
+    {VecRot, Dom},
+    {BigUnion, BigInterSup},
+    {IdentityBinRel, InverseFunc},
+    {RestrictFunc, ImageOn},
+    {AccumulationPointSet, AccumulationPointSet},
+};
+
+template <class Rows>
+const auto* row_of(const Rows& rows, int number) {
+  const auto* found = std::find_if(std::begin(rows), std::end(rows),
+                                   [&](const auto& r) { return number >= r.first && number <= r.last; });
+  return found == std::end(rows) ? nullptr : found;
+}
+
+int number_of(term_ptr head) {
+  return head->type() == Oper   ? static_cast<int>(head->oper())
+         : head->type() == Pred ? static_cast<int>(head->pred())
+                                : -1;
+}
+
+// Values that are numbers as long as their operands are.
+bool calculates(oper_type oper) {
+  switch (oper) {
+    case Plus:
+    case Neg:
+    case Minus:
+    case PosNeg:
+    case PlusMinus:
+    case Mult:
+    case Div:
+    case Frac:
+    case Power:
+      return true;
+    default:
+      return false;
+  }
+}
+
+bool is_function_name(term_ptr t) { return t->type() == Var || t->type() == Oper; }
+
+term_ptr first_argument(term_ptr t) {
+  while (t->left()->type() == Apply) {
+    t = t->left();
+  }
+  return t->right();
+}
+
+}  // namespace
+
+void value_kinds::add(term_ptr proposition) {
+  if (proposition != nullptr) {
+    visit(proposition);
+  }
+}
+
+void value_kinds::visit(term_ptr t) {
+  if ((t->children().empty() && !t->has_meta()) || !seen_.insert(t).second) {
+    return;
+  }
+  term_ptr head = t;
+  while (head->type() == Apply) {
+    head = head->left();
+  }
+  if (t->type() == Apply) {
+    visit_application(head, t);
+    for (term_ptr node = t; node->type() == Apply; node = node->left()) {
+      visit(node->right());
+    }
+    visit(head);
+  } else {
+    for (term_ptr part : t->children()) {
+      if (part != nullptr) {
+        visit(part);
+      }
+    }
+  }
+  if (t->scope() != nullptr) {
+    visit(t->scope());
+  }
+}
+
+void value_kinds::visit_application(term_ptr head, term_ptr t) {
+  if (head->type() == Var) {
+    mark(head, value_kind::other);
+    return;
+  }
+  unsigned count = 0;
+  for (term_ptr node = t; node->type() == Apply; node = node->left()) {
+    ++count;
+  }
+  const use_row* row = row_of(uses, number_of(head));
+  const bool membership = head->type() == Pred && (head->pred() == Belong || head->pred() == NotBelong);
+  const bool complex = membership && is_constant(t->right(), ComplexSet);
+  for (term_ptr node = t; node->type() == Apply; node = node->left()) {
+    --count;
+    const bool last = node == t;
+    if (row != nullptr && count < 8 && (row->args >> count & 1U) != 0) {
+      mark(node->right(), value_kind::other);
+    } else if (membership && last) {
+      mark(node->right(), value_kind::other);
+    } else if (complex) {
+      mark(node->right(), value_kind::complex);
+    }
+  }
+  if (const auto view = pred_split(t); view && (view->pred == Eq || view->pred == Neq || view->pred == IdentEq)) {
+    equations_.emplace_back(view->left, view->right);
+    settled_ = false;
+  }
+}
+
+// Numbers and operators keep the kind of their form.
+void value_kinds::mark(term_ptr t, value_kind kind) {
+  if (t->type() == Const || t->type() == Oper) {
+    return;
+  }
+  value_kind& known = marked_[t->bare()];
+  if (known < kind) {
+    known = kind;
+    settled_ = false;
+  }
+}
+
+// Equations carry the greater kind from one side to the other, in both directions by turns, until nothing changes.
+void value_kinds::settle() {
+  known_.clear();
+  settled_ = true;
+  for (bool grown = !marked_.empty() || !equations_.empty(); grown;) {
+    grown = false;
+    for (const auto& [left, right] : equations_) {
+      const value_kind of_left = of(left);
+      const value_kind of_right = of(right);
+      if (of_left != of_right) {
+        mark(of_left < of_right ? left : right, std::max(of_left, of_right));
+        grown = grown || !settled_;
+        known_.clear();
+        settled_ = true;
+      }
+    }
+    std::reverse(equations_.begin(), equations_.end());
+  }
+}
+
+value_kind value_kinds::of(term_ptr t) {
+  if (!settled_) {
+    settle();
+  }
+  const auto marked = marked_.empty() ? marked_.end() : marked_.find(t->bare());
+  if (marked != marked_.end() && marked->second == value_kind::other) {
+    return value_kind::other;
+  }
+  const value_kind by_use = marked == marked_.end() ? value_kind::real : marked->second;
+  if (t->children().empty()) {
+    return std::max(by_use, by_form(t));
+  }
+  if (const auto known = known_.find(t); known != known_.end()) {
+    return known->second;
+  }
+  const value_kind kind = std::max(by_use, by_form(t));
+  known_.emplace(t, kind);
+  return kind;
+}
+
+value_kind value_kinds::by_form(term_ptr t) {
+  switch (t->type()) {
+    case Var:
+      return value_kind::real;
+    case Const:
+      switch (t->constant()) {
+        case Integer:
+        case Decimal:
+        case E:
+        case Pi:
+        case Infty:
+        case PosInfty:
+        case NegInfty:
+          return value_kind::real;
+        default:
+          return t->constant() == I ? value_kind::complex : value_kind::other;
+      }
+    case Apply:
+      return by_application(t);
+    default:
+      return value_kind::other;
+  }
+}
+
+// The value of an operator is complex when an argument is, a magnitude excepted.
+value_kind value_kinds::by_application(term_ptr t) {
+  bool any_complex = false;
+  bool any_other = false;
+  unsigned count = 0;
+  term_ptr head = t;
+  for (; head->type() == Apply; head = head->left()) {
+    const value_kind kind = of(head->right());
+    any_complex = any_complex || kind == value_kind::complex;
+    any_other = any_other || kind == value_kind::other;
+    ++count;
+  }
+  if (head->type() != Oper) {
+    return head->type() == Pred || head->type() == Connect ? value_kind::other
+           : any_complex                                   ? value_kind::complex
+                                                           : value_kind::real;
+  }
+  const oper_type oper = head->oper();
+  const bool derivative = (oper == SingleDeri && count == 1) || (oper == NthDeri && count == 2);
+  if (row_of(no_numbers, oper) != nullptr || (derivative && is_function_name(first_argument(t)))) {
+    return value_kind::other;
+  }
+  if (any_other && (oper == Abs || calculates(oper))) {
+    return value_kind::other;
+  }
+  return any_complex && oper != Abs ? value_kind::complex : value_kind::real;
+}
+
+}  // namespace vetro

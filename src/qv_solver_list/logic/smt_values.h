@@ -1,0 +1,46 @@
+// What kind of value the terms of a question have: only real numbers have an order and an absolute value, and only
+// numbers have an arithmetic.
+//
+// The kinds come from form (a set, a tuple, the imaginary unit) and from use: a name is a set where it stands to the
+// right of ∈, a function where it is applied, and what is equated with such a term is one, too. Goal and assumptions
+// are read alike, at any depth, since a wrong guess here may only weaken what is proved.
+#pragma once
+
+#include <cstdint>
+#include <unordered_map>
+#include <unordered_set>
+#include <utility>
+#include <vector>
+
+#include "term/ast.h"
+
+namespace vetro {
+
+enum class value_kind : std::uint8_t {
+  real,     // or nothing is known against it
+  complex,  // a sum is a sum, but there is no order
+  other,    // a set, a function, a tuple, a truth value ...: no arithmetic
+};
+
+class value_kinds {
+ public:
+  // Takes in a proposition. Answers are for all that were taken in so far.
+  void add(term_ptr proposition);
+  value_kind of(term_ptr t);
+
+ private:
+  void visit(term_ptr t);
+  void visit_application(term_ptr head, term_ptr t);
+  void mark(term_ptr t, value_kind kind);
+  void settle();
+  value_kind by_form(term_ptr t);
+  value_kind by_application(term_ptr t);
+
+  std::unordered_set<term_ptr> seen_;
+  std::unordered_map<term_ptr, value_kind> marked_;  // bare terms
+  std::unordered_map<term_ptr, value_kind> known_;
+  std::vector<std::pair<term_ptr, term_ptr>> equations_;
+  bool settled_ = true;
+};
+
+}  // namespace vetro
