@@ -3,9 +3,9 @@
 #include "qv_solver_list/algebra/numeric_calc.h"
 
 #include <algorithm>
-#include <array>
 #include <unordered_map>
 
+#include "qv_solver_list/algebra/trig_values.h"
 #include "qv_solver_list/constant_analysis.h"
 #include "qv_solver_list/equality_tests.h"
 #include "qv_solver_list/number_reading.h"
@@ -18,71 +18,7 @@
 namespace vetro {
 namespace {
 
-// ---- Values of sine, cosine and tangent.
-
-enum trig_kind : std::uint8_t {
-  TRIG_RAT = 0,         // value1 / value2
-  TRIG_ROOT_HALF = 1,   // sign * root(value1) / 2
-  TRIG_ROOT_THIRD = 2,  // sign * root(3) / 3
-  TRIG_ROOT_WHOLE = 3,  // sign * root(3)
-};
-
-// The value of op at num / den * π, an angle below 2π.
-struct trig_rule {
-  oper_type op;
-  std::int32_t num;
-  std::int32_t den;
-  trig_kind kind;
-  std::int32_t value1;
-  std::int32_t value2;
-  int sign;
-};
-
-constexpr auto TRIG_RULES = std::to_array<trig_rule>({
-    {Sin, 0, 1, TRIG_RAT, 0, 1, 1},         {Sin, 1, 1, TRIG_RAT, 0, 1, 1},
-    {Sin, 1, 6, TRIG_RAT, 1, 2, 1},         {Sin, 5, 6, TRIG_RAT, 1, 2, 1},
-    {Sin, 7, 6, TRIG_RAT, -1, 2, 1},        {Sin, 11, 6, TRIG_RAT, -1, 2, 1},
-    {Sin, 1, 4, TRIG_ROOT_HALF, 2, 0, 1},   {Sin, 3, 4, TRIG_ROOT_HALF, 2, 0, 1},
-    {Sin, 5, 4, TRIG_ROOT_HALF, 2, 0, -1},  {Sin, 7, 4, TRIG_ROOT_HALF, 2, 0, -1},
-    {Sin, 1, 3, TRIG_ROOT_HALF, 3, 0, 1},   {Sin, 2, 3, TRIG_ROOT_HALF, 3, 0, 1},
-    {Sin, 4, 3, TRIG_ROOT_HALF, 3, 0, -1},  {Sin, 5, 3, TRIG_ROOT_HALF, 3, 0, -1},
-    {Sin, 1, 2, TRIG_RAT, 1, 1, 1},         {Sin, 3, 2, TRIG_RAT, -1, 1, 1},
-    {Cos, 0, 1, TRIG_RAT, 1, 1, 1},         {Cos, 1, 1, TRIG_RAT, -1, 1, 1},
-    {Cos, 1, 2, TRIG_RAT, 0, 1, 1},         {Cos, 3, 2, TRIG_RAT, 0, 1, 1},
-    {Cos, 1, 6, TRIG_ROOT_HALF, 3, 0, 1},   {Cos, 11, 6, TRIG_ROOT_HALF, 3, 0, 1},
-    {Cos, 5, 6, TRIG_ROOT_HALF, 3, 0, -1},  {Cos, 7, 6, TRIG_ROOT_HALF, 3, 0, -1},
-    {Cos, 1, 4, TRIG_ROOT_HALF, 2, 0, 1},   {Cos, 7, 4, TRIG_ROOT_HALF, 2, 0, 1},
-    {Cos, 3, 4, TRIG_ROOT_HALF, 2, 0, -1},  {Cos, 5, 4, TRIG_ROOT_HALF, 2, 0, -1},
-    {Cos, 1, 3, TRIG_RAT, 1, 2, 1},         {Cos, 5, 3, TRIG_RAT, 1, 2, 1},
-    {Cos, 2, 3, TRIG_RAT, -1, 2, 1},        {Cos, 4, 3, TRIG_RAT, -1, 2, 1},
-    {Tan, 0, 1, TRIG_RAT, 0, 1, 1},         {Tan, 1, 1, TRIG_RAT, 0, 1, 1},
-    {Tan, 1, 6, TRIG_ROOT_THIRD, 3, 0, 1},  {Tan, 7, 6, TRIG_ROOT_THIRD, 3, 0, 1},
-    {Tan, 5, 6, TRIG_ROOT_THIRD, 3, 0, -1}, {Tan, 11, 6, TRIG_ROOT_THIRD, 3, 0, -1},
-    {Tan, 1, 4, TRIG_RAT, 1, 1, 1},         {Tan, 5, 4, TRIG_RAT, 1, 1, 1},
-    {Tan, 3, 4, TRIG_RAT, -1, 1, 1},        {Tan, 7, 4, TRIG_RAT, -1, 1, 1},
-    {Tan, 1, 3, TRIG_ROOT_WHOLE, 3, 0, 1},  {Tan, 4, 3, TRIG_ROOT_WHOLE, 3, 0, 1},
-    {Tan, 2, 3, TRIG_ROOT_WHOLE, 3, 0, -1}, {Tan, 5, 3, TRIG_ROOT_WHOLE, 3, 0, -1},
-});
-
-term_ptr square_root(std::int32_t radicand) { return make_binOp_term(Sqrtn, mk_integer(2), mk_integer(radicand)); }
-
-term_ptr value_of(const trig_rule& rule) {
-  term_ptr value = nullptr;
-  switch (rule.kind) {
-    case TRIG_RAT:
-      return number_term(exact(rule.value1) / exact(rule.value2));
-    case TRIG_ROOT_HALF:
-      value = make_binOp_term(Frac, square_root(rule.value1), mk_integer(2));
-      break;
-    case TRIG_ROOT_THIRD:
-      value = make_binOp_term(Frac, square_root(rule.value1), mk_integer(3));
-      break;
-    case TRIG_ROOT_WHOLE:
-      value = square_root(rule.value1);
-      break;
-  }
-  return rule.sign < 0 ? make_unOp_term(Neg, value) : value;
-}
+// ---- Values at multiples of π.
 
 // The c for which t is c * π.
 std::optional<exact> extract_pi_coeff(term_ptr t) {
@@ -128,14 +64,7 @@ std::optional<exact> extract_pi_coeff(term_ptr t) {
 
 term_ptr try_simplify_trig(oper_type op, term_ptr arg) {
   const auto coefficient = extract_pi_coeff(arg);
-  if (!coefficient) {
-    return nullptr;
-  }
-  const exact angle = *coefficient - exact(2) * floor(*coefficient / exact(2));
-  const auto* rule = std::find_if(TRIG_RULES.begin(), TRIG_RULES.end(), [&](const trig_rule& r) {
-    return r.op == op && angle == exact(r.num) / exact(r.den);
-  });
-  return rule == TRIG_RULES.end() ? nullptr : value_of(*rule);
+  return coefficient ? exact_trig_value(op, *coefficient) : nullptr;
 }
 
 // ---- Logarithms.
@@ -299,6 +228,9 @@ class simplification {
       case Sin:
       case Cos:
       case Tan:
+      case Cot:
+      case Sec:
+      case Csc:
         value = try_simplify_trig(op, arg);
         break;
       default:

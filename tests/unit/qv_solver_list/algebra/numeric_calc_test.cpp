@@ -1,7 +1,13 @@
 // Exact values: what becomes a number, what becomes a root, what stays.
 #include "qv_solver_list/algebra/numeric_calc.h"
 
+#include <tuple>
+
+#include "qv_solver_list/algebra/trig_values.h"
+#include "qv_solver_list/number_reading.h"
+#include "qv_solver_list/solvers.h"
 #include "support/solver_fixture.h"
+#include "term/term_split_combine.h"
 
 namespace vetro {
 namespace {
@@ -48,6 +54,56 @@ TEST_F(numeric_calc_test, Simplifies) {
   }
   EXPECT_EQ(solver_numeric_calc_simplify(nullptr), nullptr);
   EXPECT_FALSE(solver_numeric_calc_eval_rational(nullptr));
+}
+
+int sign_of(term_ptr value) {
+  const auto view = composed_term_split(value);
+  if (view && view->oper == Neg) {
+    return -sign_of(view->t1);
+  }
+  if (view && view->oper == Frac) {
+    return sign_of(view->t1) * sign_of(view->t2);
+  }
+  const auto number = number_literal(value);
+  return number ? number->sign() : 1;
+}
+
+// The values at all multiples of π / 120 that have one obey the laws that tie them together: up to their sign by
+// squares, because nested roots are not multiplied out, and with the signs of the quadrants.
+TEST_F(numeric_calc_test, TrigonometricValuesFitTogether) {
+  const solve_data nothing;
+  int with_value = 0;
+  const auto holds = [&](term_ptr left, term_ptr right) {
+    return solver_rootfrac(make_binPred_prop(Eq, left, right), nothing);
+  };
+  const auto product = [](term_ptr a, term_ptr b) { return make_binOp_term(Mult, a, b); };
+  const auto squares = [&](term_ptr left, term_ptr right) { return holds(product(left, left), product(right, right)); };
+  for (int k = -120; k <= 360; ++k) {
+    const exact angle = exact(k) / exact(120);
+    const term_ptr sine = exact_trig_value(Sin, angle);
+    const term_ptr cosine = exact_trig_value(Cos, angle);
+    ASSERT_EQ(sine == nullptr, cosine == nullptr) << k;
+    if (sine == nullptr) {
+      continue;
+    }
+    ++with_value;
+    const int around = (k + 240) % 240;
+    EXPECT_EQ(sign_of(sine), around % 120 == 0 ? 0 : around < 120 ? 1 : -1) << k;
+    EXPECT_EQ(sign_of(cosine), around % 120 == 60 ? 0 : around < 60 || around > 180 ? 1 : -1) << k;
+    EXPECT_TRUE(holds(make_binOp_term(Plus, product(sine, sine), product(cosine, cosine)), mk_integer(1))) << k;
+    if (const term_ptr twice = exact_trig_value(Sin, exact(2) * angle)) {
+      EXPECT_TRUE(squares(twice, product(mk_integer(2), product(sine, cosine)))) << k;
+    }
+    for (const auto& [op, above, below] :
+         {std::tuple(Tan, sine, cosine), std::tuple(Cot, cosine, sine), std::tuple(Sec, mk_integer(1), cosine),
+          std::tuple(Csc, mk_integer(1), sine)}) {
+      const term_ptr value = exact_trig_value(op, angle);
+      EXPECT_EQ(value == nullptr, is_integer(below, 0)) << k;
+      EXPECT_TRUE(value == nullptr || squares(product(value, below), above)) << k;
+      EXPECT_TRUE(value == nullptr || sign_of(value) == sign_of(above) * sign_of(below)) << k;
+    }
+  }
+  EXPECT_EQ(with_value, 97);
 }
 
 }  // namespace
