@@ -42,6 +42,12 @@ inline constexpr std::uint64_t interval_tightenings = 20'000;
 // Polynomials that take more count as different.
 inline constexpr std::uint64_t interval_comparison_work = 50'000;
 
+// Different subterms of one assumption that the squeezing solver reads. A list with a larger one is left alone.
+inline constexpr std::uint32_t squeeze_subterms = 128;
+
+// Factors tried and edges followed in one call of the squeezing solver: some ten milliseconds. A real chain has a few.
+inline constexpr std::uint64_t squeeze_steps = 1'000'000;
+
 // Questions about one applied chain of implications that may end undecided. Each can cost the full work of the core.
 inline constexpr int apply_undecided = 8;
 

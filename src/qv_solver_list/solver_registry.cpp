@@ -28,7 +28,7 @@ constexpr std::array decision_solvers = std::to_array<solver_row>({
     {solver_id::poly_rat, "PolyRatSolver", solver_poly_rat_eqb},                     // 15
     {solver_id::sat, "", solver_sat},                                                // 16
     {solver_id::interval, "IntervalSolver", solver_interval},                        // 17
-    {solver_id::squeeze, "SqueezeSolver", nullptr},                                  // 18
+    {solver_id::squeeze, "SqueezeSolver", solver_squeeze},                           // 18
     {solver_id::sgn, "SgnSolver", solver_sgn},                                       // 19
     {solver_id::smt_lra, "SmtLraSolver", solver_smt_lra},                            // 20
     {solver_id::sgn_pure, "SgnPureSolver", solver_sgn_pure},                         // 21

@@ -22,6 +22,7 @@ bool solver_limit_calc(term_ptr target, const solve_data& sdata);
 bool solver_poly_rat_eqb(term_ptr target, const solve_data& sdata);
 bool solver_sat(term_ptr target, const solve_data& sdata);
 bool solver_interval(term_ptr target, const solve_data& sdata);
+bool solver_squeeze(term_ptr target, const solve_data& sdata);
 bool solver_sgn(term_ptr target, const solve_data& sdata);
 bool solver_sgn_pure(term_ptr target, const solve_data& sdata);
 bool solver_smt_lra(term_ptr target, const solve_data& sdata);

@@ -6,8 +6,10 @@
 // under a scope. Intervals have no holes, so x ≠ 1 adds nothing either. Assumptions that contradict each other prove
 // every target.
 //
-// The graph of a list of assumptions is kept with the list, at rest. A target is added, refuted and taken away again.
+// The graph of a list of assumptions is kept with the list, at rest. A target is added, refuted and taken away again,
+// and so are the assumptions of the layers above the list, which are few as a rule.
 #include <algorithm>
+#include <iterator>
 
 #include "qv_solver_list/analysis/interval_reader.h"
 #include "qv_solver_list/assumption_facts.h"
@@ -29,8 +31,9 @@ class interval_problem {
   void settle() { graph_.settle(); }
   bool contradiction() const { return graph_.contradiction(); }
 
-  // Whether one conjunct follows from what is assumed, which is settled and has no contradiction.
-  bool proves(term_ptr conjunct);
+  // Whether one conjunct follows from what is assumed, which is settled, and from more assumptions.
+  bool proves(term_ptr conjunct, term_span more);
+  bool contradicts(term_span more);
 
  private:
   // Takes everything back that is added while it lives.
@@ -103,14 +106,22 @@ void interval_problem::add_pred_constraint(pred_type pred, term_ptr l, term_ptr 
   graph_.relate(pred, lhs, rhs, diff, asserted);
 }
 
-bool interval_problem::proves(term_ptr conjunct) {
+bool interval_problem::proves(term_ptr conjunct, term_span more) {
   if (conjunct->has(fact_scope)) {
     return false;
   }
   const attempt here(*this);
+  std::ranges::for_each(more, [this](term_ptr assumption) { assume(assumption); });
   const auto relation = pred_split(conjunct);
   return relation && relation->pred == Eq ? direct_entails_eq(relation->left, relation->right)
                                           : refutes_negation(conjunct);
+}
+
+bool interval_problem::contradicts(term_span more) {
+  const attempt here(*this);
+  std::ranges::for_each(more, [this](term_ptr assumption) { assume(assumption); });
+  graph_.settle();
+  return graph_.contradiction();
 }
 
 bool interval_problem::refutes_negation(term_ptr target) {
@@ -136,33 +147,58 @@ bool interval_problem::direct_entails_eq(term_ptr l, term_ptr r) {
           left == right);
 }
 
-void assume_all(interval_problem& problem, const assumption_facts& facts) {
+void append_layers(const assumption_facts& facts, const assumption_facts* bottom, term_list& out) {
+  if (&facts == bottom) {
+    return;
+  }
   if (facts.below() != nullptr) {
-    assume_all(problem, *facts.below());
+    append_layers(*facts.below(), bottom, out);
   }
-  for (term_ptr assumption : facts.own()) {
-    problem.assume(assumption);
-  }
+  std::ranges::copy_if(facts.own(), std::back_inserter(out), [](term_ptr t) { return t != nullptr; });
 }
 
 // What is kept with a list of assumptions.
 struct assumed_bounds {
   explicit assumed_bounds(assumption_facts& facts) : problem(facts.table<complex_values>()) {
-    assume_all(problem, facts);
+    term_list all;
+    append_layers(facts, nullptr, all);
+    std::ranges::for_each(all, [this](term_ptr assumption) { problem.assume(assumption); });
     problem.settle();
   }
   interval_problem problem;
 };
 
+bool speaks_of_complex_values(term_ptr assumption, complex_values& complex) {
+  const term_list conjuncts = term_split_and(assumption);
+  return std::ranges::any_of(conjuncts, [&](term_ptr conjunct) {
+    const auto relation = pred_split(conjunct);
+    return relation && (complex.may_be_complex(relation->left) || complex.may_be_complex(relation->right));
+  });
+}
+
 }  // namespace
 
 bool solver_interval(term_ptr target, const solve_data& sdata) {
-  interval_problem& problem = facts_of(sdata).table<assumed_bounds>().problem;
+  assumption_facts& facts = facts_of(sdata);
+  assumption_facts* list = &facts;
+  while (list->below() != nullptr) {
+    list = list->below();
+  }
+  term_list more;
+  append_layers(facts, list, more);
+  // A name that turns out to be no real was read as one below.
+  if (!more.empty() && std::ranges::any_of(more, [&](term_ptr assumption) {
+        return speaks_of_complex_values(assumption, facts.table<complex_values>());
+      })) {
+    list = &facts;
+    more.clear();
+  }
+  interval_problem& problem = list->table<assumed_bounds>().problem;
   if (problem.contradiction() || target == nullptr) {
-    return problem.contradiction();
+    return problem.contradiction() || (!more.empty() && problem.contradicts(more));
   }
   const term_list conjuncts = term_split_and(solver_preprocess_expand_interval_membership(target));
-  return std::all_of(conjuncts.begin(), conjuncts.end(), [&](term_ptr conjunct) { return problem.proves(conjunct); });
+  return std::ranges::all_of(conjuncts, [&](term_ptr conjunct) { return problem.proves(conjunct, more); });
 }
 
 }  // namespace vetro

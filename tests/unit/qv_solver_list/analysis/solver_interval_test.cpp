@@ -4,6 +4,7 @@
 #include <vector>
 
 #include "number/cnum.h"
+#include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/solver_list.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "qv_solver_list/solvers.h"
@@ -163,6 +164,19 @@ TEST_F(interval_solver, scopes_are_left_alone) {
   sdata.assum = {scoped};
   EXPECT_FALSE(solver_interval(read("x > 1"), sdata));
   EXPECT_FALSE(solver_interval(scoped, plain));
+}
+
+TEST_F(interval_solver, layers_of_assumptions) {
+  const solve_data below = given({"z > 1", "x ∈ (0, 1)"});
+  const auto proves_with = [&](std::string_view more, std::string_view goal) {
+    const term_list added = {read(more)};
+    return solver_interval(read(goal), with_assumptions(below, added));
+  };
+  EXPECT_TRUE(proves_with("y > x + 1", "y > 1"));
+  EXPECT_TRUE(proves_with("x > 1", "A = B"));
+  EXPECT_TRUE(proves_with("y > 1", "z > 0"));
+  EXPECT_FALSE(proves_with("z ∈ Complex", "z > 0"));
+  EXPECT_FALSE(solver_interval(read("y > 1"), below));
 }
 
 // ---- What holds for some values is never refuted.
