@@ -20,6 +20,8 @@ class budget {
     left_ -= spent_ ? 0 : work;
     return !spent_;
   }
+  // More work of its own.
+  void allow(std::uint64_t work) { left_ += work; }
   bool exhausted() const { return spent_ || (outside_ != nullptr && outside_->exhausted()); }
 
  private:

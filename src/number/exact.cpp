@@ -247,6 +247,23 @@ exact floor(const exact& value) {
   return great_rational::normal({parts.negative, std::move(whole), natural_from(1)});
 }
 
+exact gcd(const exact& a, const exact& b) {
+  if (!a.is_integer() || !b.is_integer()) {
+    return exact::beyond();
+  }
+  return great_rational::normal(
+      {false, natural_gcd(great_rational::of(a).num, great_rational::of(b).num), natural_from(1)});
+}
+
+std::uint64_t residue(const exact& integer, std::uint64_t m) {
+  if (!integer.is_known()) {
+    return 0;
+  }
+  const auto small = integer.to_int64();
+  const std::uint64_t rest = small ? magnitude(*small) % m : natural_residue(great_rational::of(integer).num, m);
+  return integer.sign() < 0 && rest != 0 ? m - rest : rest;
+}
+
 std::optional<exact> exact_from_decimal(std::string_view text) {
   const bool negative = text.starts_with('-');
   if (negative || text.starts_with('+')) {

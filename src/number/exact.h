@@ -114,6 +114,13 @@ std::optional<exact> root(const exact& value, std::uint32_t index);
 // The greatest integer that is not above the value; beyond for beyond.
 exact floor(const exact& value);
 
+// The greatest common divisor of two integers, not negative; gcd(a, 0) is |a|. Beyond where one is beyond or no
+// integer.
+exact gcd(const exact& a, const exact& b);
+
+// The value of an integer modulo m, from 0 on; 0 for beyond. m must be positive.
+std::uint64_t residue(const exact& integer, std::uint64_t m);
+
 // The value of an optional sign, digits and an optional point with digits; nothing for anything else.
 std::optional<exact> exact_from_decimal(std::string_view text);
 

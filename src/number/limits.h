@@ -27,9 +27,9 @@ inline constexpr std::size_t propositional_nodes = 1'000'000;
 // resolution. About a second of work; a problem that learns its full quota of clauses needs far less.
 inline constexpr std::uint64_t cdcl_work = 150'000'000;
 
-// Products of monomials in one multiplication or power of polynomials, and terms of its result at most. An identity of
-// a page has some hundred, (x1 + ... + x5)^20 has 10,000.
-inline constexpr std::uint64_t poly_operation = 300'000;
+// Terms of one polynomial that a multiplication may make. An identity of a page has some hundred, (x1 + ... + x5)^20
+// has 10,000; a term takes some 60 bytes.
+inline constexpr std::size_t poly_terms = 1'000'000;
 
 // Tightenings of each expression's bounds before everything else has had its turn, in one settling of intervals. Bounds
 // that reach a fixed point at all reach it in a few; x = x/2 + y/2 goes on for ever.
@@ -51,9 +51,16 @@ inline constexpr std::uint64_t squeeze_steps = 1'000'000;
 // Questions about one applied chain of implications that may end undecided. Each can cost the full work of the core.
 inline constexpr int apply_undecided = 8;
 
-// Products of monomials, new factors and visited terms in one comparison of rational forms: a few tenths of a
-// second and some 100 MB at most. The identities that people write need some hundred; (x1 + ... + x5)^20 needs 200,000.
-inline constexpr std::uint64_t poly_work = 2'000'000;
+// Work for the forms of one expression, beside what its size allows: products of two terms, and eight bytes of what is
+// stored each. Some tenths of a second and 150 MB at most. The identities that people write need some hundred;
+// (x1 + ... + x5)^20 needs 500,000.
+inline constexpr std::uint64_t poly_work = 20'000'000;
+
+// The same for each node of the expression, so that long sums and products that nothing multiplies out are read.
+inline constexpr std::uint64_t poly_work_of_node = 16;
+
+// The same for all expressions of one question, such as a goal that is compared with each assumption.
+inline constexpr std::uint64_t poly_question_work = 16 * poly_work;
 
 // Bits of the numerator and of the denominator of an exact rational: 20,000 digits. Real proofs need some hundred; one
 // product of two such numbers takes about a tenth of a millisecond, and GMP's temporary memory for it is on the stack.

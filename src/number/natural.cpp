@@ -149,6 +149,10 @@ natural_division natural_divide(const natural& a, const natural& b) {
   return result;
 }
 
+std::uint64_t natural_residue(const natural& n, std::uint64_t m) {
+  return n.empty() ? 0 : mpn_mod_1(n.data(), size_of(n), m);
+}
+
 natural natural_gcd(natural a, natural b) {
   if (a.empty() || b.empty()) {
     return a.empty() ? b : a;

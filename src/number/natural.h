@@ -34,6 +34,7 @@ struct natural_division {
   natural remainder;
 };
 natural_division natural_divide(const natural& a, const natural& b);  // b must not be zero
+std::uint64_t natural_residue(const natural& n, std::uint64_t m);     // m must not be zero
 natural natural_gcd(natural a, natural b);
 
 // The greatest number whose index-th power is not above n. index must not be zero.

@@ -4,8 +4,9 @@
 // are numbered in a registry (poly_data) in the order in which they are first met, and polynomials of one registry are
 // compared and merged by these numbers. Two polynomials are equal exactly when their lists are.
 //
-// A result that overflows 64 bits, or whose computation would pass the registry's budget, is the not-a-number
-// polynomial; it takes every result that it enters with it, except that zero times it is zero and its power 0 is one.
+// A result that is beyond the limit of exact numbers, whose exponents leave 64 bits, or whose computation would pass
+// the budget, is the not-a-number polynomial; it takes every result that it enters with it, except that zero times it
+// is zero and its power 0 is one.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +16,9 @@
 #include <unordered_map>
 #include <vector>
 
+#include "number/budget.h"
 #include "number/cnum.h"
+#include "number/exact.h"
 
 namespace vetro {
 
@@ -36,45 +39,51 @@ using key_words = std::vector<std::uint64_t>;
 
 struct poly_term {
   monomial_id monomial;
-  cnum coef;  // not zero
+  exact coef;  // not zero
   bool operator==(const poly_term&) const = default;
 };
 
 // Sorted by monomial, each monomial once; the constant term comes first. Zero is the empty list, not-a-number the one
-// constant term with that coefficient.
+// constant term with a coefficient beyond.
 using poly = std::vector<poly_term>;
 
-// The registry of one comparison.
+// The registry of one comparison or of one caller's table.
 class poly_data {
  public:
-  explicit poly_data(std::uint64_t budget);
+  explicit poly_data(budget& work) : work_(&work), table_(256, 0) {}
+
+  // What follows is charged to this budget, which must live until the next one is given.
+  void charge_to(budget& work) { work_ = &work; }
+  bool charge(std::uint64_t work) { return work_->charge(work); }
+  bool exhausted() const { return work_->exhausted(); }
 
   // The key's number; the same words and kind always give the same number.
   std::int32_t intern_key(factor_kind kind, const key_words& words);
   factor_kind kind_of(std::int32_t key) const { return kinds_[static_cast<std::size_t>(key)]; }
+  std::int32_t last_key() const { return static_cast<std::int32_t>(kinds_.size()) - 1; }
 
   // Factors must be sorted by key, each once.
   monomial_id intern_monomial(std::span<const factor> factors);
   // Valid until the next monomial is interned.
-  std::span<const factor> factors(monomial_id m) const;
+  std::span<const factor> factors(monomial_id m) const {
+    return {pool_.data() + monomials_[m].begin, monomials_[m].count};
+  }
   // Some F_POW key stands in it with an exponent outside of [0, 1).
   bool has_whole_root(monomial_id m) const { return monomials_[m].whole_root; }
+  // Some F_POW key stands in it.
+  bool has_root(monomial_id m) const { return monomials_[m].root; }
 
   // Nothing when an exponent overflows.
   std::optional<monomial_id> multiply(monomial_id a, monomial_id b);
+  std::optional<monomial_id> product(std::span<const monomial_id> list);
   std::optional<monomial_id> power(monomial_id m, const cnum& exponent);
 
-  // Counts work; false once the budget is used up.
-  bool charge(std::uint64_t work);
-  bool exhausted() const { return work_ > budget_; }
-
-  // For sums: a slot for each monomial, all empty between operations. See poly.cpp.
-  std::vector<std::uint32_t>& slots() { return slots_; }
-
  private:
+  friend class poly_sum;
   struct monomial {
     std::uint32_t begin;
     std::uint32_t count;
+    bool root;
     bool whole_root;
   };
   struct words_hash {
@@ -82,40 +91,64 @@ class poly_data {
   };
   void grow_table();
 
-  std::uint64_t budget_;
-  std::uint64_t work_ = 0;
+  budget* work_;
   std::unordered_map<key_words, std::int32_t, words_hash> keys_;
   std::vector<factor_kind> kinds_{F_ATOM};  // key 0 is never issued
   std::vector<factor> pool_;                // the factors of all monomials
-  std::vector<monomial> monomials_{{0, 0, false}};
+  std::vector<monomial> monomials_{{0, 0, false, false}};
   std::vector<monomial_id> table_;  // open addressing, 0 is free
   std::vector<factor> scratch_;
-  std::vector<std::uint32_t> slots_;
+  std::vector<std::uint32_t> slots_;  // for poly_sum: one for each monomial, all empty between sums
 };
 
 poly poly_nan();
 bool poly_is_nan(const poly& p);
-poly poly_const(const cnum& c);
-poly poly_monomial(monomial_id m, const cnum& coef);
+poly poly_const(const exact& c);
+poly poly_monomial(monomial_id m, const exact& coef);
 poly poly_atom(poly_data& pdata, std::int32_t key, const cnum& exp);
+
+// A sum in the making. One at a time for each registry.
+class poly_sum {
+ public:
+  explicit poly_sum(poly_data& pdata) : pdata_(pdata), slots_(pdata.slots_) {}
+  poly_sum(const poly_sum&) = delete;
+  poly_sum& operator=(const poly_sum&) = delete;
+  ~poly_sum() { clear_slots(); }
+
+  void add(monomial_id m, const exact& coef);
+  void add(const poly& p);
+  // coef * m * p.
+  void add(const poly& p, monomial_id m, const exact& coef);
+  void fail() { failed_ = true; }
+  bool failed() const { return failed_; }
+  poly take();
+
+ private:
+  void clear_slots();
+
+  poly_data& pdata_;
+  std::vector<std::uint32_t>& slots_;  // 1 + the position of each monomial's term, 0 where there is none
+  poly terms_;
+  bool failed_ = false;
+};
 
 poly poly_add(poly_data& pdata, const poly& a, const poly& b);
 poly poly_sub(poly_data& pdata, const poly& a, const poly& b);
 poly poly_mul(poly_data& pdata, const poly& a, const poly& b);
 poly poly_neg(const poly& a);
-poly poly_scale(poly_data& pdata, const poly& a, monomial_id m, const cnum& coef);
+poly poly_scale(poly_data& pdata, const poly& a, monomial_id m, const exact& coef);
 poly poly_pow_int(poly_data& pdata, const poly& a, std::uint64_t k);  // exponent 0 gives 1 for every base
 
-// A summand of poly_sum.
-struct signed_poly {
-  const poly* p;
-  bool negative;
+struct poly_power {
+  const poly* base;
+  std::uint64_t exp;
 };
-poly poly_sum(poly_data& pdata, std::span<const signed_poly> summands);
+// The product of powers, multiplied out. poly_product.cpp
+poly poly_product(poly_data& pdata, std::span<const poly_power> powers);
 
 // True if both are the same list and no not-a-number takes part.
 bool poly_eq(const poly& a, const poly& b);
-bool poly_is_const(const poly& p, cnum* out);  // out may be null
+bool poly_is_const(const poly& p, exact* out);  // out may be null
 bool poly_is_one(const poly& p);
 
 // Terms in the lexicographic order of their factors (kind, key, exponent), each with its coefficient: 1/2+3*A1^(2).

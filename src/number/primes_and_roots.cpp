@@ -62,4 +62,53 @@ bool solver_exact_nth_root_u64(std::uint64_t value, int index, std::uint64_t* ou
   return false;
 }
 
+namespace {
+
+constexpr std::int64_t greatest_divisor = 10'000;
+
+using powers = std::vector<std::pair<exact, std::int64_t>>;
+
+// What is left of a number without small prime factors: the greatest root of it that is whole.
+void append_rest(const exact& rest, std::int64_t sign, powers& out) {
+  if (rest.is_one()) {
+    return;
+  }
+  for (std::uint32_t index = 64; index > 1; --index) {
+    if (const auto base = rest < *power(greatest_divisor, index) ? std::nullopt : root(rest, index)) {
+      out.emplace_back(*base, sign * index);
+      return;
+    }
+  }
+  out.emplace_back(rest, sign);
+}
+
+void append_prime_powers(exact rest, std::int64_t sign, powers& out) {
+  for (std::int64_t divisor = 2; divisor < greatest_divisor; divisor += divisor == 2 ? 1 : 2) {
+    const auto small = rest.to_int64();
+    if (small && divisor > *small / divisor) {
+      if (*small > 1) {
+        out.emplace_back(rest, sign);
+      }
+      return;
+    }
+    std::int64_t count = 0;
+    for (; residue(rest, static_cast<std::uint64_t>(divisor)) == 0; ++count) {
+      rest /= divisor;
+    }
+    if (count > 0) {
+      out.emplace_back(divisor, sign * count);
+    }
+  }
+  append_rest(rest, sign, out);
+}
+
+}  // namespace
+
+std::vector<std::pair<exact, std::int64_t>> prime_powers(const exact& value) {
+  powers result;
+  append_prime_powers(value.numerator(), 1, result);
+  append_prime_powers(value.denominator(), -1, result);
+  return result;
+}
+
 }  // namespace vetro

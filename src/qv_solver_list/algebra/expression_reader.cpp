@@ -4,6 +4,13 @@
 namespace vetro {
 namespace {
 
+bool is_proposition(term_ptr t) {
+  while (t->type() == Apply) {
+    t = t->left();
+  }
+  return t->type() == Pred || t->type() == Connect || t->type() == Quant;
+}
+
 term_ptr strip(term_ptr t, std::unordered_map<term_ptr, term_ptr>& done) {
   if (!t->has(fact_meta)) {
     return t;
@@ -12,8 +19,9 @@ term_ptr strip(term_ptr t, std::unordered_map<term_ptr, term_ptr>& done) {
   if (known != done.end()) {
     return known->second;
   }
-  constexpr unsigned parts = walk_children | keep_binders | always_rebuild;
-  term_ptr plain = map_children(t, parts, [&](term_ptr part) { return strip(part, done); });
+  const unsigned scope = is_proposition(t) ? walk_scope : 0U;
+  term_ptr plain = map_children(t, walk_children | keep_binders | always_rebuild | scope,
+                                [&](term_ptr part) { return strip(part, done); });
   done.emplace(t, plain);
   return plain;
 }
@@ -44,8 +52,8 @@ bool may_be_undefined(term_ptr t) {
 }
 
 bool is_zero(term_ptr t) {
-  return is_number(t) &&
-         cnum_is_zero(t->constant() == Integer ? cnum_from_int(t->integer()) : cnum_from_decimal_str(t->decimal()));
+  const auto number = number_literal(t);
+  return number && number->is_zero();
 }
 
 // The application of something that may not be defined everywhere: ln(x), f(x), a_n.
@@ -103,28 +111,21 @@ bool may_cancel(term_ptr t) {
 
 bool is_differential(term_ptr t) { return is_apply(t) && (is_oper(t->left(), PD) || is_oper(t->left(), D)); }
 
-}  // namespace
+bool holds_differential(term_ptr t) { return any_subterm(t, walk_children, is_differential); }
 
-term_ptr written_form(term_ptr t) {
-  std::unordered_map<term_ptr, term_ptr> done;
-  return strip(t, done);
-}
-
-bool divides_by_differentials(term_ptr divisor) {
-  if (is_differential(divisor)) {
-    return is_oper(divisor->left(), PD);
-  }
-  term_list open{divisor};
+// A differential, or a product or power with one in it.
+bool is_product_with_differential(term_ptr t) {
+  term_list open{t};
   std::unordered_set<term_ptr> opened;
   while (!open.empty()) {
     term_ptr part = open.back();
     open.pop_back();
+    if (is_differential(part)) {
+      return true;
+    }
     const auto view = composed_term_split(part);
     if (!view || view->t2 == nullptr || (view->oper != Mult && view->oper != Power) || !opened.insert(part).second) {
       continue;
-    }
-    if (is_differential(view->t1) || (view->oper == Mult && is_differential(view->t2))) {
-      return true;
     }
     open.push_back(view->t1);
     if (view->oper == Mult) {
@@ -132,6 +133,57 @@ bool divides_by_differentials(term_ptr divisor) {
     }
   }
   return false;
+}
+
+// A differential of a differential, or a quotient of differentials.
+bool holds_second_order(term_ptr t) {
+  return holds_differential(t) && any_subterm(t, walk_children, [](term_ptr part) {
+           if (is_differential(part)) {
+             return holds_differential(part->right());
+           }
+           const auto view = composed_term_split(part);
+           return view && view->t2 != nullptr && (view->oper == Div || view->oper == Frac) &&
+                  holds_differential(view->t2);
+         });
+}
+
+}  // namespace
+
+bool is_conditional_proposition(term_ptr t) { return t->scope() != nullptr && is_proposition(t); }
+
+term_ptr written_form(term_ptr t) {
+  std::unordered_map<term_ptr, term_ptr> done;
+  return strip(t, done);
+}
+
+bool is_dotted_list(term_ptr t) {
+  if (!t->has(fact_ellipsis)) {
+    return false;
+  }
+  const auto is_ellipsis = [](term_ptr part) { return is_constant(part, Ellipsis); };
+  if (t->type() == TermList) {
+    return std::any_of(t->elements().begin(), t->elements().end(), is_ellipsis);
+  }
+  for (term_ptr part = t; part->type() == Apply; part = part->left()) {
+    if (is_ellipsis(part->right())) {
+      return true;
+    }
+  }
+  // In 1 + 2 + ... + n, the operand to the left ends in the ellipsis.
+  const auto view = composed_term_split(t);
+  const auto before = view && view->t2 != nullptr ? composed_term_split(view->t1) : std::nullopt;
+  return before && before->t2 != nullptr && is_ellipsis(before->t2);
+}
+
+bool divides_by_differentials(const composed_term& view) {
+  term_ptr divisor = view.oper == Power ? view.t1 : view.t2;
+  const bool first_order =
+      is_differential(divisor) && is_oper(divisor->left(), D) && !holds_differential(divisor->right());
+  if (view.oper == Power) {
+    const auto exponent = integer_literal(view.t2);
+    return (!exponent || *exponent < (first_order ? -1 : 0)) && is_product_with_differential(divisor);
+  }
+  return first_order ? holds_second_order(view.t1) : is_product_with_differential(divisor);
 }
 
 bool depends_on_domain(term_ptr t) {

@@ -9,14 +9,21 @@
 //   void remember(term_ptr, const value&)
 //   bool gave_up()                           no further reading makes sense; every value may be failed()
 //   value failed()
-//   value number(const cnum&)
+//   value number(const exact&)
 //   value leaf(term_ptr)                     a name, constant or symbol, without metadata
 //   value opaque(term_ptr)                   a term that is compared as it is written
-//   value compound(compound_kind, span<const value>)
+//   value compound(compound_kind, span<const value>, bool special)
 //   value sum(span<const signed_value<value>>)
 //   value product(span<const value>)
 //   value quotient(const value&, const value&)
 //   value power(const value& base, const value& exponent, span<const signed_value<value>> addends_of_exponent)
+//
+// What calculation would confuse is kept whole here, for every caller:
+//
+//   a list with an ellipsis, and a proposition with a side condition, are compared as they are written;
+//   a term that stands for several values (±x, O(x), an indefinite integral) is one unknown where it stands alone in
+//   its sum, product, quotient or power; several of them side by side are not merged, as each is another value;
+//   infinity and sizes of sets are unknowns that are marked as special, so that nobody cancels them across an equation.
 #pragma once
 
 #include <algorithm>
@@ -26,10 +33,12 @@
 #include <unordered_set>
 #include <vector>
 
-#include "number/cnum.h"
+#include "number/exact.h"
+#include "qv_solver_list/number_reading.h"
 #include "term/ast.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
+#include "term/whole_parts.h"
 
 namespace vetro {
 
@@ -38,7 +47,15 @@ enum class compound_kind : std::uint8_t {
   application,  // function, argument
   list,         // elements
   binding,      // an application that binds variables, the variables
+  // Operations on values of which two or more stand for several values; the operands.
+  several_sum,
+  several_product,
+  several_quotient,
+  several_power,
 };
+
+constexpr whole_part several_valued = whole_part::landau | whole_part::several_values | whole_part::indefinite_integral;
+constexpr whole_part not_finite = whole_part::infinity_value | whole_part::set_size;
 
 template <class Value>
 struct signed_value {
@@ -46,18 +63,26 @@ struct signed_value {
   bool negative;
 };
 
-// The term without what a comparison of written forms ignores: scopes and soft types. Binders stay: { x + y | x > y }
-// ranges over x alone where y is bound outside.
+// The term without what a comparison of written forms ignores: soft types, and side conditions of what is no
+// proposition. Binders stay: { x + y | x > y } ranges over x alone where y is bound outside.
 term_ptr written_form(term_ptr t);
+
+// A proposition with a side condition.
+bool is_conditional_proposition(term_ptr t);
+
+// A list with an ellipsis among its members: 1 + 2 + ... + n, f(1, ..., n), { a, ..., b }, up to the member behind the
+// ellipsis. What is added behind that is no part of it.
+bool is_dotted_list(term_ptr t);
 
 // The value of the application depends on where its parts are defined, so that x/x must not become 1 in it, nor
 // ln(x) - ln(x) 0: { x | x/x = 1 } is without 0. Such a term is compared as it is written.
 bool depends_on_domain(term_ptr t);
 
-// A partial differential, or a product or power with a differential in it: a quotient by it is a symbol, not a number
-// that cancels. The product of pdiff(x)/pdiff(y), pdiff(y)/pdiff(z) and pdiff(z)/pdiff(x) is -1. A quotient by diff(x)
-// is one, as the chain rule has it.
-bool divides_by_differentials(term_ptr divisor);
+// A quotient (Div, Frac) by differentials, or a power of them that stands for one, that is a symbol and no number that
+// cancels: by a partial differential, as the product of pdiff(x)/pdiff(y), pdiff(y)/pdiff(z) and pdiff(z)/pdiff(x) is
+// -1; by a product or power of differentials; and of what is a quotient of differentials or a second differential
+// itself. The quotient of something else by diff(x) is a number, as the chain rule has it.
+bool divides_by_differentials(const composed_term& view);
 
 template <class Domain>
 class expression_reader {
@@ -79,25 +104,31 @@ class expression_reader {
   using addends = std::vector<signed_value<value>>;
 
   value read_new(term_ptr t) {
+    if (is_conditional_proposition(t) || is_dotted_list(t)) {
+      return domain_.opaque(written_form(t));
+    }
     switch (t->type()) {
       case Const:
-        if (t->constant() == Integer) {
-          return domain_.number(cnum_from_int(t->integer()));
+        if (const auto number = number_literal(t->bare())) {
+          return domain_.number(*number);
         }
-        return t->constant() == Decimal ? domain_.number(cnum_from_decimal_str(t->decimal())) : domain_.leaf(t->bare());
+        return domain_.leaf(t->bare());
       case Var:
       case Oper:
       case Pred:
       case Connect:
         return domain_.leaf(t->bare());
       case TermList:
-        return read_compound(compound_kind::list, t->elements());
+        return read_compound(compound_kind::list, t->elements(), is_special(t));
       case Apply:
         return read_apply(t);
       default:
         return domain_.opaque(written_form(t));
     }
   }
+
+  static bool is_several(term_ptr t) { return holds_any(t, several_valued); }
+  static bool is_special(term_ptr t) { return holds_any(t, several_valued | not_finite); }
 
   value read_apply(term_ptr t) {
     const auto view = arithmetic_view(t);
@@ -112,11 +143,17 @@ class expression_reader {
       case Mult:
         return domain_.product(read_factors(t));
       case Power: {
+        if (is_several(view->t1) && is_several(view->t2)) {
+          return read_several(compound_kind::several_power, *view);
+        }
         const value base = read(view->t1);
         const value exponent = read(view->t2);
         return domain_.power(base, exponent, read_addends(view->t2));
       }
       default: {
+        if (is_several(view->t1) && is_several(view->t2)) {
+          return read_several(compound_kind::several_quotient, *view);
+        }
         const value numerator = read(view->t1);
         const value denominator = read(view->t2);
         return domain_.quotient(numerator, denominator);
@@ -124,40 +161,46 @@ class expression_reader {
     }
   }
 
+  value read_several(compound_kind kind, const composed_term& view) {
+    const term_ptr operands[] = {view.t1, view.t2};
+    return read_compound(kind, operands, true);
+  }
+
   value read_application(term_ptr t) {
     if (depends_on_domain(t)) {
       return domain_.opaque(written_form(t));
     }
     const term_ptr parts[] = {t->left(), t->right()};
-    const value application = read_compound(compound_kind::application, parts);
-    return t->binders().empty() ? application : read_binding(application, t->binders());
+    const bool special = is_special(t);
+    const value application = read_compound(compound_kind::application, parts, special);
+    return t->binders().empty() ? application : read_binding(application, t->binders(), special);
   }
 
   // Calculation may take a variable out of an index part, and what the operator binds must not change by that:
   // sum_{i = k - k}^{n}(k) binds k, sum_{i = 0}^{n}(k) does not.
-  value read_binding(const value& application, term_list binders) {
+  value read_binding(const value& application, term_list binders, bool special) {
     std::sort(binders.begin(), binders.end(),
               [](term_ptr a, term_ptr b) { return a->bare()->hash() < b->bare()->hash(); });
     std::vector<value> values{application};
     for (term_ptr variable : binders) {
       values.push_back(domain_.opaque(written_form(variable)));
     }
-    return domain_.compound(compound_kind::binding, values);
+    return domain_.compound(compound_kind::binding, values, special);
   }
 
-  value read_compound(compound_kind kind, term_span parts) {
+  value read_compound(compound_kind kind, term_span parts, bool special) {
     std::vector<value> values;
     values.reserve(parts.size());
     for (term_ptr part : parts) {
       values.push_back(read(part));
     }
-    return domain_.compound(kind, values);
+    return domain_.compound(kind, values, special);
   }
 
   // The operators that are computed, with their operands (t2 is null for Neg). A node that binds variables is no
   // arithmetic, whatever its head, and neither is a derivative that is written as a quotient.
   static std::optional<composed_term> arithmetic_view(term_ptr t) {
-    const auto view = t->binders().empty() ? composed_term_split(t) : std::nullopt;
+    const auto view = t->binders().empty() && !is_dotted_list(t) ? composed_term_split(t) : std::nullopt;
     if (!view || (view->oper == Neg) != (view->t2 == nullptr)) {
       return std::nullopt;
     }
@@ -166,11 +209,11 @@ class expression_reader {
       case Minus:
       case Neg:
       case Mult:
-      case Power:
         return view;
+      case Power:
       case Div:
       case Frac:
-        return divides_by_differentials(view->t2) ? std::nullopt : view;
+        return divides_by_differentials(*view) ? std::nullopt : view;
       default:
         return std::nullopt;
     }
@@ -180,6 +223,7 @@ class expression_reader {
   // is met again, or is known, counts as one addend: shared parts are read once.
   addends read_addends(term_ptr t) {
     addends out;
+    std::vector<value> several;
     std::vector<signed_value<term_ptr>> open{{t, false}};
     std::unordered_set<term_ptr> opened;
     while (!open.empty()) {
@@ -187,15 +231,27 @@ class expression_reader {
       open.pop_back();
       const auto view = arithmetic_view_of_sum(part);
       if (!view || (part != t && (domain_.recall(part) != nullptr || !opened.insert(part).second))) {
-        out.push_back({read(part), negative});
+        const signed_value<value> addend{read(part), negative};
+        if (is_several(part)) {
+          several.push_back(domain_.sum({&addend, 1}));
+        } else {
+          out.push_back(addend);
+        }
       } else if (view->oper == Neg) {
         open.push_back({view->t1, !negative});
-      } else if (view->oper != Minus || view->t1 != view->t2) {  // x - x is zero whatever x is
+      } else if (view->oper != Minus || view->t1 != view->t2 || is_several(view->t1)) {  // x - x is zero whatever x is
         open.push_back({view->t2, negative != (view->oper == Minus)});
         open.push_back({view->t1, negative});
       }
     }
+    if (!several.empty()) {
+      out.push_back({unmerged(compound_kind::several_sum, several), false});
+    }
     return out;
+  }
+
+  value unmerged(compound_kind kind, const std::vector<value>& several) {
+    return several.size() == 1 ? several.front() : domain_.compound(kind, several, true);
   }
 
   static std::optional<composed_term> arithmetic_view_of_sum(term_ptr t) {
@@ -206,6 +262,7 @@ class expression_reader {
   // The same for products.
   std::vector<value> read_factors(term_ptr t) {
     std::vector<value> out;
+    std::vector<value> several;
     std::vector<term_ptr> open{t};
     std::unordered_set<term_ptr> opened;
     while (!open.empty()) {
@@ -214,11 +271,14 @@ class expression_reader {
       const auto view = is_apply(part) ? arithmetic_view(part) : std::nullopt;
       if (!view || view->oper != Mult ||
           (part != t && (domain_.recall(part) != nullptr || !opened.insert(part).second))) {
-        out.push_back(read(part));
+        (is_several(part) ? several : out).push_back(read(part));
       } else {
         open.push_back(view->t2);
         open.push_back(view->t1);
       }
+    }
+    if (!several.empty()) {
+      out.push_back(unmerged(compound_kind::several_product, several));
     }
     return out;
   }

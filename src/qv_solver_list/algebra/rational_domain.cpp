@@ -1,60 +1,57 @@
 // Keys for opaque parts, and powers. The laws of powers that hold wherever both sides are defined:
 //
-//   b^(m + n) = b^m b^n    b^(k n) = (b^n)^k for an integer k
+//   b^(m + n) = b^m b^n    b^(k n) = (b^n)^k for an integer k    (c b)^n = c^n b^n for a positive number c
 //
 // (b^m)^n = b^(m n) is not among them: ((-1)^2)^(1/2) is 1. A power with a symbolic exponent is therefore a product of
 // keys, one for each addend of the exponent with its numeric coefficient taken out, and a base that is itself a power
-// is a new base.
+// is a new base. Positive numbers are products of powers of primes under every exponent.
 #include "qv_solver_list/algebra/rational_domain.h"
 
 #include <algorithm>
 
-#include "number/limits.h"
+#include "number/primes_and_roots.h"
 
 namespace vetro {
 namespace {
 
 // First words of keys; 1 is a root.
-enum key_tag : std::uint64_t { tag_leaf = 2, tag_opaque, tag_symbolic_power, tag_compound };
+enum key_tag : std::uint64_t { tag_leaf = 2, tag_opaque, tag_symbolic_power, tag_compound, tag_unexpanded };
 
 std::uint64_t address_word(term_ptr t) { return reinterpret_cast<std::uintptr_t>(t); }
-
-void hash_poly(std::size_t& hash, const poly& p) {
-  for (const poly_term& t : p) {
-    for (const std::uint64_t word :
-         {std::uint64_t{t.monomial}, static_cast<std::uint64_t>(t.coef.num), static_cast<std::uint64_t>(t.coef.den)}) {
-      hash = (hash ^ word) * 0x9e3779b97f4a7c15ULL;
-      hash ^= hash >> 31U;
-    }
-  }
-}
 
 }  // namespace
 
 std::size_t rational_domain::rat_hash::operator()(const rat& r) const {
-  std::size_t hash = r.num.size();
-  hash_poly(hash, r.num);
-  hash_poly(hash, r.den);
+  std::size_t hash = r.coef.hash() ^ r.monomial;
+  for (const sum_power& power : r.sums) {
+    for (const std::uint64_t word : {std::uint64_t{power.sum}, static_cast<std::uint64_t>(power.exp)}) {
+      hash = (hash ^ word) * 0x9e3779b97f4a7c15ULL;
+      hash ^= hash >> 31U;
+    }
+  }
   return hash;
-}
-
-void rational_domain::remember(term_ptr t, const value& v) {
-  registry_.pdata.charge(1);
-  known_.emplace(t, v);
 }
 
 // ---- Numbers of forms.
 
-std::optional<std::uint32_t> rational_domain::number_of_rat(const rat& r) {
-  if (rat_is_nan(r)) {
-    return std::nullopt;
+// The first form that equals v though its list is another; null when there is none. A fingerprint spares comparisons.
+rational_domain::value rational_domain::known_equal(const value& v) {
+  const bool canonical = rat_is_canonical(registry_, v->r);
+  const auto is_equal = [&](const value& known) {
+    return !(canonical && rat_is_canonical(registry_, known->r)) && registry_.pdata.charge(1) && equal(v, known);
+  };
+  const auto first_in = [&](const std::vector<value>& list) {
+    const auto found = std::find_if(list.begin(), list.end(), is_equal);
+    return found == list.end() ? nullptr : *found;
+  };
+  if (!v->print.has_value) {
+    return first_in(canonical ? uncertain_ : representatives_);
   }
-  const auto [entry, fresh] = numbers_.try_emplace(r, last_number_ + 1);
-  last_number_ += fresh ? 1 : 0;
-  return entry->second;
+  const auto [first, last] = by_fingerprint_.equal_range(v->print.value);
+  const auto found = std::find_if(first, last, [&](const auto& entry) { return is_equal(entry.second); });
+  return found != last ? found->second : first_in(without_fingerprint_);
 }
 
-// Forms that differ only by common factors that no normal form sees are found by their fingerprints.
 std::optional<std::uint32_t> rational_domain::form_number(const value& v) {
   if (v->number != 0) {
     return v->number;
@@ -62,44 +59,52 @@ std::optional<std::uint32_t> rational_domain::form_number(const value& v) {
   if (rat_is_nan(v->r)) {
     return std::nullopt;
   }
-  const auto known = numbers_.find(v->r);
-  if (known != numbers_.end()) {
+  if (const auto known = numbers_.find(v->r); known != numbers_.end()) {
     v->number = known->second;
-    representatives_.emplace(v->number, v);
     return v->number;
   }
-  if (v->print.has_value) {
-    const auto [first, last] = by_fingerprint_.equal_range(v->print.value);
-    const auto same = std::find_if(first, last, [&](const auto& entry) { return equal(v, entry.second); });
-    if (same != last) {
-      v->number = same->second->number;
-      numbers_.emplace(v->r, v->number);
-      return v->number;
-    }
-    by_fingerprint_.emplace(v->print.value, v);
+  const value same = known_equal(v);
+  if (gave_up()) {
+    return std::nullopt;
   }
-  v->number = *number_of_rat(v->r);
-  representatives_.emplace(v->number, v);
+  if (same != nullptr) {
+    v->number = same->number;
+  } else {
+    representatives_.push_back(v);
+    v->number = static_cast<std::uint32_t>(representatives_.size());
+    if (v->print.has_value) {
+      by_fingerprint_.emplace(v->print.value, v);
+    } else {
+      without_fingerprint_.push_back(v);
+    }
+    if (!rat_is_canonical(registry_, v->r)) {
+      uncertain_.push_back(v);
+    }
+  }
+  numbers_.emplace(v->r, v->number);
   return v->number;
 }
 
 // ---- Opaque parts.
 
-rational_domain::value rational_domain::atom(const key_words& words, const fingerprint& print) {
-  poly_data& pdata = registry_.pdata;
-  const std::int32_t key = pdata.intern_key(F_ATOM, words);
-  return make({poly_atom(pdata, key, cnum_from_int(1))}, print);
+rational_domain::value rational_domain::atom(factor_kind kind, const key_words& words, const fingerprint& print,
+                                             bool special) {
+  const std::int32_t key = registry_.pdata.intern_key(kind, words);
+  if (special) {
+    registry_.mark_special(key);
+  }
+  return make(rat_atom(registry_, key, cnum_from_int(1)), print);
 }
 
 rational_domain::value rational_domain::leaf(term_ptr t) {
-  return atom({tag_leaf, address_word(t)}, fingerprint_leaf(t));
+  return atom(F_ATOM, {tag_leaf, address_word(t)}, fingerprint_leaf(t), holds_any(t, not_finite));
 }
 
 rational_domain::value rational_domain::opaque(term_ptr t) {
-  return atom({tag_opaque, address_word(t)}, fingerprint_opaque(t));
+  return atom(F_ATOM, {tag_opaque, address_word(t)}, fingerprint_opaque(t), holds_any(t, several_valued | not_finite));
 }
 
-rational_domain::value rational_domain::compound(compound_kind kind, std::span<const value> parts) {
+rational_domain::value rational_domain::compound(compound_kind kind, std::span<const value> parts, bool special) {
   key_words words{tag_compound, static_cast<std::uint64_t>(kind)};
   std::vector<fingerprint> prints;
   for (const value& part : parts) {
@@ -110,12 +115,15 @@ rational_domain::value rational_domain::compound(compound_kind kind, std::span<c
     words.push_back(*number);
     prints.push_back(part->print);
   }
-  return atom(words, fingerprint_compound(kind, prints));
+  return atom(F_ATOM, words, fingerprint_compound(kind, prints), special);
 }
 
 // ---- Arithmetic.
 
 rational_domain::value rational_domain::sum(std::span<const signed_value<value>> addends) {
+  if (addends.size() == 1 && !addends.front().negative) {
+    return addends.front().value;
+  }
   std::vector<signed_rat> rats;
   std::vector<signed_value<fingerprint>> prints;
   for (const auto& [v, negative] : addends) {
@@ -125,63 +133,6 @@ rational_domain::value rational_domain::sum(std::span<const signed_value<value>>
   return make(rat_sum(registry_, rats), fingerprint_sum(prints));
 }
 
-namespace {
-
-constexpr std::size_t most_postponed = 64;
-
-// Takes the coefficients out of the factors that are one term, and multiplies them, each as soon as it fits: of
-// 2^40 * (2^40 / 2^40) the first two are not multiplied. Nothing, and the factors unchanged, when no order will do.
-std::optional<cnum> take_coefficients(std::vector<rat>& factors) {
-  const auto is_term = [](const rat& r) { return rat_is_polynomial(r) && r.num.size() == 1; };
-  std::vector<cnum> open;
-  for (const rat& r : factors) {
-    if (is_term(r) && !cnum_is_one(r.num.front().coef)) {
-      open.push_back(r.num.front().coef);
-    }
-  }
-  cnum product = cnum_from_int(1);
-  for (std::size_t before = open.size() + 1; !open.empty() && open.size() < before;) {
-    before = std::min(open.size(), most_postponed);
-    std::erase_if(open, [&](const cnum& coef) {
-      const cnum next = cnum_mul_reduced(product, coef);
-      product = cnum_is_finite(next) ? next : product;
-      return cnum_is_finite(next);
-    });
-  }
-  if (!open.empty()) {
-    return std::nullopt;
-  }
-  for (rat& r : factors) {
-    if (is_term(r)) {
-      r.num.front().coef = cnum_from_int(1);
-    }
-  }
-  return product;
-}
-
-}  // namespace
-
-// Neighbours are multiplied in rounds, so that a long product of names costs little more than its length.
-rat rational_domain::multiply_all(std::vector<rat> factors) {
-  if (factors.empty()) {
-    return rat_const(cnum_from_int(1));
-  }
-  const std::optional<cnum> coef = factors.size() > 2 ? take_coefficients(factors) : std::nullopt;
-  for (std::size_t count = factors.size(); count > 1; count = (count + 1) / 2) {
-    for (std::size_t i = 0; i < count / 2; ++i) {
-      factors[i] = rat_mul(registry_, factors[2 * i], factors[2 * i + 1]);
-    }
-    if (count % 2 != 0) {
-      factors[count / 2] = std::move(factors[count - 1]);
-    }
-  }
-  rat& product = factors.front();
-  if (coef && !cnum_is_one(*coef)) {
-    product.num = poly_scale(registry_.pdata, product.num, 0, *coef);
-  }
-  return std::move(product);
-}
-
 rational_domain::value rational_domain::product(std::span<const value> factors) {
   std::vector<rat> rats;
   std::vector<fingerprint> prints;
@@ -189,7 +140,7 @@ rational_domain::value rational_domain::product(std::span<const value> factors) 
     rats.push_back(v->r);
     prints.push_back(v->print);
   }
-  return make(multiply_all(std::move(rats)), fingerprint_product(prints));
+  return make(rat_product(registry_, rats), fingerprint_product(prints));
 }
 
 rational_domain::value rational_domain::quotient(const value& numerator, const value& denominator) {
@@ -203,103 +154,204 @@ rational_domain::value rational_domain::power(const value& base, const value& ex
   if (rat_is_nan(exponent->r)) {
     return failed();
   }
-  cnum constant;
-  if (rat_is_const(exponent->r, &constant)) {
-    return make(number_power(base, constant), print);
+  exact constant;
+  const bool by_number = rat_is_const(exponent->r, &constant);
+  rat result = by_number ? number_power(base, constant) : symbolic_power(base, addends);
+  if (rat_is_nan(result) && !rat_is_nan(base->r) && !gave_up()) {
+    result = unexpanded_power(base, exponent);  // too great a number
   }
-  return make(symbolic_power(base, addends), print);
+  return make(std::move(result), print);
 }
 
-// base^exponent for a number: the whole part is multiplied out, the rest is a root. A plain name needs no root key: its
-// exponent tells all. Of equal bases, the one that was met first stands for all.
-rat rational_domain::number_power(const value& base, const cnum& exponent) {
-  poly_data& pdata = registry_.pdata;
-  std::int64_t k = 0;
-  if (cnum_is_int(exponent, &k)) {
-    return rat_pow_int(registry_, base->r, k);
+rat rational_domain::unexpanded_power(const value& base, const value& exponent) {
+  const auto base_number = form_number(base);
+  const auto exponent_number = form_number(exponent);
+  if (!base_number || !exponent_number) {
+    return rat_nan();
+  }
+  const bool special = is_special(base) || is_special(exponent);
+  return atom(F_ATOM, {tag_unexpanded, *base_number, *exponent_number}, {}, special)->r;
+}
+
+// base^exponent for a number: powers with a whole exponent are products, others have a number and a root.
+rat rational_domain::number_power(const value& base, const exact& exponent) {
+  if (const auto k = exponent.to_int64()) {
+    return rat_pow_int(registry_, base->r, *k);
+  }
+  const cnum fraction = to_cnum(exponent);
+  if (rat_is_nan(base->r) || !cnum_is_finite(fraction)) {
+    return rat_nan();
+  }
+  if (base->r.pole || rat_is_zero(base->r)) {
+    return base->r.pole == (fraction.num > 0) ? rat_pole() : rat_const(0);
+  }
+  const exact& coef = base->r.coef;
+  const rat of_number = power_of_number(coef.sign() < 0 ? -coef : coef, fraction);
+  return rat_mul(registry_, of_number, root(without_number(base), fraction));
+}
+
+// The base divided by the magnitude of its coefficient.
+rational_domain::value rational_domain::without_number(const value& base) {
+  const exact magnitude = base->r.coef.sign() < 0 ? -base->r.coef : base->r.coef;
+  if (magnitude.is_one()) {
+    return base;
+  }
+  rat rest = base->r;
+  rest.coef = base->r.coef.sign();
+  return make(std::move(rest), fingerprint_quotient(base->print, fingerprint::of_number(magnitude)));
+}
+
+// The power of a positive number: each prime factor is a base of its own.
+rat rational_domain::power_of_number(const exact& base, const cnum& exponent) {
+  std::vector<rat> powers;
+  for (const auto& [prime, exp] : prime_powers(base)) {
+    const cnum total = cnum_mul_reduced(cnum_from_int(exp), exponent);
+    if (!cnum_is_finite(total)) {
+      return rat_nan();
+    }
+    const auto number = form_number(this->number(prime));
+    if (!number) {
+      return rat_nan();
+    }
+    powers.push_back(rat_atom(registry_, registry_.root_key(*number, rat_const(prime)), total));
+  }
+  return rat_product(registry_, powers);
+}
+
+// The power of a base without numeric factor. A plain name needs no root key: its exponent tells all. Of equal bases,
+// the one that was met first stands for all.
+rat rational_domain::root(const value& base, const cnum& exponent) {
+  exact constant;
+  if (rat_is_const(base->r, &constant) && constant.is_one()) {
+    return rat_const(1);
   }
   const auto number = form_number(base);
   if (!number) {
     return rat_nan();
   }
-  if (!cnum_is_finite(exponent)) {
-    return rat_nan();
+  const rat& first = representatives_[*number - 1]->r;
+  if (const auto name = plain_name(first)) {
+    return rat_atom(registry_, *name, exponent);
   }
-  const rat& first = representatives_.at(*number)->r;
-  const auto name = plain_name(first);
-  const std::int32_t key = name ? *name : registry_.root_key(*number, first);
-  return rat_normalize(registry_, {poly_atom(pdata, key, exponent)});
+  const std::int32_t key = registry_.root_key(*number, first);
+  if (is_special(base)) {
+    registry_.mark_special(key);
+  }
+  return rat_atom(registry_, key, exponent);
 }
 
 // The key that is all of r, if it stands for an opaque value.
 std::optional<std::int32_t> rational_domain::plain_name(const rat& r) const {
-  if (!rat_is_polynomial(r) || r.num.size() != 1 || !cnum_is_one(r.num.front().coef)) {
+  if (!r.sums.empty() || r.pole || !r.coef.is_one()) {
     return std::nullopt;
   }
-  const std::span<const factor> factors = registry_.pdata.factors(r.num.front().monomial);
+  const std::span<const factor> factors = registry_.pdata.factors(r.monomial);
   const bool plain =
       factors.size() == 1 && cnum_is_one(factors.front().exp) && registry_.pdata.kind_of(factors.front().key) == F_ATOM;
   return plain ? std::optional(factors.front().key) : std::nullopt;
 }
 
-// The product over the addends of the exponent. An addend N/D counts with each term of N alone.
+// The product over the addends of the exponent. An addend N/D counts with each term of N alone. The bases are the
+// primes of the number in front of the base, and the rest.
 rat rational_domain::symbolic_power(const value& base, std::span<const signed_value<value>> addends) {
-  const auto number = form_number(base);
-  if (!number) {
+  if (rat_is_nan(base->r)) {
     return rat_nan();
   }
-  std::vector<rat> powers;
-  for (const auto& [addend, negative] : addends) {
-    for (const poly_term& t : addend->r.num) {
-      const cnum coef = negative ? cnum_neg(t.coef) : t.coef;
-      powers.push_back(
-          power_of_part(base, *number, {poly_monomial(t.monomial, cnum_from_int(1)), addend->r.den}, coef));
+  std::vector<std::pair<value, exact>> bases;  // with the exponents that they have before
+  const value rest = without_number(base);
+  exact constant;
+  if (!rat_is_const(rest->r, &constant) || !constant.is_one()) {
+    bases.emplace_back(rest, 1);
+  }
+  if (!rat_is_zero(base->r) && !base->r.pole) {
+    for (const auto& [prime, exp] : prime_powers(base->r.coef.sign() < 0 ? -base->r.coef : base->r.coef)) {
+      bases.emplace_back(number(prime), exp);
     }
   }
-  return multiply_all(std::move(powers));
+  std::vector<rat> powers;
+  for (const auto& [part, before] : bases) {
+    const auto number = form_number(part);
+    if (!number) {
+      return rat_nan();
+    }
+    for (const auto& [addend, negative] : addends) {
+      rat denominator;
+      for (const poly_term& t : rat_numerator(registry_, addend->r, &denominator)) {
+        const rat numerator{.coef = 1, .monomial = t.monomial};
+        powers.push_back(power_of_part(part, *number, rat_div(registry_, numerator, denominator),
+                                       (negative ? -t.coef : t.coef) * before));
+      }
+    }
+  }
+  return rat_product(registry_, powers);
 }
 
 // base^(coef * part).
-rat rational_domain::power_of_part(const value& base, std::uint32_t base_number, const rat& part, const cnum& coef) {
-  const rat normal = rat_normalize(registry_, part);
-  cnum constant;
-  if (rat_is_const(normal, &constant)) {
-    return number_power(base, cnum_mul_reduced(coef, constant));
+rat rational_domain::power_of_part(const value& base, std::uint32_t base_number, rat part, const exact& coef) {
+  exact constant;
+  if (rat_is_const(part, &constant)) {
+    return number_power(base, coef * constant);
   }
-  const auto part_number = number_of_rat(normal);
-  if (!part_number) {
+  const exact exponent = coef * part.coef;
+  if (exponent.is_known()) {
+    part.coef = 1;
+  }
+  const bool special = is_special(base) || registry_.is_special(part);
+  const auto part_number = form_number(make(std::move(part), {}));
+  if (!part_number || !cnum_is_finite(to_cnum(exponent))) {
     return rat_nan();
   }
-  poly_data& pdata = registry_.pdata;
-  const std::int32_t key = pdata.intern_key(F_SYMBOLIC, {tag_symbolic_power, base_number, *part_number});
-  return {poly_atom(pdata, key, coef)};
+  const std::int32_t key = registry_.pdata.intern_key(F_SYMBOLIC, {tag_symbolic_power, base_number, *part_number});
+  if (special) {
+    registry_.mark_special(key);
+  }
+  return rat_atom(registry_, key, to_cnum(exponent));
 }
 
-// ---- One comparison.
+// ---- One caller's forms.
 
-rational_forms::rational_forms(std::uint64_t budget) : domain_(budget), reader_(domain_) {}
+rational_forms::rational_forms(std::uint64_t work)
+    : work_(work), all_(work * (limits::poly_question_work / limits::poly_work)), domain_(all_), reader_(domain_) {}
 
 rational_forms::~rational_forms() = default;
 
+template <class Question>
+auto rational_forms::ask(std::initializer_list<term_ptr> about, Question question) {
+  std::uint64_t of_size = 0;
+  for (term_ptr t : about) {
+    of_size += limits::poly_work_of_node * t->size();
+  }
+  all_.allow(of_size);
+  budget own(work_ + of_size, &all_);
+  domain_.charge_to(own);
+  auto answer = question();
+  domain_.charge_to(all_);
+  return answer;
+}
+
 std::optional<std::uint32_t> rational_forms::key(term_ptr t) {
-  return t == nullptr ? std::nullopt : domain_.form_number(reader_.read(t));
+  return t == nullptr ? std::nullopt : ask({t}, [&] { return domain_.form_number(reader_.read(t)); });
 }
 
 std::string rational_forms::text(term_ptr t) {
-  return t == nullptr ? "" : rat_to_string(domain_.registry(), reader_.read(t)->r);
+  return t == nullptr ? "" : ask({t}, [&] { return rat_to_string(domain_.registry(), reader_.read(t)->r); });
 }
 
 bool rational_forms::equal(term_ptr a, term_ptr b) {
-  const rational_domain::value left = reader_.read(a);
-  const rational_domain::value right = reader_.read(b);
-  return domain_.equal(left, right);
+  return ask({a, b}, [&] {
+    const rational_domain::value left = reader_.read(a);
+    const rational_domain::value right = reader_.read(b);
+    return domain_.equal(left, right);
+  });
 }
 
 bool rational_forms::equal_differences(term_ptr a1, term_ptr a2, term_ptr b1, term_ptr b2) {
-  const signed_value<rational_domain::value> left[] = {{reader_.read(a1), false}, {reader_.read(a2), true}};
-  const signed_value<rational_domain::value> right[] = {{reader_.read(b1), false}, {reader_.read(b2), true}};
-  const rational_domain::value difference = domain_.sum(left);
-  return domain_.equal(difference, domain_.sum(right));
+  return ask({a1, a2, b1, b2}, [&] {
+    const signed_value<rational_domain::value> left[] = {{reader_.read(a1), false}, {reader_.read(b1), true}};
+    const signed_value<rational_domain::value> right[] = {{reader_.read(a2), false}, {reader_.read(b2), true}};
+    const rational_domain::value moved = domain_.sum(left);
+    return domain_.equal(moved, domain_.sum(right)) && !domain_.is_special(moved);
+  });
 }
 
 }  // namespace vetro

@@ -1,7 +1,6 @@
 // The equality test on terms: terms first, then fingerprints, then exact forms. Nearly all comparisons that fail end at
 // the fingerprints, which are remembered for each term as long as the process lives; that changes no answer.
 #include <algorithm>
-#include <memory>
 #include <optional>
 #include <unordered_map>
 #include <utility>
@@ -15,22 +14,10 @@
 #include "term/compare.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
+#include "term/whole_parts.h"
 
 namespace vetro {
 namespace {
-
-// Parts of a term on which calculating is no proof.
-struct term_marks {
-  bool ellipsis = false;        // 1 + 2 + ... + n is not 3 + ... + n
-  std::uint8_t infinite = 0;    // occurrences of infinity; 2 means several
-  std::uint8_t asymptotic = 0;  // occurrences of Landau symbols; 2 means several
-
-  void absorb(const term_marks& part) {
-    ellipsis = ellipsis || part.ellipsis;
-    infinite = static_cast<std::uint8_t>(std::min(infinite + part.infinite, 2));
-    asymptotic = static_cast<std::uint8_t>(std::min(asymptotic + part.asymptotic, 2));
-  }
-};
 
 struct pair_hash {
   std::size_t operator()(const std::pair<term_ptr, term_ptr>& pair) const {
@@ -41,7 +28,6 @@ struct pair_hash {
 // What comparisons found out about terms. Each entry follows from the terms alone.
 struct comparison_memory {
   fingerprint_domain prints;
-  std::unordered_map<term_ptr, term_marks> marks;
   std::unordered_map<std::pair<term_ptr, term_ptr>, bool, pair_hash> answers;
 };
 
@@ -51,52 +37,17 @@ comparison_memory& memory() { return state().slots.of<comparison_memory>(); }
 // comparisons of all subterms of a large term do not read it anew each time.
 void limit_memory(term_ptr a, term_ptr b) {
   const comparison_memory& known = memory();
-  const std::size_t entries = known.prints.remembered() + known.marks.size() + known.answers.size();
+  const std::size_t entries = known.prints.remembered() + known.answers.size();
   if (entries > limits::poly_remembered + 2 * (std::size_t{a->size()} + b->size())) {
     state().slots.forget<comparison_memory>();
   }
-}
-
-term_marks marks_of_leaf(term_ptr t) {
-  term_marks marks;
-  if (t->type() == Const) {
-    const const_type kind = t->constant();
-    marks.ellipsis = kind == Ellipsis;
-    marks.infinite = kind == Infty || kind == PosInfty || kind == NegInfty ? 1 : 0;
-  } else if (t->type() == Oper) {
-    marks.asymptotic = t->oper() >= BigO && t->oper() <= RightLittleO ? 1 : 0;
-  }
-  return marks;
-}
-
-term_marks marks_of(term_ptr t, std::unordered_map<term_ptr, term_marks>& known) {
-  if (t->children().empty()) {
-    return marks_of_leaf(t);
-  }
-  const auto found = known.find(t);
-  if (found != known.end()) {
-    return found->second;
-  }
-  term_marks marks;
-  for (term_ptr part : t->children()) {
-    if (part != nullptr) {
-      marks.absorb(marks_of(part, known));
-    }
-  }
-  known.emplace(t, marks);
-  return marks;
 }
 
 fingerprint print_of(term_ptr t) { return expression_reader<fingerprint_domain>(memory().prints).read(t); }
 
 // The exact comparison would certainly fail.
 bool certainly_open(const fingerprint& a, const fingerprint& b) {
-  return a.fails || b.fails || (a.has_value && b.has_value && a.value != b.value);
-}
-
-// Calculating with these marks on the two sides proves something.
-bool calculable(const term_marks& a, const term_marks& b) {
-  return !a.ellipsis && !b.ellipsis && a.asymptotic <= 1 && b.asymptotic <= 1;
+  return a.has_value && b.has_value && a.value != b.value;
 }
 
 }  // namespace
@@ -113,9 +64,6 @@ bool poly_rat_eqb(term_ptr a, term_ptr b) {
     return false;
   }
   comparison_memory& known = memory();
-  if (!calculable(marks_of(a, known.marks), marks_of(b, known.marks))) {
-    return false;
-  }
   const auto answer = known.answers.find({a, b});
   if (answer != known.answers.end()) {
     return answer->second;
@@ -125,9 +73,26 @@ bool poly_rat_eqb(term_ptr a, term_ptr b) {
   return equal;
 }
 
+poly_rat_comparisons::poly_rat_comparisons() : forms_(std::make_unique<rational_forms>()) {}
+
+poly_rat_comparisons::~poly_rat_comparisons() = default;
+
+bool poly_rat_comparisons::equal(term_ptr a, term_ptr b) {
+  if (a == nullptr || b == nullptr) {
+    return false;
+  }
+  if (term_eqb(a, b)) {
+    return true;
+  }
+  limit_memory(a, b);
+  return !certainly_open(print_of(a), print_of(b)) && forms_->equal(a, b);
+}
+
+// Of several values each is another one, so that equal sides are no reason for ≤ between them.
 bool solver_poly_rat_eqb(term_ptr target, const solve_data& /*sdata*/) {
   const auto relation = pred_split(target);
-  if (!relation || (relation->pred != Eq && relation->pred != Le && relation->pred != Ge)) {
+  if (!relation || (relation->pred != Eq && relation->pred != Le && relation->pred != Ge) ||
+      (relation->pred != Eq && holds_any(target, several_valued))) {
     return false;
   }
   return poly_rat_eqb(relation->left, relation->right);
@@ -184,18 +149,6 @@ bool differences_equal(const decision_normal_form& goal, term_ptr left, term_ptr
   if (certainly_open(of_goal, print_of_difference(left, right))) {
     return false;
   }
-  auto& known = memory().marks;
-  term_marks goal_marks = marks_of(goal.left, known);
-  goal_marks.absorb(marks_of(goal.right, known));
-  term_marks marks = marks_of(left, known);
-  marks.absorb(marks_of(right, known));
-  if (!calculable(goal_marks, marks)) {
-    return false;
-  }
-  // infinity + x = infinity + y says nothing about x and y. A single infinite part can't cancel.
-  if (goal_marks.infinite > 1 || marks.infinite > 1) {
-    return forms.equal(goal.left, left) && forms.equal(goal.right, right);
-  }
   return forms.equal_differences(goal.left, goal.right, left, right);
 }
 
@@ -204,8 +157,13 @@ bool decision_forms_match(const decision_normal_form& goal, const decision_norma
   if (goal.rel != assumed.rel) {
     return false;
   }
-  return differences_equal(goal, assumed.left, assumed.right, forms) ||
-         (goal.rel == decision_rel_eq && differences_equal(goal, assumed.right, assumed.left, forms));
+  if (differences_equal(goal, assumed.left, assumed.right, forms)) {
+    return true;
+  }
+  // f = O(x) says that f is of that order; it does not turn round.
+  const bool turns = goal.rel == decision_rel_eq && !holds_any(goal.left, whole_part::landau) &&
+                     !holds_any(goal.right, whole_part::landau);
+  return turns && differences_equal(goal, assumed.right, assumed.left, forms);
 }
 
 bool assumption_matches(const decision_normal_form& goal, term_ptr assumption, rational_forms& forms) {
@@ -222,7 +180,7 @@ bool assumption_matches(const decision_normal_form& goal, term_ptr assumption, r
 
 }  // namespace
 
-// All assumptions share the forms, so that the target is expanded once and one budget holds for the whole call.
+// All assumptions share the forms, so that the target is expanded once. Each comparison has a budget of its own.
 bool solver_context_poly_rat(term_ptr target, const solve_data& sdata) {
   const auto goal = decision_normalize_atomic(target);
   if (!goal) {

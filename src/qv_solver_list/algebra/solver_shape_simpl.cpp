@@ -154,7 +154,7 @@ class rewrite_check {
     if (found != equal_.end()) {
       return found->second;
     }
-    const bool answer = term_eqb(left, right) || poly_rat_eqb(left, right) || equal_by_parts(left, right);
+    const bool answer = comparisons_.equal(left, right) || equal_by_parts(left, right);
     equal_.emplace(std::pair{left, right}, answer);
     return answer;
   }
@@ -301,6 +301,7 @@ class rewrite_check {
   term_list rule_vars_;
   std::size_t hits_ = 0;
   std::unordered_set<term_ptr> asked_;
+  poly_rat_comparisons comparisons_;
   std::unordered_map<std::pair<term_ptr, term_ptr>, bool, pair_hash> equal_;
 };
 
