@@ -82,7 +82,7 @@ bool gives_polynomial(interval_op op, term_ptr right, const fingerprint& right_p
     case interval_op::power:
       return right->type() == Const && right->constant() == Integer && right->integer() >= 1;
     case interval_op::div:
-      return cnum_is_finite(right_print.constant) && !cnum_is_zero(right_print.constant);
+      return right_print.is_number && right_print.at_zero.sign() != 0;
     default:
       return true;
   }
@@ -172,7 +172,7 @@ interval_reader::entry interval_reader::number(const exact& value) {
     return {graph_.add_leaf(EX_CONST, enclosure_of_long(value), true)};
   }
   const interval point = interval_point({RAT_FINITE, small.num, small.den});
-  return {graph_.add_leaf(EX_CONST, point, true), true, fingerprint::of_number(small)};
+  return {graph_.add_leaf(EX_CONST, point, true), true, fingerprint::of_number(value)};
 }
 
 interval_reader::entry interval_reader::opaque(ex_kind kind, term_ptr t, bool defined) {
