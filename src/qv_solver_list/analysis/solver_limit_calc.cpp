@@ -10,6 +10,7 @@
 #include <optional>
 #include <unordered_map>
 
+#include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/analysis/eventual_behaviour.h"
 #include "qv_solver_list/definedness.h"
 #include "qv_solver_list/number_reading.h"
@@ -151,9 +152,13 @@ term_ptr limit_simplifier::at_finite_point(term_ptr var, term_ptr point, term_pt
   if (at_point == nullptr || !domain_.defined(at_point) || !continuous_at(body, var, point)) {
     return nullptr;
   }
-  const auto value = constant_rational(at_point);
+  term_ptr simplified = solver_numeric_calc_simplify(at_point);
+  if (simplified == nullptr) {
+    return nullptr;
+  }
+  const auto value = constant_rational(simplified);
   term_ptr number = value ? number_term(*value) : nullptr;
-  return number != nullptr ? number : at_point;
+  return number != nullptr ? number : simplified;
 }
 
 // Every form that counts as defined is continuous where it is, but two: a power whose exponent moves ((-1)^x is defined
