@@ -5,7 +5,11 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "qv_solver_list/algebra/log_form.h"
+#include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/algebra/trig_values.h"
+#include "qv_solver_list/assumption_facts.h"
+#include "qv_solver_list/complex_values.h"
 #include "qv_solver_list/constant_analysis.h"
 #include "qv_solver_list/equality_tests.h"
 #include "qv_solver_list/number_reading.h"
@@ -167,18 +171,23 @@ term_ptr as_number(term_ptr t) {
   return value->sign() < 0 ? make_unOp_term(Neg, digits) : digits;
 }
 
-bool is_entered(term_ptr t) {
-  if (t->type() != Apply || t->scope() != nullptr) {
+bool is_entered(term_ptr t) { return t->type() == Apply && t->scope() == nullptr && stands_for_its_value(t); }
+
+// Equal when the logarithms in them are taken apart.
+bool equal_by_logarithms(term_ptr left, term_ptr right, const solve_data& sdata) {
+  auto& complex = facts_of(sdata).table<complex_values>();
+  if (is_one_whole(left) || is_one_whole(right) || complex.may_be_complex(left) || complex.may_be_complex(right)) {
     return false;
   }
-  term_ptr head = t;
-  while (head->type() == Apply) {
-    head = head->left();
+  root_normalizer normalizer(&sdata);
+  const term_ptr left_form = log_form(left, normalizer);
+  const term_ptr right_form = log_form(right, normalizer);
+  if (left_form == left && right_form == right) {
+    return false;
   }
-  const bool asks_domain = head->type() == Pred
-                               ? head->pred() == Defined
-                               : head->type() == Oper && (head->oper() == Dom || head->oper() == SetDesc);
-  return !asks_domain;
+  const term_ptr left_powers = normalizer.power_form(left_form);
+  const term_ptr right_powers = normalizer.power_form(right_form);
+  return poly_rat_eqb(left_powers, right_powers);
 }
 
 class simplification {
@@ -290,7 +299,7 @@ bool solver_numeric_calc(term_ptr target, const solve_data& sdata) {
     }
   }
   constexpr solver_id tests[] = {solver_id::reflexivity, solver_id::poly_rat, solver_id::rootfrac};
-  return relation->pred == Eq && equal_by(tests, left, right, sdata);
+  return relation->pred == Eq && (equal_by(tests, left, right, sdata) || equal_by_logarithms(left, right, sdata));
 }
 
 }  // namespace vetro

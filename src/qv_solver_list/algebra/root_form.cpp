@@ -108,17 +108,8 @@ term_ptr mk_int(const exact& value) {
   return small && *small <= INT32_MAX ? mk_integer(static_cast<std::int32_t>(*small)) : mk_decimal(to_string(value));
 }
 
-term_ptr mk_number(const exact& value) {
-  if (value.is_integer()) {
-    return mk_int(value);
-  }
-  const term_ptr numerator = mk_int(value.numerator());
-  const term_ptr denominator = mk_int(value.denominator());
-  return make_binOp_term(Frac, numerator, denominator);
-}
-
 term_ptr mk_power(term_ptr base, const exact& exponent) {
-  return exponent.is_one() ? base : make_binOp_term(Power, base, mk_number(exponent));
+  return exponent.is_one() ? base : make_binOp_term(Power, base, number_of_any_size(exponent));
 }
 
 term_ptr mk_sqrtn(const exact& index, term_ptr radicand) {
@@ -307,22 +298,6 @@ class sign_knowledge {
 
 // ---- Products as powers.
 
-// A factor that is not taken further apart, with its exponent.
-struct power_factor {
-  term_ptr base;
-  exact exponent;
-};
-
-// coefficient * primes * factors. Exponents are not 0; those of primes lie between 0 and 1 unless they are too large to
-// be worked out. The integer 0 is no part of the coefficient, so that 0 / 0 is not reduced.
-struct power_product {
-  exact coefficient = 1;
-  std::map<std::int64_t, exact> primes;
-  std::vector<power_factor> factors;  // in the order in which they came
-  bool zero_above = false;
-  bool zero_below = false;
-};
-
 class product_collector {
  public:
   explicit product_collector(sign_knowledge& signs) : signs_(signs) {}
@@ -456,16 +431,15 @@ class product_collector {
       return false;
     }
     const exact size = value.sign() < 0 ? -value : value;
-    const auto numerator = size.numerator().to_int64();
-    const auto denominator = size.denominator().to_int64();
-    if (!numerator || !denominator) {
+    if (!size.numerator().to_int64() || !size.denominator().to_int64()) {
       return false;
     }
     if (value.sign() < 0) {
       change_sign(how.exponent);
     }
-    add_primes(*numerator, how.exponent);
-    add_primes(*denominator, -how.exponent);
+    for (const auto& [prime, times] : prime_exponents(size)) {
+      product_.primes[*prime.to_int64()] += times * how.exponent;
+    }
     return true;
   }
 
@@ -477,19 +451,6 @@ class product_collector {
       product_.coefficient = coefficient;
     }
     return coefficient.is_known();
-  }
-
-  // What is left when the small primes are taken out counts as a prime: a root that it may have is not seen.
-  void add_primes(std::int64_t n, const exact& exponent) {
-    constexpr std::int64_t last_divisor = 10'000;
-    for (std::int64_t p = 2; p <= last_divisor && p * p <= n; p += p == 2 ? 1 : 2) {
-      for (; n % p == 0; n /= p) {
-        product_.primes[p] += exponent;
-      }
-    }
-    if (n > 1) {
-      product_.primes[n] += exponent;
-    }
   }
 
   void keep(term_ptr base, const exact& exponent) {
@@ -629,15 +590,55 @@ class quotient_writer {
   term_list den_;
 };
 
-// Nothing is calculated in these: they speak of where an expression is defined, or of functions.
-bool is_left_alone(term_ptr head) {
-  return head->type() == Pred ? head->pred() == Defined
-                              : head->type() == Oper && (head->oper() == Dom || head->oper() == SetDesc);
-}
-
 }  // namespace
 
 int compare_terms(term_ptr a, term_ptr b) { return term_order().compare(a, b); }
+
+term_ptr number_of_any_size(const exact& value) {
+  if (value.is_integer()) {
+    return mk_int(value);
+  }
+  const term_ptr numerator = mk_int(value.numerator());
+  const term_ptr denominator = mk_int(value.denominator());
+  return make_binOp_term(Frac, numerator, denominator);
+}
+
+std::vector<std::pair<exact, exact>> prime_exponents(const exact& value) {
+  constexpr std::int64_t last_divisor = 10'000;
+  const auto numerator = value.numerator().to_int64();
+  const auto denominator = value.denominator().to_int64();
+  if (!numerator || !denominator) {
+    return {{value, 1}};
+  }
+  std::vector<std::pair<exact, exact>> result;
+  const auto take_out = [&](std::int64_t n, int sign) {
+    for (std::int64_t p = 2; n > 1; p += p == 2 ? 1 : 2) {
+      const bool last = p > last_divisor || p > n / p;
+      const std::int64_t prime = last ? n : p;
+      std::int64_t times = 0;
+      for (; n % prime == 0 && n > 1; n /= prime) {
+        times += sign;
+      }
+      if (times != 0) {
+        result.emplace_back(prime, times);
+      }
+    }
+  };
+  take_out(*numerator, 1);
+  take_out(*denominator, -1);
+  return result;
+}
+
+bool stands_for_its_value(term_ptr application) {
+  term_ptr head = application;
+  while (head->type() == Apply) {
+    head = head->left();
+  }
+  if (head->type() == Pred) {
+    return head->pred() != Defined;
+  }
+  return head->type() != Oper || (head->oper() != Dom && head->oper() != SetDesc);
+}
 
 class root_normalizer::worker {
  public:
@@ -652,6 +653,9 @@ class root_normalizer::worker {
     cores_.emplace(t, result);
     return result;
   }
+
+  std::optional<power_product> powers_of(term_ptr t) { return product_collector(signs_).collect(t); }
+  bool nonnegative(term_ptr t) { return signs_.nonnegative(t); }
 
   term_ptr power_form(term_ptr t) {
     if (t->children().empty() || !t->binders().empty() || t->scope() != nullptr) {
@@ -679,11 +683,7 @@ class root_normalizer::worker {
       const auto product = product_collector(signs_).collect(t);
       return product && !product->zero_below ? written_as_powers(*product) : t;
     }
-    term_ptr head = t;
-    while (head->type() == Apply) {
-      head = head->left();
-    }
-    if (is_left_alone(head)) {
+    if (!stands_for_its_value(t)) {
       return t;
     }
     return map_children(t, walk_apply | keep_meta, [this](term_ptr part) { return power_form(part); });
@@ -691,7 +691,7 @@ class root_normalizer::worker {
 
   term_ptr written_as_powers(const power_product& product) {
     term_list list;
-    list.push_back(product.zero_above ? mk_integer(0) : mk_number(product.coefficient));
+    list.push_back(product.zero_above ? mk_integer(0) : number_of_any_size(product.coefficient));
     for (const auto& [prime, exponent] : product.primes) {
       list.push_back(mk_power(mk_int(prime), exponent));
     }
@@ -718,6 +718,10 @@ root_normalizer::root_normalizer(const solve_data* sdata) : worker_(std::make_un
 root_normalizer::~root_normalizer() = default;
 
 term_ptr root_normalizer::rootfrac_core(term_ptr t) { return t == nullptr ? nullptr : worker_->core(t); }
+
+std::optional<power_product> root_normalizer::powers_of(term_ptr t) { return worker_->powers_of(t); }
+
+bool root_normalizer::nonnegative(term_ptr t) { return worker_->nonnegative(t); }
 
 term_ptr root_normalizer::power_form(term_ptr t) { return t == nullptr ? nullptr : worker_->power_form(t); }
 

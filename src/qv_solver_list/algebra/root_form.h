@@ -12,12 +12,34 @@
 // Roots of rational numbers are powers of primes.
 #pragma once
 
+#include <cstdint>
+#include <map>
 #include <memory>
+#include <optional>
+#include <utility>
+#include <vector>
 
+#include "number/exact.h"
 #include "qv_solver_list/solver.h"
 #include "term/ast.h"
 
 namespace vetro {
+
+// A factor that is not taken further apart, with its exponent.
+struct power_factor {
+  term_ptr base;
+  exact exponent;
+};
+
+// coefficient * primes * factors. Exponents are not 0; those of primes lie between 0 and 1 unless they are too large to
+// be worked out. The integer 0 is no part of the coefficient, so that 0 / 0 is not reduced.
+struct power_product {
+  exact coefficient = 1;
+  std::map<std::int64_t, exact> primes;
+  std::vector<power_factor> factors;  // in the order in which they came
+  bool zero_above = false;
+  bool zero_below = false;
+};
 
 // Brings products to their form. What is found out about a term is remembered.
 class root_normalizer {
@@ -39,6 +61,12 @@ class root_normalizer {
   // 2^(1/2) * 3^(1/2). Only parts that stand for their value are entered.
   term_ptr power_form(term_ptr t);
 
+  // The product as powers; nothing when an exponent is beyond all limits.
+  std::optional<power_product> powers_of(term_ptr t);
+
+  // Whether the term is known not to be negative.
+  bool nonnegative(term_ptr t);
+
  private:
   class worker;
   std::unique_ptr<worker> worker_;
@@ -47,5 +75,15 @@ class root_normalizer {
 // The order of factors and summands: by kind, then names, numbers, operators, and the parts of applications from the
 // left; -1, 0 or 1. Terms of other kinds are equal. Null comes before anything.
 int compare_terms(term_ptr a, term_ptr b);
+
+// A number of any size as a term: an integer beyond 32 bits is written in digits.
+term_ptr number_of_any_size(const exact& value);
+
+// The factorisation of a positive rational number; what is left when the small primes are taken out counts as a prime.
+// Nothing but the number itself when it does not fit 64 bits.
+std::vector<std::pair<exact, exact>> prime_exponents(const exact& value);
+
+// False for heads that speak of where an expression is defined, or describe a set: nothing is calculated below them.
+bool stands_for_its_value(term_ptr application);
 
 }  // namespace vetro

@@ -1,10 +1,12 @@
-// The form of products with roots: what it looks like, that it keeps the value, and that large exponents are cheap.
+// The forms of products with roots and of their logarithms: what they look like, that they keep the value, and that
+// large exponents are cheap.
 #include "qv_solver_list/algebra/root_form.h"
 
 #include <array>
 #include <random>
 
 #include "number/exact.h"
+#include "qv_solver_list/algebra/log_form.h"
 #include "qv_solver_list/number_reading.h"
 #include "support/solver_fixture.h"
 #include "term/split_arithmetic.h"
@@ -129,6 +131,25 @@ std::optional<real_value> value_of(term_ptr t, int x, int y) {
   }
 }
 
+// A sum of multiples of logarithms as the exponents of the product that it is the logarithm of; nothing where one of
+// the logarithms is not defined.
+std::optional<real_value> exponential_of(term_ptr sum, int x, int y) {
+  if (is_integer(sum, 0)) {
+    return real_value{};
+  }
+  const auto view = composed_term_split(sum);
+  if (view->oper == Ln) {
+    const auto value = value_of(view->t1, x, y);
+    return value && value->sign > 0 ? value : std::nullopt;
+  }
+  const auto right = exponential_of(view->t2, x, y);
+  if (view->oper == Mult) {
+    return right ? std::optional(right->power(*evaluate(view->t1, {}))) : std::nullopt;
+  }
+  const auto left = exponential_of(view->t1, x, y);
+  return left && right ? std::optional(product(*left, *right)) : std::nullopt;
+}
+
 // Products of x, y, numbers, their powers and roots.
 class random_product {
  public:
@@ -176,6 +197,10 @@ TEST_F(root_form_test, KeepsTheValue) {
         ASSERT_EQ(shown(normalizer.rootfrac_core(core)), shown(core)) << shown(t);
         ASSERT_EQ(value_of(core, x, y), expected) << shown(t) << " became " << shown(core);
         ASSERT_EQ(value_of(powers, x, y), expected) << shown(t) << " became " << shown(powers);
+        if (expected->sign > 0) {
+          const term_ptr logarithm = log_form(make_unOp_term(Ln, t), normalizer);
+          ASSERT_EQ(exponential_of(logarithm, x, y), expected) << shown(t) << " became " << shown(logarithm);
+        }
         ++compared;
       }
     }
