@@ -140,6 +140,8 @@ dsl_result execute_use_condition(dsl_execute_data& data);
 dsl_result execute_get_exists(dsl_execute_data& data);
 dsl_result execute_get_forall(dsl_execute_data& data);
 dsl_result execute_get_condition(dsl_execute_data& data);
+dsl_result execute_autoreplace(dsl_execute_data& data);
+dsl_result execute_not_normalize(dsl_execute_data& data);
 dsl_result execute_solver(dsl_execute_data& data);
 
 }  // namespace vetro

@@ -26,8 +26,8 @@ constexpr std::array<handler_row, dsl_type_count> handlers = {{
     {GET_EXISTS_INST, execute_get_exists},
     {GET_FORALL_INST, execute_get_forall},
     {GET_CONDITION_INST, execute_get_condition},
-    {AUTO_REPLACE_INST, nullptr},
-    {NOT_NORMALIZE_INST, nullptr},
+    {AUTO_REPLACE_INST, execute_autoreplace},
+    {NOT_NORMALIZE_INST, execute_not_normalize},
     {AUTO_SOLVE_INST, execute_solver},
     {SOLVER_INST, nullptr},
 }};

@@ -9,6 +9,7 @@
 
 #include "lib/dsl_parser.h"
 #include "lib/thm_lib.h"
+#include "qv_solver_list/solver_registry.h"
 #include "support/run_fixture.h"
 #include "term/print.h"
 
@@ -36,6 +37,7 @@ class script_run : public run {
  public:
   explicit script_run(proof_gap_full start, dsl_execute_mode mode = fast_mode, std::string_view library = "")
       : run(std::move(start), mode) {
+    install_solvers(solver_registry());
     thm_lib_parse(library, lib);
     data.thmlib = &lib;
   }
