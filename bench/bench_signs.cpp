@@ -8,7 +8,7 @@
 #include "parser/parser_api.h"
 #include "platform/large_stack.h"
 #include "qv_solver_list/assumption_facts.h"
-#include "qv_solver_list/definedness.h"
+#include "qv_solver_list/functions/definedness.h"
 #include "qv_solver_list/solver_list.h"
 #include "qv_solver_list/solver_registry.h"
 #include "qv_solver_list/solvers.h"

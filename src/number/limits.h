@@ -92,6 +92,10 @@ inline constexpr std::uint64_t collected_binders = 4'000'000;
 // Premises whose proofs may be under way inside one another. Definitions that rest on definitions nest a few deep.
 inline constexpr std::size_t premise_depth = 64;
 
+// Functions that one question of definedness may look through. A formula names a handful; definitions that call one
+// another would go on for ever.
+inline constexpr std::size_t domain_unfoldings = 1'000;
+
 // Answers of side solvers that one list of assumptions keeps, and closed expressions whose value the run keeps; about
 // 100 bytes each.
 inline constexpr std::size_t premises_remembered = 200'000;

@@ -12,7 +12,7 @@
 
 #include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/analysis/eventual_behaviour.h"
-#include "qv_solver_list/definedness.h"
+#include "qv_solver_list/functions/definedness.h"
 #include "qv_solver_list/number_reading.h"
 #include "qv_solver_list/solvers.h"
 #include "qv_solver_list/univariate.h"

@@ -8,8 +8,8 @@
 #include <optional>
 
 #include "qv_solver_list/calculus/rational_interval.h"
-#include "qv_solver_list/definedness.h"
 #include "qv_solver_list/functions/conditions.h"
+#include "qv_solver_list/functions/definedness.h"
 #include "qv_solver_list/functions/definitions.h"
 #include "qv_solver_list/premises.h"
 #include "qv_solver_list/solvers.h"

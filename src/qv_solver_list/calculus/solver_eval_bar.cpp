@@ -3,9 +3,9 @@
 #include <algorithm>
 #include <unordered_set>
 
-#include "qv_solver_list/definedness.h"
 #include "qv_solver_list/equality_tests.h"
 #include "qv_solver_list/functions/apply_normalize.h"
+#include "qv_solver_list/functions/definedness.h"
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
 #include "term/term_split_combine.h"

@@ -1,6 +1,6 @@
 // Values of closed expressions, memberships in number sets, definedness under a policy.
 #include "qv_solver_list/constant_analysis.h"
-#include "qv_solver_list/definedness.h"
+#include "qv_solver_list/functions/definedness.h"
 #include "qv_solver_list/solvers.h"
 #include "support/solver_fixture.h"
 #include "term/term_split_combine.h"
@@ -182,7 +182,8 @@ TEST_F(definedness, ByOperator) {
                                                       {{"cos(x) ≠ 0"}, "tan(x)"},
                                                       {{"b > 0", "b ≠ 1", "x > 0"}, "log(b, x)"},
                                                       {{}, "exp(x)"},
-                                                      {{}, "1 / 2 + 2^(1 / 2)"}};
+                                                      {{}, "1 / 2 + 2^(1 / 2)"},
+                                                      {{}, "1 / sin(π / 6) + y^(log(2, 8))"}};
   const std::initializer_list<solver_case> open = {{{}, "1 / x"},
                                                    {{"x ≠ 0"}, "1 / (x + y)"},
                                                    {{}, "sqrtn(2, x)"},
@@ -206,6 +207,22 @@ TEST_F(definedness, ByOperator) {
   }
   expect_defined(false, limit_domain_policy, {{{}, "arctan(x)"}});
   expect_defined(true, evalbar_domain_policy, {{{}, "arctan(x)"}});
+}
+
+TEST_F(definedness, ThroughFunctions) {
+  const std::initializer_list<solver_case> defined = {{{"f = (fun x . x + 1)"}, "f(y)"},
+                                                      {{"forall (x), f(x) = 1 / x", "y ≠ 0"}, "f(y)"},
+                                                      {{"forall (x), x > 0 ⇒ f(x) = 1", "y > 0"}, "f(y)"},
+                                                      {{"forall (x), f(x) = x^2"}, "f(f(y))"}};
+  expect_defined(true, evalbar_domain_policy, defined);
+  expect_defined(false, limit_domain_policy, defined);
+  expect_defined(false, evalbar_domain_policy,
+                 {{{"forall (x), f(x) = 1 / x"}, "f(y)"},
+                  {{"forall (x), x > 0 ⇒ f(x) = 1"}, "f(y)"},
+                  {{"f = (fun x . x + 1)"}, "f(1 / y)"},
+                  {{"forall (x), f(x) = f(x)"}, "f(y)"},
+                  {{"forall (x), f(x) = g(x)", "forall (x), g(x) = f(x)"}, "f(y)"},
+                  {{"forall (x), f(x) = g(x + 1) + g(x + 2)", "forall (x), g(x) = f(x + 1) + f(x + 2)"}, "f(y)"}});
 }
 
 }  // namespace

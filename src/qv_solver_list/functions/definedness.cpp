@@ -1,28 +1,43 @@
 // The tables of the domain prover. An expression is opened from the outside: first its parts must be defined, then the
 // operator's own condition must hold of them.
-#include "qv_solver_list/definedness.h"
+#include "qv_solver_list/functions/definedness.h"
 
 #include <algorithm>
+#include <unordered_set>
 
-#include "qv_solver_list/constant_analysis.h"
+#include "number/limits.h"
+#include "qv_solver_list/algebra/numeric_calc.h"
+#include "qv_solver_list/functions/conditions.h"
 #include "term/term_split_combine.h"
-#include "term/traverse.h"
 
 namespace vetro {
 namespace {
 
-constexpr root_limits exact_roots = {.index = 100, .component = 100};
-
 std::optional<std::int64_t> exact_integer(term_ptr t) {
-  const auto value = solver_const_analyze_exact_rational(t, exact_roots);
+  const auto value = solver_numeric_calc_eval_rational(solver_numeric_calc_simplify(t));
   return value ? value->to_int64() : std::nullopt;
 }
 
-bool is_infinite(term_ptr t) { return is_constant(t, Infty) || is_constant(t, PosInfty) || is_constant(t, NegInfty); }
+// Nodes that were searched hold none.
+bool holds_infinity(term_ptr t, std::unordered_set<term_ptr>& searched) {
+  if (t == nullptr || (t->type() != Const && !searched.insert(t).second)) {
+    return false;
+  }
+  if (t->type() == Const && is_infinity(t->constant())) {
+    return true;
+  }
+  const auto holds_it = [&](term_ptr part) { return holds_infinity(part, searched); };
+  const auto parts = t->children();
+  return std::any_of(parts.begin(), parts.end(), holds_it) || holds_it(t->scope()) ||
+         std::any_of(t->binders().begin(), t->binders().end(), holds_it);
+}
 
 }  // namespace
 
-bool solver_expr_domain_is_finite_term(term_ptr t) { return t != nullptr && !any_subterm(t, walk_all, is_infinite); }
+bool solver_expr_domain_is_finite_term(term_ptr t) {
+  std::unordered_set<term_ptr> searched;
+  return t != nullptr && !holds_infinity(t, searched);
+}
 
 domain_prover::domain_prover(const solve_data& sdata, const domain_policy& policy)
     : premises_(sdata, policy.premise_solvers), policy_(policy) {}
@@ -34,9 +49,8 @@ bool domain_prover::defined(term_ptr expr) {
   if (const auto known = defined_.find(expr); known != defined_.end()) {
     return known->second;
   }
-  const bool answer = read_defined(expr);
-  defined_.emplace(expr, answer);
-  return answer;
+  defined_.emplace(expr, false);  // what needs itself is not defined
+  return defined_[expr] = read_defined(expr);
 }
 
 bool domain_prover::read_defined(term_ptr t) {
@@ -64,7 +78,29 @@ bool domain_prover::application_defined(const spine& applied) {
     return (args.size() == 1 && unary_defined(head->oper(), args[0])) ||
            (args.size() == 2 && binary_defined(head->oper(), args[0], args[1]));
   }
-  return is_exponential(head) && args.size() == 1;
+  return (args.size() == 1 && is_exponential(head)) || defined(unfolded(applied));
+}
+
+// The value of an applied function, where it may be looked through and is shown to be defined for the arguments; else
+// null.
+term_ptr domain_prover::unfolded(const spine& applied) {
+  const auto& [head, args] = applied;
+  const bool allowed = (head->type() == Lambda && policy_.allow_lambda_applications) ||
+                       (head->type() == Var && policy_.allow_named_functions);
+  if (!allowed || unfoldings_ >= limits::domain_unfoldings) {
+    return nullptr;
+  }
+  ++unfoldings_;
+  term_ptr lambda = head->type() == Lambda ? head : solver_func_resolve_lambda(head, args.size(), args, premises_);
+  const auto params = lambda == nullptr ? std::nullopt : solver_func_lambda_params_valid(lambda);
+  if (!params || *params > args.size()) {
+    return nullptr;
+  }
+  const term_span leading = term_span(args).first(*params);
+  if (!solver_func_lambda_applies(lambda, leading, premises_)) {
+    return nullptr;
+  }
+  return mk_apply_all(solver_func_apply_lambda(lambda, leading), term_span(args).subspan(*params));
 }
 
 // A name is the exponential function only where no assumption speaks of it.
@@ -134,14 +170,17 @@ bool domain_prover::nonzero(term_ptr expr) {
   if (const auto known = nonzero_.find(expr); known != nonzero_.end()) {
     return known->second;
   }
-  const bool answer =
-      read_nonzero(expr) || relation_to(Neq, expr, 0) || relation_to(Gt, expr, 0) || relation_to(Lt, expr, 0);
+  const bool answer = read_nonzero(solver_numeric_calc_simplify(expr)) || relation_to(Neq, expr, 0) ||
+                      relation_to(Gt, expr, 0) || relation_to(Lt, expr, 0);
   nonzero_.emplace(expr, answer);
   return answer;
 }
 
 // By the parts: a product is not zero when no factor is.
 bool domain_prover::read_nonzero(term_ptr t) {
+  if (const auto value = solver_numeric_calc_eval_rational(t)) {
+    return !value->is_zero();
+  }
   const auto view = composed_term_split(t);
   if (!view) {
     return false;
@@ -177,12 +216,14 @@ bool domain_prover::relation(pred_type pred, term_ptr left, term_ptr right) {
   if (left == nullptr || right == nullptr) {
     return false;
   }
-  const auto left_value = solver_const_analyze_exact_rational(left, exact_roots);
-  const auto right_value = left_value ? solver_const_analyze_exact_rational(right, exact_roots) : std::nullopt;
+  term_ptr first = solver_numeric_calc_simplify(left);
+  term_ptr second = solver_numeric_calc_simplify(right);
+  const auto left_value = solver_numeric_calc_eval_rational(first);
+  const auto right_value = left_value ? solver_numeric_calc_eval_rational(second) : std::nullopt;
   if (right_value && is_order_relation(pred) && holds(pred, (*left_value - *right_value).sign())) {
     return true;
   }
-  return premises_.relation(pred, left, right);
+  return premises_.relation(pred, first, second);
 }
 
 bool solver_expr_domain_is_defined(term_ptr expr, const solve_data& sdata, const domain_policy& policy) {

@@ -41,6 +41,7 @@ class domain_prover {
   bool read_defined(term_ptr t);
   bool read_nonzero(term_ptr t);
   bool application_defined(const spine& applied);
+  term_ptr unfolded(const spine& applied);
   bool is_exponential(term_ptr head);
   bool unary_defined(oper_type oper, term_ptr operand);
   bool binary_defined(oper_type oper, term_ptr left, term_ptr right);
@@ -50,6 +51,7 @@ class domain_prover {
 
   prover premises_;
   domain_policy policy_;
+  std::size_t unfoldings_ = 0;
   std::unordered_map<term_ptr, bool> defined_;
   std::unordered_map<term_ptr, bool> nonzero_;
 };
