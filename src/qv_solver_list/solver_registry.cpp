@@ -14,12 +14,12 @@ constexpr std::array decision_solvers = std::to_array<solver_row>({
     {solver_id::reflexivity, "Reflexivity", solver_reflexivity},                     // 1
     {solver_id::context_poly_rat, "ContextPolyRatSolver", solver_context_poly_rat},  // 2
     {solver_id::func_apply, "FunctionApplySolver", solver_func_apply_eqb},           // 3
-    {solver_id::deriv, "DerivSolver", nullptr},                                      // 4
+    {solver_id::deriv, "DerivSolver", solver_deriv_eqb},                             // 4
     {solver_id::continuous_func, "ContinuousFuncSolver", solver_continuous_func},    // 5
     {solver_id::integrable_func, "IntegrableFuncSolver", solver_integrable_func},    // 6
     {solver_id::const_type, "ConstTypeSolver", solver_const_type},                   // 7
     {solver_id::domain_type, "", solver_domain_type},                                // 8
-    {solver_id::integral, "IntegralSolver", nullptr},                                // 9
+    {solver_id::integral, "IntegralSolver", solver_integral},                        // 9
     {solver_id::eval_bar, "EvalBarSolver", solver_eval_bar},                         // 10
     {solver_id::rootfrac, "RootFracSolver", solver_rootfrac},                        // 11
     {solver_id::numeric_calc, "", solver_numeric_calc},                              // 12

@@ -17,6 +17,7 @@ enum class reserved_kind : std::uint8_t {
   parameter,    // a parameter of a function that is being opened
   point,        // a point at which something is examined
   unknown,      // a value that is to be found
+  family,       // the names that descriptions of sets of functions bind
 };
 
 // The variable of that kind and number: the same one for the same arguments.

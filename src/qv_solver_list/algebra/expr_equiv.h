@@ -35,6 +35,10 @@ struct expr_equiv_config {
 
 const expr_equiv_config& expr_equiv_default_config();
 
+// For results of differentiation, which hold roots and powers of e where people write powers: the same rules behind two
+// that rewrite these.
+const expr_equiv_config& expr_equiv_derivative_config();
+
 // True if a rule shows the sides equal. False for a null side. Rules are tried from start_rule on; a negative one
 // counts as 0.
 bool expr_equiv_under_config(term_ptr left, term_ptr right, term_ptr antecedent, const solve_data& sdata,

@@ -1,0 +1,143 @@
+// A formula of derivatives says nothing where it divides by 0, but calculation does not look at domains: 0/0 reads 0
+// there. So divisors are looked at where the point is put in.
+#include "qv_solver_list/calculus/derivative_value.h"
+
+#include <algorithm>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "qv_solver_list/algebra/poly_rat_eqb.h"
+#include "qv_solver_list/calculus/derivative.h"
+#include "qv_solver_list/constant_analysis.h"
+#include "qv_solver_list/functions/definitions.h"
+#include "term/term_split_combine.h"
+#include "term/traverse.h"
+
+namespace vetro {
+namespace {
+
+bool different_plain_names(term_span params) {
+  std::unordered_set<term_ptr> names;
+  return std::all_of(params.begin(), params.end(),
+                     [&](term_ptr p) { return is_var(p) && !p->has_meta() && names.insert(p).second; });
+}
+
+bool is_zero(term_ptr t) {
+  if (poly_rat_eqb(t, mk_integer(0))) {
+    return true;
+  }
+  const auto view = composed_term_split(t);
+  if (!view) {
+    return false;
+  }
+  switch (view->oper) {
+    case Mult:
+      return view->t2 != nullptr && (is_zero(view->t1) || is_zero(view->t2));
+    case Neg:
+    case Div:
+    case Frac:
+    case Power:
+    case Abs:
+    case Sqrt:
+    case Cbrt:
+      return is_zero(view->t1);
+    case Sqrtn:
+      return view->t2 != nullptr && is_zero(view->t2);
+    default: {
+      const auto value = solver_const_analyze_exact_rational(t);
+      return value && value->is_zero();
+    }
+  }
+}
+
+bool is_negative_number(term_ptr exponent) {
+  const auto value = solver_const_analyze_exact_rational(exponent);
+  return value && value->sign() < 0;
+}
+
+// Somewhere in t stands a quotient by 0 or a negative power of 0.
+bool divides_by_zero(term_ptr t, std::unordered_set<term_ptr>& met) {
+  if (t->type() != Apply || !met.insert(t).second) {
+    return false;
+  }
+  if (const auto view = composed_term_split(t); view && view->t2 != nullptr) {
+    const bool quotient = view->oper == Div || view->oper == Frac;
+    if ((quotient && is_zero(view->t2)) || (view->oper == Power && is_negative_number(view->t2) && is_zero(view->t1))) {
+      return true;
+    }
+  }
+  return divides_by_zero(t->left(), met) || divides_by_zero(t->right(), met);
+}
+
+// The rule that divides by the root tells something at the point.
+bool tells(const branch_point& branch, term_span params, term_span point, domain_prover& facts) {
+  term_ptr slope = solver_func_substitute_args(branch.slope, params, point);
+  return slope != nullptr &&
+         (!is_zero(slope) || facts.nonzero(solver_func_substitute_args(branch.radicand, params, point)));
+}
+
+class known_derivatives {
+ public:
+  explicit known_derivatives(domain_prover& facts) : facts_(facts) {}
+
+  term_ptr reduce(term_ptr t) {
+    if (t->type() != Apply) {
+      return t;
+    }
+    if (const auto known = known_.find(t); known != known_.end()) {
+      return known->second;
+    }
+    term_ptr result = map_children(t, walk_apply | keep_meta, [this](term_ptr part) { return reduce(part); });
+    if (term_ptr value = value_of(result)) {
+      result = value;
+    }
+    known_.emplace(t, result);
+    return result;
+  }
+
+ private:
+  term_ptr value_of(term_ptr t) {
+    function_derivative d;
+    if (t->has_meta() || !as_function_derivative(spine_of(t), d) || d.function->type() != Lambda ||
+        d.function->condition() != nullptr || d.function->has_meta()) {
+      return nullptr;
+    }
+    const derivative_step step{d.index, d.order};
+    return derivative_value(d.function->body(), d.function->vars(), {&step, 1}, d.point, facts_);
+  }
+
+  domain_prover& facts_;
+  std::unordered_map<term_ptr, term_ptr> known_;
+};
+
+}  // namespace
+
+term_ptr derivative_value(term_ptr body, term_span params, std::span<const derivative_step> steps, term_span point,
+                          domain_prover& facts) {
+  if (params.size() != point.size() || !different_plain_names(params)) {
+    return nullptr;
+  }
+  term_ptr derived = body;
+  std::vector<branch_point> branches;
+  for (const auto& [index, order] : steps) {
+    if (index < 1 || static_cast<std::size_t>(index) > params.size()) {
+      return nullptr;
+    }
+    differentiator by_parameter(params[static_cast<std::size_t>(index) - 1]);
+    derived = by_parameter.nth(derived, order);
+    if (derived == nullptr) {
+      return nullptr;
+    }
+    branches.insert(branches.end(), by_parameter.branch_points().begin(), by_parameter.branch_points().end());
+  }
+  const bool all_tell = std::all_of(branches.begin(), branches.end(),
+                                    [&](const branch_point& branch) { return tells(branch, params, point, facts); });
+  term_ptr value = all_tell ? solver_func_substitute_args(derived, params, point) : nullptr;
+  std::unordered_set<term_ptr> met;
+  return value == nullptr || divides_by_zero(value, met) ? nullptr : value;
+}
+
+term_ptr reduce_known_derivatives(term_ptr t, domain_prover& facts) { return known_derivatives(facts).reduce(t); }
+
+}  // namespace vetro

@@ -1,0 +1,111 @@
+#include "qv_solver_list/calculus/variable_facts.h"
+
+#include "number/limits.h"
+#include "number/real_roots.h"
+#include "qv_solver_list/algebra/poly_rat_eqb.h"
+#include "qv_solver_list/number_reading.h"
+#include "term/build.h"
+#include "term/substitute.h"
+#include "term/term_split_combine.h"
+
+namespace vetro {
+namespace {
+
+term_ptr zero() { return mk_integer(0); }
+
+// The term under a square root, written as a root or as a power; null for another term.
+term_ptr under_square_root(term_ptr t) {
+  const auto view = composed_term_split(t);
+  if (!view) {
+    return nullptr;
+  }
+  if (view->oper == Sqrt && view->t2 == nullptr) {
+    return view->t1;
+  }
+  if (view->oper == Sqrtn && view->t2 != nullptr && is_integer(view->t1, 2)) {
+    return view->t2;
+  }
+  const auto exponent = view->oper == Power && view->t2 != nullptr ? evaluate(view->t2, {}) : std::nullopt;
+  return exponent && *exponent == exact(1) / exact(2) ? view->t1 : nullptr;
+}
+
+std::optional<composed_term> plus_view(term_ptr t) {
+  auto view = composed_term_split(t);
+  return view && view->oper == Plus && view->t2 != nullptr ? view : std::nullopt;
+}
+
+}  // namespace
+
+variable_facts::variable_facts(const solve_data& sdata, term_ptr var)
+    : var_(var), facts_(sdata, evalbar_domain_policy), by_var_(var), polynomials_(var) {}
+
+bool variable_facts::moves(term_ptr t) const { return name_occurs(var_->name(), t); }
+
+bool variable_facts::nonzero(term_ptr t) { return facts_.nonzero(t) || has_no_root(t); }
+
+bool variable_facts::positive(term_ptr t) {
+  return facts_.relation(Gt, t, zero()) || exceeds_by_root(t) ||
+         (has_no_root(t) && facts_.relation(Gt, at_zero(t), zero()));
+}
+
+bool variable_facts::nonpositive(term_ptr t) { return facts_.relation(Le, t, zero()); }
+
+bool variable_facts::has_one_sign(term_ptr t) {
+  if (!moves(t)) {
+    return true;
+  }
+  const auto view = composed_term_split(t);
+  if (view && view->oper == Neg) {
+    return has_one_sign(view->t1);
+  }
+  if (view && view->t2 != nullptr && (view->oper == Mult || view->oper == Div || view->oper == Frac)) {
+    return has_one_sign(view->t1) && has_one_sign(view->t2);
+  }
+  return facts_.relation(Ge, t, zero()) || nonpositive(t) || exceeds_by_root(t) || has_no_root(t);
+}
+
+// A polynomial in the variable that is 0 for no real value.
+bool variable_facts::has_no_root(term_ptr t) {
+  const ratio* r = polynomials_.read(t);
+  if (r == nullptr) {
+    return is_quadratic_without_roots(t);
+  }
+  budget work(limits::univariate_work);
+  const auto rooted = r->den.size() == 1 ? has_real_root(r->num, work) : std::nullopt;
+  return rooted && !*rooted;
+}
+
+// A quadratic q has no root where q'(0)^2 - 2 q(0) q'' is negative. It must be written without divisions by the
+// variable and without functions of it, so that it is defined everywhere.
+bool variable_facts::is_quadratic_without_roots(term_ptr t) {
+  term_ptr slope = facts_.defined(t) ? by_var_.of(t) : nullptr;
+  term_ptr bend = slope == nullptr ? nullptr : by_var_.of(slope);
+  term_ptr third = bend == nullptr ? nullptr : by_var_.of(bend);
+  if (third == nullptr || !poly_rat_eqb(third, zero())) {
+    return false;
+  }
+  term_ptr slope_squared = mk_power(at_zero(slope), mk_integer(2));
+  term_ptr twice_bend = mk_product(mk_integer(2), at_zero(bend));
+  term_ptr discriminant = mk_difference(slope_squared, mk_product(at_zero(t), twice_bend));
+  return facts_.relation(Lt, discriminant, zero());
+}
+
+// a + r or r + a for a square root r of a^2 + c with a positive c.
+bool variable_facts::exceeds_by_root(term_ptr t) {
+  const auto sum = plus_view(t);
+  if (!sum) {
+    return false;
+  }
+  const auto exceeds = [this](term_ptr root, term_ptr other) {
+    term_ptr radicand = under_square_root(root);
+    const auto parts = radicand == nullptr ? std::nullopt : plus_view(radicand);
+    term_ptr square = mk_power(other, mk_integer(2));
+    return parts && ((poly_rat_eqb(parts->t1, square) && positive(parts->t2)) ||
+                     (poly_rat_eqb(parts->t2, square) && positive(parts->t1)));
+  };
+  return exceeds(sum->t2, sum->t1) || exceeds(sum->t1, sum->t2);
+}
+
+term_ptr variable_facts::at_zero(term_ptr t) const { return subst_term_capture_avoiding(var_, zero(), t); }
+
+}  // namespace vetro

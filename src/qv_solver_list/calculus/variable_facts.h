@@ -1,0 +1,41 @@
+// What is shown of expressions for all values that a variable may take.
+#pragma once
+
+#include "qv_solver_list/calculus/derivative.h"
+#include "qv_solver_list/functions/definedness.h"
+#include "qv_solver_list/univariate.h"
+
+namespace vetro {
+
+// Under one list of assumptions, which may speak of the variable. Beyond what the side solvers show, polynomials
+// without real roots keep their sign, and t + (t^2 + c)^(1/2) is positive for positive c.
+class variable_facts {
+ public:
+  // sdata is borrowed and must outlive the record.
+  variable_facts(const solve_data& sdata, term_ptr var);
+
+  bool moves(term_ptr t) const;  // the variable occurs in t
+
+  bool defined(term_ptr t) { return facts_.defined(t); }
+  bool nonzero(term_ptr t);
+  bool positive(term_ptr t);
+  bool nonpositive(term_ptr t);
+  // t is nowhere negative or nowhere positive, whichever of the two the values of other names make it.
+  bool has_one_sign(term_ptr t);
+
+  domain_prover& facts() { return facts_; }
+  differentiator& derivatives() { return by_var_; }  // with respect to the variable
+
+ private:
+  bool has_no_root(term_ptr t);
+  bool is_quadratic_without_roots(term_ptr t);
+  bool exceeds_by_root(term_ptr t);
+  term_ptr at_zero(term_ptr t) const;
+
+  term_ptr var_;
+  domain_prover facts_;
+  differentiator by_var_;
+  univariate_reader polynomials_;
+};
+
+}  // namespace vetro
