@@ -369,6 +369,10 @@ class product_collector {
       case part_kind::quotient:
         return add_both(view, how, how.times(-1));
       case part_kind::power:
+        // (-8)^(1/3) is not defined, unlike sqrtn(3, -8).
+        if (!view.number.is_integer() && is_negative_number(view.t1)) {
+          return false;
+        }
         add_power(view.t1, view.number, how);
         return true;
       case part_kind::root:
@@ -393,6 +397,11 @@ class product_collector {
     const bool calculates = view.kind == part_kind::absolute || !how.exponent.is_integer();
     const auto number = calculates ? evaluate(t, forms_of_numbers) : std::nullopt;
     return number && add_number(*number, how);
+  }
+
+  static bool is_negative_number(term_ptr t) {
+    const auto number = evaluate(t, forms_of_numbers);
+    return number && number->sign() < 0;
   }
 
   bool add_both(const part_view& view, const occurrence& left, const occurrence& right) {
@@ -470,10 +479,11 @@ class product_collector {
   bool reopen_factors() {
     for (power_factor& factor : product_.factors) {
       const part_view view = view_of(factor.base);
-      if (view.kind == part_kind::other || view.kind == part_kind::number) {
+      const bool absolute = view.kind == part_kind::absolute;
+      if (!absolute && view.kind != part_kind::product && view.kind != part_kind::quotient &&
+          view.kind != part_kind::negation) {
         continue;
       }
-      const bool absolute = view.kind == part_kind::absolute;
       const exact whole = floor(factor.exponent);
       const exact taken = absolute && is_odd(whole) ? whole - exact(1) : whole;
       if (!taken.is_zero()) {

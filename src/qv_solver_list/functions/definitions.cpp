@@ -3,6 +3,7 @@
 #include "qv_solver_list/functions/definitions.h"
 
 #include <algorithm>
+#include <unordered_set>
 
 #include "qv_solver_list/functions/conditions.h"
 #include "term/bound_variables.h"
@@ -19,6 +20,78 @@ term_ptr parameter(std::size_t i) { return reserved_var(reserved_kind::parameter
 term_ptr placeholder(std::size_t i) { return reserved_var(reserved_kind::placeholder, static_cast<std::uint32_t>(i)); }
 
 bool contains(term_span list, term_ptr t) { return std::find(list.begin(), list.end(), t) != list.end(); }
+
+// The operand of a notation that speaks of the variables in it: a value in their place would be no value of a function.
+bool guards_operand(term_ptr head, std::size_t argument, term_ptr operand) {
+  if (head->type() == Pred) {
+    return head->pred() >= TendsToWithoutIndex && head->pred() <= RightTendsToWithoutIndex;
+  }
+  if (head->type() != Oper) {
+    return false;
+  }
+  switch (head->oper()) {
+    case SingleDeri:
+    case NthDeri:
+      return argument == 0;
+    case EvalBar:
+      return argument == 0 && operand->type() != Lambda;
+    case ValDeri:
+    case D:
+    case PD:
+    case VecGrad:
+    case VecDiv:
+    case VecRot:
+    case Nabla:
+    case RadiusOfConvergence:
+      return true;
+    default:
+      return is_landau(head->oper());
+  }
+}
+
+// Whether placeholders stand where they may not be replaced.
+class guarded_places {
+ public:
+  explicit guarded_places(std::size_t placeholders) : count_(placeholders) {
+    for (std::size_t i = 0; i < count_; ++i) {
+      mask_ |= placeholder(i)->name_mask();
+    }
+  }
+
+  bool in(term_ptr t) {
+    if ((t->name_mask() & mask_) == 0 || t->children().empty() || !searched_.insert(t).second) {
+      return false;
+    }
+    if (t->type() == Apply) {
+      const spine parts = spine_of(t);
+      for (std::size_t i = 0; i < parts.args.size(); ++i) {
+        if (guards_operand(parts.head, i, parts.args[i]) && holds_placeholder(parts.args[i])) {
+          return true;
+        }
+      }
+      return in(parts.head) || any_in(parts.args);
+    }
+    return any_in(t->children());
+  }
+
+ private:
+  bool any_in(term_span list) {
+    return std::any_of(list.begin(), list.end(), [this](term_ptr part) { return part != nullptr && in(part); });
+  }
+
+  bool holds_placeholder(term_ptr t) const {
+    for (std::size_t i = 0; i < count_; ++i) {
+      if (name_occurs(placeholder(i)->name(), t)) {
+        return true;
+      }
+    }
+    return false;
+  }
+
+  std::size_t count_;
+  std::uint64_t mask_ = 0;
+  std::unordered_set<term_ptr> searched_;
+};
 
 // A name, or a name with a number for its subscript.
 bool is_variable_entry(term_ptr entry) {
@@ -321,6 +394,13 @@ term_ptr solver_func_substitute_args(term_ptr expr, term_span params, term_span 
   term_ptr result = expr;
   for (std::size_t i = 0; i < params.size() && result != nullptr; ++i) {
     result = subst_term_capture_avoiding(params[i], placeholder(i), result);
+    // What is left of the name is bound there, and perhaps free beside: the bound of int_{0}^{x}(x * diff(x)) is.
+    if (result != nullptr && is_var(params[i]) && name_occurs(params[i]->name(), result)) {
+      return nullptr;
+    }
+  }
+  if (result == nullptr || guarded_places(params.size()).in(result)) {
+    return nullptr;
   }
   for (std::size_t i = 0; i < params.size() && result != nullptr; ++i) {
     result = subst_term_capture_avoiding(placeholder(i), values[i], result);

@@ -39,6 +39,7 @@ TEST_F(root_form_test, IsCanonical) {
       {"sqrtn(2, 12)", "2 * sqrtn(2, 3)"},
       {"sqrtn(2, 3/4) * sqrtn(3, -8)", "-1 * sqrtn(2, 3)"},
       {"sqrtn(2, -4)", "sqrtn(2, -4)"},
+      {"(-8)^(1/3) * sqrtn(3, -8)", "-2 * (-8)^{1 / 3}"},
       {"sqrtn(2, x^2) * \\|x\\|", "x * x"},
       {"sqrtn(2, x * y)^3", "x * y * sqrtn(2, x * y)"},
       {"sqrtn(2, 4 * x)", "2 * sqrtn(2, x)"},
