@@ -1,15 +1,13 @@
 // What bounds prove, what they must not prove, and that endless tightening ends.
-#include <random>
 #include <string>
 #include <vector>
 
-#include "number/cnum.h"
 #include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/solver_list.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "qv_solver_list/solvers.h"
+#include "support/random_relations.h"
 #include "support/solver_fixture.h"
-#include "term/relation.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
@@ -180,72 +178,6 @@ TEST_F(interval_solver, layers_of_assumptions) {
 }
 
 // ---- What holds for some values is never refuted.
-
-// Relations between random expressions over a few variables with chosen values.
-class random_relations {
- public:
-  explicit random_relations(unsigned seed) : engine_(seed) {
-    for (cnum& value : values_) {
-      value = cnum_from_frac(pick(13) - 6, 1 + pick(4));
-    }
-  }
-
-  // A relation between defined expressions that holds for the values, or one that does not.
-  term_ptr relation(bool holds) {
-    for (;;) {
-      const auto [left, left_value] = expression(3);
-      const auto [right, right_value] = expression(2);
-      if (cnum_is_finite(left_value) && cnum_is_finite(right_value)) {
-        const int order = cnum_cmp(left_value, right_value);
-        const pred_type pred = preds_[static_cast<std::size_t>(pick(6))];
-        if (vetro::holds(pred, order) == holds) {
-          return make_binPred_prop(pred, left, right);
-        }
-      }
-    }
-  }
-
- private:
-  struct valued {
-    term_ptr t;
-    cnum value;
-  };
-  static constexpr pred_type preds_[] = {Eq, Neq, Gt, Ge, Lt, Le};
-
-  int pick(int count) { return static_cast<int>(engine_() % static_cast<unsigned>(count)); }
-
-  valued expression(int depth) {
-    if (depth == 0 || pick(4) == 0) {
-      const int leaf = pick(6);
-      return leaf < 3 ? valued{mk_var(std::string(1, static_cast<char>('x' + leaf))), values_[leaf]}
-                      : valued{mk_integer(leaf - 2), cnum_from_int(leaf - 2)};
-    }
-    const valued a = expression(depth - 1);
-    if (pick(8) == 0) {
-      return {make_unOp_term(Neg, a.t), cnum_neg(a.value)};
-    }
-    if (pick(6) == 0) {
-      const int exponent = pick(4);
-      const bool undefined = !cnum_is_finite(a.value) || (exponent == 0 && cnum_is_zero(a.value));
-      return {make_binOp_term(Power, a.t, mk_integer(exponent)),
-              undefined ? cnum_nan() : cnum_power(a.value, static_cast<std::uint64_t>(exponent))};
-    }
-    const valued b = expression(depth - 1);
-    switch (pick(4)) {
-      case 0:
-        return {make_binOp_term(Plus, a.t, b.t), cnum_add(a.value, b.value)};
-      case 1:
-        return {make_binOp_term(Minus, a.t, b.t), cnum_sub(a.value, b.value)};
-      case 2:
-        return {make_binOp_term(Mult, a.t, b.t), cnum_mul(a.value, b.value)};
-      default:
-        return {make_binOp_term(Div, a.t, b.t), cnum_div(a.value, b.value)};
-    }
-  }
-
-  std::mt19937 engine_;
-  cnum values_[3];
-};
 
 TEST_F(interval_solver, nothing_false_is_proved_of_random_values) {
   for (unsigned seed = 0; seed < 1'500; ++seed) {

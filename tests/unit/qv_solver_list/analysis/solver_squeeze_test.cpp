@@ -5,6 +5,7 @@
 #include "number/limits.h"
 #include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/solvers.h"
+#include "support/random_relations.h"
 #include "support/solver_fixture.h"
 #include "term/term_split_combine.h"
 
@@ -132,6 +133,25 @@ TEST_F(squeeze, later_layers_add_to_earlier_ones) {
   const term_list more = {read("d > 0"), read("m < k")};
   EXPECT_TRUE(solver_squeeze(read("a * d < k"), with_assumptions(below, more)));
   EXPECT_FALSE(solver_squeeze(read("a * d ≤ n"), below));
+}
+
+TEST_F(squeeze, nothing_false_is_proved_of_random_values) {
+  int proved = 0;
+  for (unsigned seed = 0; seed < 2'000; ++seed) {
+    random_relations random(seed);
+    solve_data sdata;
+    for (int i = 0; i < 4; ++i) {
+      sdata.assum.push_back(random.sign());
+      sdata.assum.push_back(random.relation(true, 2));
+    }
+    for (int i = 0; i < 6; ++i) {
+      proved += solver_squeeze(random.relation(true, 2), sdata) ? 1 : 0;
+      term_ptr goal = random.relation(false, 2);
+      ASSERT_FALSE(solver_squeeze(goal, sdata))
+          << "seed " << seed << ": " << shown(sdata.assum) << " ⊢ " << shown(goal);
+    }
+  }
+  EXPECT_GT(proved, 100);
 }
 
 // ---- Sizes.
