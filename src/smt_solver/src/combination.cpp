@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cassert>
-#include <numeric>
 #include <unordered_map>
 
 namespace vetro::smt {
@@ -10,42 +9,7 @@ namespace {
 
 constexpr std::int32_t from_literal = -1;  // second number of a reason whose first is a literal
 
-std::uint64_t hash_of(const std::vector<std::pair<atom_id, exact>>& terms) {
-  std::uint64_t h = terms.size();
-  for (const auto& [atom, coefficient] : terms) {
-    h = mix(mix(h, atom), coefficient.hash());
-  }
-  return h;
-}
-
-// What all coefficients have in common, where they are small integers; 1 otherwise.
-exact common_factor(const linear_form& form) {
-  std::int64_t factor = 0;
-  for (const auto& term : form.terms) {
-    const auto small = term.second.to_int64();
-    if (!small || *small == INT64_MIN) {
-      return exact(1);
-    }
-    factor = std::gcd(factor, *small);
-  }
-  return factor == 0 ? exact(1) : exact(factor);
-}
-
 }  // namespace
-
-primitive_form primitive(const linear_form& form) {
-  primitive_form result{form.terms, common_factor(form), form.constant};
-  if (!form.terms.empty() && form.terms.front().second.sign() < 0) {
-    result.scale = -result.scale;
-  }
-  if (!result.scale.is_one()) {
-    const exact inverse = exact(1) / result.scale;
-    for (auto& term : result.terms) {
-      term.second *= inverse;
-    }
-  }
-  return result;
-}
 
 // ---- Building.
 
@@ -53,38 +17,18 @@ void combination::set_meaning(node n, linear_form form) {
   if (meanings_.size() <= at(n)) {
     meanings_.resize(at(n) + 1);
   }
-  meaning& m = meanings_[at(n)];
   const primitive_form p = primitive(form);
-  const linear_var var = p.terms.empty() ? -1 : variable_for(p.terms);
-  m = {true, var, p.scale, std::move(form)};
+  meanings_[at(n)] = {true, p.terms.empty() ? -1 : arithmetic_.sum(p.terms), p.scale, std::move(form)};
   equality_.set_shared(n);
 }
 
-linear_var combination::variable_for(const std::vector<std::pair<atom_id, exact>>& terms) {
-  const auto variable_of = [&](atom_id n) {
-    if (variable_of_node_.size() <= n) {
-      variable_of_node_.resize(n + 1, -1);
-    }
-    linear_var& var = variable_of_node_[n];
-    var = var < 0 ? arithmetic_.add_variable() : var;
-    return var;
-  };
-  if (terms.size() == 1 && terms.front().second.is_one()) {
-    return variable_of(terms.front().first);
-  }
-  const std::uint64_t h = hash_of(terms);
-  std::int32_t sum = sum_index_.find(h, [&](std::int32_t s) { return sum_terms_[at(s)] == terms; });
-  if (sum < 0) {
-    std::vector<simplex::summand> summands;
-    for (const auto& [atom, coefficient] : terms) {
-      summands.emplace_back(variable_of(atom), coefficient);
-    }
-    sum = static_cast<std::int32_t>(sums_.size());
-    sums_.push_back(arithmetic_.add_sum(summands));
-    sum_terms_.push_back(terms);
-    sum_index_.insert(h, sum);
-  }
-  return sums_[at(sum)];
+// Values of nodes are compared with each other, so that they must be unknowns, up to a number, for the differences to
+// do.
+void combination::start() {
+  const bool simple = std::all_of(meanings_.begin(), meanings_.end(), [](const meaning& m) {
+    return !m.known || m.form.terms.empty() || (m.form.terms.size() == 1 && m.form.terms.front().second.is_one());
+  });
+  arithmetic_.start(simple && arithmetic_.only_differences());
 }
 
 combination::arithmetic_atom& combination::atom_of(literal l) {
@@ -95,19 +39,21 @@ combination::arithmetic_atom& combination::atom_of(literal l) {
   return atoms_[v];
 }
 
-void combination::add_at_most(literal l, linear_var x, const delta_number& bound) {
-  atom_of(l) = {atom_kind::at_most, x, bound};
+void combination::add_at_most(literal l, const linear_terms& terms, const delta_number& bound) {
+  const auto sum = arithmetic_.sum(terms);
+  atom_of(l) = {atom_kind::at_most, sum, bound};
 }
 
-void combination::add_equal(literal l, linear_var x, const exact& value) {
-  atom_of(l) = {atom_kind::equal, x, {value, exact(0)}};
+void combination::add_equal(literal l, const linear_terms& terms, const exact& value) {
+  const auto sum = arithmetic_.sum(terms);
+  atom_of(l) = {atom_kind::equal, sum, {value, exact(0)}};
 }
 
 void combination::connect_equation(literal l, node a, node b) {
   if (has_meaning(a) && has_meaning(b)) {
-    const primitive_form p = primitive(linear_sum(meanings_[at(a)].form, meanings_[at(b)].form, exact(-1)));
+    const primitive_form p = primitive(difference(a, b));
     if (!p.terms.empty()) {
-      add_equal(l, variable_for(p.terms), -p.constant / p.scale);
+      add_equal(l, p.terms, -p.constant / p.scale);
     }
   }
 }
@@ -121,23 +67,23 @@ void combination::add_order_clauses(search& into) const {
   }
   const auto atom = [&](int v) -> const arithmetic_atom& { return atoms_[at(v)]; };
   std::sort(order.begin(), order.end(), [&](int a, int b) {
-    return atom(a).var != atom(b).var          ? atom(a).var < atom(b).var
+    return atom(a).sum != atom(b).sum          ? atom(a).sum < atom(b).sum
            : !(atom(a).bound == atom(b).bound) ? atom(a).bound < atom(b).bound
                                                : a < b;
   });
-  // Within one variable, by bound: each "at most" implies the next; x = k implies the next from k on and refutes the
+  // Within one sum, by bound: each "at most" implies the next; x = k implies the next from k on and refutes the
   // last below; and is itself implied by both when they are next to it.
-  const auto same_var = [&](std::size_t i, std::size_t j) { return atom(order[i]).var == atom(order[j]).var; };
+  const auto same_sum = [&](std::size_t i, std::size_t j) { return atom(order[i]).sum == atom(order[j]).sum; };
   const auto clause = [&](std::initializer_list<literal> literals) { into.add_clause(std::vector<literal>(literals)); };
   for (std::size_t i = 0; i < order.size(); ++i) {
     const arithmetic_atom& a = atom(order[i]);
     const literal self = literal_of(order[i]);
     literal next = -1;
     for (std::size_t j = i;
-         j-- > 0 && a.kind == atom_kind::equal && same_var(i, j) && !(atom(order[j]).bound < a.bound);) {
+         j-- > 0 && a.kind == atom_kind::equal && same_sum(i, j) && !(atom(order[j]).bound < a.bound);) {
       next = atom(order[j]).kind == atom_kind::at_most ? literal_of(order[j]) : next;
     }
-    for (std::size_t j = i + 1; j < order.size() && next < 0 && same_var(i, j); ++j) {
+    for (std::size_t j = i + 1; j < order.size() && next < 0 && same_sum(i, j); ++j) {
       next = atom(order[j]).kind == atom_kind::at_most ? literal_of(order[j]) : next;
     }
     if (next >= 0) {
@@ -147,7 +93,7 @@ void combination::add_order_clauses(search& into) const {
       continue;
     }
     literal last = -1;
-    for (std::size_t j = i; j-- > 0 && last < 0 && same_var(i, j);) {
+    for (std::size_t j = i; j-- > 0 && last < 0 && same_sum(i, j);) {
       const bool lower = atom(order[j]).kind == atom_kind::at_most && atom(order[j]).bound < a.bound;
       last = lower ? literal_of(order[j]) : last;
     }
@@ -190,21 +136,21 @@ bool combination::assert_arithmetic(literal l, const arithmetic_atom& atom) {
   const bound_reason why{l, from_literal};
   if (atom.kind == atom_kind::equal) {
     if (is_positive(l)) {
-      return assert_bound(atom.var, bound_side::lower, atom.bound, why) &&
-             assert_bound(atom.var, bound_side::upper, atom.bound, why);
+      return assert_bound(atom.sum, bound_side::lower, atom.bound, why) &&
+             assert_bound(atom.sum, bound_side::upper, atom.bound, why);
     }
     false_equations_.push_back(l);
     return true;
   }
   if (is_positive(l)) {
-    return assert_bound(atom.var, bound_side::upper, atom.bound, why);
+    return assert_bound(atom.sum, bound_side::upper, atom.bound, why);
   }
-  return assert_bound(atom.var, bound_side::lower, {atom.bound.real, atom.bound.delta + exact(1)}, why);
+  return assert_bound(atom.sum, bound_side::lower, {atom.bound.real, atom.bound.delta + exact(1)}, why);
 }
 
-bool combination::assert_bound(linear_var x, bound_side side, const delta_number& value, bound_reason why) {
-  unchecked_ = true;
-  return arithmetic_.assert_bound(x, side, value, why);
+bool combination::assert_bound(linear_arithmetic::sum_id s, bound_side side, const delta_number& value,
+                               bound_reason why) {
+  return arithmetic_.assert_bound(s, side, value, why);
 }
 
 theory_answer combination::propagate() {
@@ -216,16 +162,13 @@ theory_answer combination::propagate() {
     }
   }
   merges.clear();
-  if (unchecked_) {
-    switch (arithmetic_.check()) {
-      case simplex::answer::conflict:
-        return refused_by_arithmetic();
-      case simplex::answer::exhausted:
-        return theory_answer::exhausted;
-      case simplex::answer::feasible:
-        unchecked_ = false;
-        break;
-    }
+  switch (arithmetic_.check()) {
+    case linear_arithmetic::answer::conflict:
+      return refused_by_arithmetic();
+    case linear_arithmetic::answer::exhausted:
+      return theory_answer::exhausted;
+    case linear_arithmetic::answer::feasible:
+      break;
   }
   implied_.swap(equality_.implied());
   equality_.implied().clear();
@@ -239,7 +182,7 @@ bool combination::is_covered(const congruence::shared_merge& m) const {
 
 // False with conflict_ filled.
 bool combination::assert_equal_values(node a, node b) {
-  const primitive_form p = primitive(linear_sum(meanings_[at(a)].form, meanings_[at(b)].form, exact(-1)));
+  const primitive_form p = primitive(difference(a, b));
   const bound_reason why{a, b};
   if (p.terms.empty()) {
     if (p.constant.is_zero()) {
@@ -249,9 +192,9 @@ bool combination::assert_equal_values(node a, node b) {
     equality_.explain(a, b, conflict_);
     return false;
   }
-  const linear_var x = variable_for(p.terms);
+  const auto sum = arithmetic_.sum(p.terms);
   const delta_number value{-p.constant / p.scale, exact(0)};
-  if (!assert_bound(x, bound_side::lower, value, why) || !assert_bound(x, bound_side::upper, value, why)) {
+  if (!assert_bound(sum, bound_side::lower, value, why) || !assert_bound(sum, bound_side::upper, value, why)) {
     refused_by_arithmetic();
     return false;
   }
@@ -287,22 +230,29 @@ void combination::explain(literal l, std::vector<literal>& premises) { equality_
 
 // ---- When every atom has a value.
 
-delta_number combination::value_of(node n) const {
+linear_arithmetic::place combination::place_of(node n) const {
   const meaning& m = meanings_[at(n)];
-  delta_number value{m.form.constant, exact(0)};
-  if (m.var >= 0) {
-    value.add_multiple(m.scale, arithmetic_.value(m.var));
+  if (m.sum < 0) {
+    return arithmetic_.place_of_number(m.form.constant);
   }
-  return value;
+  linear_arithmetic::place place = arithmetic_.place_of(m.sum);
+  place.value = place.value * m.scale + delta_number{m.form.constant, exact(0)};
+  return place;
+}
+
+linear_form combination::difference(node a, node b) const {
+  return linear_sum(meanings_[at(a)].form, meanings_[at(b)].form, exact(-1));
 }
 
 theory_answer combination::final_check() {
+  arithmetic_.find_places();
   collect_questions();
   if (questions_.empty()) {
     return theory_answer::consistent;
   }
-  arithmetic_.scatter();
-  collect_questions();
+  if (arithmetic_.spread()) {
+    collect_questions();
+  }
   bool changed = false;
   const std::vector<question> questions = questions_;
   for (const question& q : questions) {
@@ -326,7 +276,7 @@ void combination::collect_questions() {
   questions_.clear();
   for (const literal l : false_equations_) {
     const arithmetic_atom& atom = atoms_[at(variable_of(l))];
-    if (arithmetic_.value(atom.var) == atom.bound) {
+    if (arithmetic_.value(atom.sum) == atom.bound) {
       questions_.push_back({no_node, no_node, l});
     }
   }
@@ -336,7 +286,7 @@ void combination::collect_questions() {
     }
     const node a = equality_.shared_in(d.left);
     const node b = equality_.shared_in(d.right);
-    if (a != no_node && b != no_node && value_of(a) == value_of(b)) {
+    if (a != no_node && b != no_node && place_of(a) == place_of(b)) {
       questions_.push_back({a, b, d.why});
     }
   }
@@ -349,11 +299,14 @@ void combination::collect_questions() {
 void combination::ask_about_arguments() {
   struct slot {
     node function;
-    delta_number value;
+    linear_arithmetic::place place;
     bool operator==(const slot&) const = default;
   };
   struct slot_hash {
-    std::size_t operator()(const slot& s) const { return mix(static_cast<std::uint64_t>(s.function), s.value.hash()); }
+    std::size_t operator()(const slot& s) const {
+      return mix(mix(static_cast<std::uint64_t>(s.function), static_cast<std::uint64_t>(s.place.component)),
+                 s.place.value.hash());
+    }
   };
   std::unordered_map<slot, std::vector<node>, slot_hash> seen;
   const auto compare = [&](node function, node argument) {
@@ -361,7 +314,7 @@ void combination::ask_about_arguments() {
     if (shared == no_node) {
       return;
     }
-    auto& others = seen[{function, value_of(shared)}];
+    auto& others = seen[{function, place_of(shared)}];
     const node own = equality_.class_of(argument);
     if (std::any_of(others.begin(), others.end(), [&](node o) { return equality_.class_of(o) == own; })) {
       return;
@@ -380,24 +333,21 @@ void combination::ask_about_arguments() {
 }
 
 theory_answer combination::settle(const question& q) {
-  if (q.a != no_node && (equality_.equal(q.a, q.b) || !(value_of(q.a) == value_of(q.b)))) {
+  if (q.a != no_node && (equality_.equal(q.a, q.b) || !(place_of(q.a) == place_of(q.b)))) {
     return theory_answer::consistent;
   }
-  linear_form difference;
   reasons_.clear();
-  simplex::forced forced = simplex::forced::no;
+  linear_form zero;
   if (q.a == no_node) {
     const arithmetic_atom& atom = atoms_[at(variable_of(q.why))];
-    const simplex::summand sum[] = {{atom.var, exact(1)}};
-    forced = arithmetic_.value(atom.var) == atom.bound ? arithmetic_.is_forced(sum, reasons_) : forced;
-  } else {
-    std::vector<simplex::summand> sum;
-    const linear_form form = linear_sum(meanings_[at(q.a)].form, meanings_[at(q.b)].form, exact(-1));
-    for (const auto& [n, coefficient] : form.terms) {
-      sum.emplace_back(variable_of_node_[n], coefficient);
+    if (!(arithmetic_.value(atom.sum) == atom.bound)) {
+      return theory_answer::consistent;
     }
-    forced = arithmetic_.is_forced(sum, reasons_);
+    zero = {-atom.bound.real, arithmetic_.terms(atom.sum)};
+  } else {
+    zero = difference(q.a, q.b);
   }
+  const simplex::forced forced = arithmetic_.is_forced_to_zero(zero, reasons_);
   if (forced != simplex::forced::yes) {
     return forced == simplex::forced::no ? theory_answer::consistent : theory_answer::exhausted;
   }

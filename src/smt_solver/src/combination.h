@@ -14,20 +14,10 @@
 
 #include "number/linear_form.h"
 #include "smt_solver/src/congruence.h"
-#include "smt_solver/src/hash_index.h"
+#include "smt_solver/src/linear_arithmetic.h"
 #include "smt_solver/src/search.h"
-#include "smt_solver/src/simplex.h"
 
 namespace vetro::smt {
-
-// A form divided by what its coefficients have in common, with a positive first coefficient and without the constant:
-// all multiples and shifts of a form share it. form = scale * primitive + constant.
-struct primitive_form {
-  std::vector<std::pair<atom_id, exact>> terms;
-  exact scale;
-  exact constant;
-};
-primitive_form primitive(const linear_form& form);
 
 class combination final : public theory {
  public:
@@ -40,15 +30,15 @@ class combination final : public theory {
   // arithmetic stands for itself.
   void set_meaning(node n, linear_form form);
   bool has_meaning(node n) const { return at(n) < meanings_.size() && meanings_[at(n)].known; }
-  // The arithmetic variable that has the value of the primitive form.
-  linear_var variable_for(const std::vector<std::pair<atom_id, exact>>& terms);
-  // The literal says that the variable is at most the bound, or that it has the value.
-  void add_at_most(literal l, linear_var x, const delta_number& bound);
-  void add_equal(literal l, linear_var x, const exact& value);
+  // The literal says that the sum of a primitive form is at most the bound, or that it has the value.
+  void add_at_most(literal l, const linear_terms& terms, const delta_number& bound);
+  void add_equal(literal l, const linear_terms& terms, const exact& value);
   // The literal says that the nodes are equal: to the arithmetic too, if both have a meaning there.
   void connect_equation(literal l, node a, node b);
   // What atoms about one arithmetic variable say of each other, as clauses for the search.
   void add_order_clauses(search& into) const;
+  // Everything has been added.
+  void start();
 
   // ---- The theory.
 
@@ -59,18 +49,18 @@ class combination final : public theory {
   theory_answer final_check() override;
   void explain(literal l, std::vector<literal>& premises) override;
 
-  const simplex& arithmetic() const { return arithmetic_; }
+  const linear_arithmetic& arithmetic() const { return arithmetic_; }
 
  private:
   enum class atom_kind : unsigned char { none, at_most, equal };
   struct arithmetic_atom {
     atom_kind kind = atom_kind::none;
-    linear_var var = -1;
+    linear_arithmetic::sum_id sum = -1;
     delta_number bound;
   };
   struct meaning {
     bool known = false;
-    linear_var var = -1;  // of the primitive form; -1 for a number
+    linear_arithmetic::sum_id sum = -1;  // of the primitive form; -1 for a number
     exact scale;
     linear_form form;
   };
@@ -87,10 +77,11 @@ class combination final : public theory {
     return at(variable_of(l)) < atoms_.size() && atoms_[at(variable_of(l))].kind != atom_kind::none;
   }
   bool assert_arithmetic(literal l, const arithmetic_atom& atom);
-  bool assert_bound(linear_var x, bound_side side, const delta_number& value, bound_reason why);
+  bool assert_bound(linear_arithmetic::sum_id s, bound_side side, const delta_number& value, bound_reason why);
   bool assert_equal_values(node a, node b);
   bool is_covered(const congruence::shared_merge& m) const;
-  delta_number value_of(node n) const;
+  linear_arithmetic::place place_of(node n) const;
+  linear_form difference(node a, node b) const;
   void to_literals(std::span<const bound_reason> reasons, std::vector<literal>& literals);
   theory_answer refused_by_arithmetic();
   theory_answer refused_by_equality();
@@ -98,23 +89,17 @@ class combination final : public theory {
   void collect_questions();
   void ask_about_arguments();
   theory_answer settle(const question& q);
-  simplex::forced forced_equal(const linear_form& difference);
 
   budget& work_;
   congruence equality_;
-  simplex arithmetic_;
-  std::vector<meaning> meanings_;             // by node
-  std::vector<linear_var> variable_of_node_;  // by node
-  std::vector<linear_var> sums_;              // interned sums, their terms in sum_terms_
-  std::vector<std::vector<std::pair<atom_id, exact>>> sum_terms_;
-  hash_index sum_index_;
+  linear_arithmetic arithmetic_;
+  std::vector<meaning> meanings_;       // by node
   std::vector<arithmetic_atom> atoms_;  // by variable of the search
   std::vector<literal> false_equations_;
   std::vector<std::size_t> level_starts_;
   std::vector<question> questions_;
   std::vector<bound_reason> reasons_;
   std::vector<literal> premises_;
-  bool unchecked_ = false;  // bounds were asserted since the last feasible check
 };
 
 }  // namespace vetro::smt

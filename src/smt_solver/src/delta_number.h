@@ -29,6 +29,10 @@ struct delta_number {
       delta.addmul(factor, other.delta);
     }
   }
+  friend delta_number operator+(delta_number a, const delta_number& b) {
+    a += b;
+    return a;
+  }
   friend delta_number operator-(const delta_number& a, const delta_number& b) {
     return {a.real - b.real, a.delta.is_zero() && b.delta.is_zero() ? exact(0) : a.delta - b.delta};
   }

@@ -1,12 +1,16 @@
 #include "smt_solver/src/preprocess.h"
 
 #include <algorithm>
+#include <map>
 #include <utility>
 
 namespace vetro::smt {
 namespace {
 
 enum done_bit : std::uint8_t { asserted_true = 1, asserted_false = 2, defined_true = 4, defined_false = 8 };
+
+// Disjunctions and conjunctions of more parts are not searched for equations that hold in every case.
+constexpr std::size_t most_common_parts = 64;
 
 bool is_composed(const smt_prop_row& row) { return row.type == SMTB_PROP || row.type == SMTU_PROP; }
 
@@ -184,14 +188,15 @@ void preprocessor::connect_atoms() {
     }
   }
   theories_.add_order_clauses(search_);
+  theories_.start();
 }
 
 void preprocessor::connect(const known_atom& known) {
   const atom& content = known.content;
   if (content.kind == atom_kind::at_most) {
-    theories_.add_at_most(known.name, theories_.variable_for(content.terms), content.bound);
+    theories_.add_at_most(known.name, content.terms, content.bound);
   } else if (content.kind == atom_kind::equal_value) {
-    theories_.add_equal(known.name, theories_.variable_for(content.terms), content.bound.real);
+    theories_.add_equal(known.name, content.terms, content.bound.real);
   } else {
     theories_.nodes().add_atom(known.name, content.a, content.b);
     theories_.connect_equation(known.name, content.a, content.b);
@@ -221,7 +226,8 @@ void preprocessor::assert_true(smt_prop p, bool positive) {
     }
     std::vector<literal> clause;
     gather_parts(p, positive, clause);
-    return search_.add_clause(clause);
+    search_.add_clause(clause);
+    return learn_common_equations(p, positive);
   }
   if (row.type == SMTB_PROP) {
     define(p, positive, -1);
@@ -280,11 +286,15 @@ literal preprocessor::use(smt_prop p, bool positive) {
 }
 
 literal preprocessor::use_atom(smt_prop p, bool positive) {
-  known_atom& known = atoms_[at(atom_of_[at(p)])];
+  const literal name = name_of(atoms_[at(atom_of_[at(p)])]);
+  return positive == (atom_negated_[at(p)] == 0) ? name : negation(name);
+}
+
+literal preprocessor::name_of(known_atom& known) {
   if (known.name < 0) {
     known.name = literal_of(search_.add_variable(true));
   }
-  return positive == (atom_negated_[at(p)] == 0) ? known.name : negation(known.name);
+  return known.name;
 }
 
 // Clauses "otherwise, or the proposition is true (false)"; without otherwise where that is -1.
@@ -325,6 +335,79 @@ void preprocessor::define(smt_prop p, bool positive, literal otherwise) {
   begin();
   gather_parts(p, positive, clause);
   search_.add_clause(clause);
+}
+
+// ---- Equations that hold in every case.
+
+// The parts of a disjunction or of a conjunction, each with the truth value that it is asked to have.
+void preprocessor::take_parts(signed_prop whole, bool of_disjunction, std::vector<signed_prop>& parts) const {
+  std::vector<signed_prop> open{whole};
+  while (!open.empty()) {
+    const signed_prop next = open.back();
+    open.pop_back();
+    const smt_prop_row& row = language_.prop(next.p);
+    if (row.type == SMTU_PROP) {
+      open.push_back({row.a, !next.positive});
+    } else if (row.type == SMTB_PROP && row.detail != SMTPROP_IFF &&
+               next.positive == ((row.detail != SMTPROP_AND) == of_disjunction)) {
+      open.push_back({row.b, next.positive});
+      open.push_back({row.a, row.detail == SMTPROP_IMPLY ? !next.positive : next.positive});
+    } else {
+      parts.push_back(next);
+    }
+    if (parts.size() + open.size() > most_common_parts) {
+      parts.clear();
+      return;
+    }
+  }
+}
+
+// x = y = z or x = u = z gives x = z. The search alone would meet each way through a row of such cases. Two nodes are
+// equal in every case when they are in one class of each.
+void preprocessor::learn_common_equations(smt_prop disjunction, bool positive) {
+  std::vector<signed_prop> cases;
+  take_parts({disjunction, positive}, true, cases);
+  std::map<node, std::vector<node>> classes;  // for nodes of all cases so far: a representative in each
+  for (std::size_t i = 0; i < cases.size(); ++i) {
+    std::vector<signed_prop> parts;
+    take_parts(cases[i], false, parts);
+    std::map<node, node> up;
+    const auto top = [&](node n) {
+      for (auto found = up.emplace(n, n).first; found->second != n; found = up.find(n)) {
+        n = found->second;
+      }
+      return n;
+    };
+    for (const signed_prop& p : parts) {
+      const std::int32_t number = is_composed(language_.prop(p.p)) ? -1 : atom_of_[at(p.p)];
+      if (number >= 0 && atoms_[at(number)].content.kind == atom_kind::equal_nodes && p.positive) {
+        const node a = top(atoms_[at(number)].content.a);
+        up[a] = top(atoms_[at(number)].content.b);
+      }
+    }
+    for (auto entry = up.begin(); i == 0 && entry != up.end(); ++entry) {
+      classes[entry->first];
+    }
+    for (auto entry = classes.begin(); entry != classes.end();) {
+      if (up.count(entry->first) == 0) {
+        entry = classes.erase(entry);
+      } else {
+        entry->second.push_back(top(entry->first));
+        ++entry;
+      }
+    }
+    if (classes.size() < 2) {
+      return;
+    }
+  }
+  std::map<std::vector<node>, node> first;
+  for (const auto& [n, of_cases] : classes) {
+    const auto [known, added] = first.emplace(of_cases, n);
+    if (!added) {
+      const literal equation[] = {name_of(atoms_[at(keep(nodes_equal(known->second, n)))])};
+      search_.add_clause(equation);
+    }
+  }
 }
 
 }  // namespace vetro::smt

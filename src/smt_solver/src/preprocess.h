@@ -59,6 +59,14 @@ class preprocessor {
   literal use_atom(smt_prop p, bool positive);
   void define(smt_prop p, bool positive, literal name);
 
+  struct signed_prop {
+    smt_prop p;
+    bool positive;
+  };
+  void learn_common_equations(smt_prop disjunction, bool positive);
+  void take_parts(signed_prop whole, bool of_disjunction, std::vector<signed_prop>& parts) const;
+  literal name_of(known_atom& known);
+
   const smt_language& language_;
   combination& theories_;
   search& search_;

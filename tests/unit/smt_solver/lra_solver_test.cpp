@@ -15,7 +15,7 @@ namespace {
 // Terms of the random formulas: x, y, f(x), and f(y) or f(f(x)), and small combinations of these; atoms compare two of
 // them.
 struct random_formula {
-  explicit random_formula(unsigned seed) : random(seed), nested(seed % 2 == 0) {
+  explicit random_formula(unsigned seed) : random(seed), nested(seed % 2 == 0), differences(seed % 3 == 0) {
     const smt_term f = language.var_name(smt_name::variable, "f");
     const auto apply = [&](smt_term argument) {
       const smt_term arguments[] = {f, argument};
@@ -53,7 +53,7 @@ struct random_formula {
         return {language.const_num(k), value};
       }
       case 1: {
-        const int k = draw(-2, 2);
+        const int k = differences ? 1 : draw(-2, 2);
         value.coefficients[i] = exact(k);
         value.constant = exact(1);
         const smt_term product = language.binary(LIA_MULT, language.const_num(k), base[i]);
@@ -175,6 +175,7 @@ struct random_formula {
 
   std::mt19937 random;
   bool nested;
+  bool differences;  // no other coefficients than 1
   smt_language language;
   std::vector<smt_term> base;
   std::vector<atom> atoms;
