@@ -41,9 +41,8 @@ class interval_graph {
   bool contradiction() const { return contradiction_; }
   const interval& value(node_id n) const { return nodes_[n].I; }
   bool defined(node_id n) const { return nodes_[n].defined; }
-  bool is_number(node_id n) const {
-    return nodes_[n].kind == EX_CONST && interval_is_closed_point(nodes_[n].I, nullptr);
-  }
+  bool is_constant(node_id n) const { return nodes_[n].kind == EX_CONST; }
+  bool is_number(node_id n) const { return is_constant(n) && interval_is_closed_point(nodes_[n].I, nullptr); }
   bool is_operation(node_id n) const { return nodes_[n].kind == EX_UNOP || nodes_[n].kind == EX_BINOP; }
 
   // What is added and found out between the two is forgotten again. Not nested.

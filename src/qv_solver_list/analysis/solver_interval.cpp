@@ -22,6 +22,13 @@
 namespace vetro {
 namespace {
 
+// The links of a chained comparison; t alone when it is none. Between 1 < ... < n stands what nobody wrote.
+term_list links_of(term_ptr t) {
+  term_list links = t->has(fact_ellipsis) || t->has(fact_scope) ? term_list{t} : long_order_split(t);
+  std::ranges::reverse(links);
+  return links;
+}
+
 class interval_problem {
  public:
   // complex is borrowed and must outlive the problem.
@@ -75,8 +82,10 @@ void interval_problem::add_constraints_from_term(term_ptr t, bool negated) {
     return;
   }
   const auto view = composed_prop_split(t);
-  if (!view) {
-    add_constraints_from_atom(t, negated);
+  if (!view && negated) {
+    add_constraints_from_atom(t, true);
+  } else if (!view) {
+    std::ranges::for_each(links_of(t), [this](term_ptr link) { add_constraints_from_atom(link, false); });
   } else if (view->connect == Not && view->t2 == nullptr) {
     add_constraints_from_term(view->t1, !negated);
   } else if (view->connect == And && view->t2 != nullptr && !negated) {
@@ -100,8 +109,9 @@ void interval_problem::add_constraints_from_atom(term_ptr atom, bool negated) {
 void interval_problem::add_pred_constraint(pred_type pred, term_ptr l, term_ptr r, bool asserted) {
   const auto lhs = reader_.parse_expr(l);
   const auto rhs = reader_.parse_expr(r);
-  // Beside a number the difference says no more than the other side.
-  const bool with_number = graph_.is_number(lhs) || graph_.is_number(rhs);
+  // Between a number and what has no value of its own, the difference says no more than the other side.
+  const bool with_number =
+      (graph_.is_number(lhs) && !graph_.is_constant(rhs)) || (graph_.is_number(rhs) && !graph_.is_constant(lhs));
   const auto diff = with_number ? interval_graph::no_node : reader_.parse_expr(make_binOp_term(Minus, l, r));
   graph_.relate(pred, lhs, rhs, diff, asserted);
 }
@@ -198,7 +208,9 @@ bool solver_interval(term_ptr target, const solve_data& sdata) {
     return problem.contradiction() || (!more.empty() && problem.contradicts(more));
   }
   const term_list conjuncts = term_split_and(solver_preprocess_expand_interval_membership(target));
-  return std::ranges::all_of(conjuncts, [&](term_ptr conjunct) { return problem.proves(conjunct, more); });
+  return std::ranges::all_of(conjuncts, [&](term_ptr conjunct) {
+    return std::ranges::all_of(links_of(conjunct), [&](term_ptr link) { return problem.proves(link, more); });
+  });
 }
 
 }  // namespace vetro

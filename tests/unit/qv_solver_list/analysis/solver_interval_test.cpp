@@ -44,7 +44,9 @@ class interval_solver : public solver_test {
 TEST_F(interval_solver, estimates) {
   expect(true, {
                    {{}, "e^7 > 1096"},
-                   {{"x > 2"}, "x > 1"},
+                   {{}, "9223372036854775807 < 9223372036854775808"},
+                   {{}, "3.14159265358979323846 < 3.1416"},
+                   {{"x > 2"}, "0 < 1 < x"},
                    {{"x > 3"}, "x ≠ 3"},
                    {{"x > 3"}, "¬(x = 1)"},
                    {{"¬(x ≤ 3)"}, "x > 3"},
@@ -172,6 +174,7 @@ TEST_F(interval_solver, layers_of_assumptions) {
   };
   EXPECT_TRUE(proves_with("y > x + 1", "y > 1"));
   EXPECT_TRUE(proves_with("x > 1", "A = B"));
+  EXPECT_TRUE(proves_with("y > x > 1", "A = B"));
   EXPECT_TRUE(proves_with("y > 1", "z > 0"));
   EXPECT_FALSE(proves_with("z ∈ Complex", "z > 0"));
   EXPECT_FALSE(solver_interval(read("y > 1"), below));
