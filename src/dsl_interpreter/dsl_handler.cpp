@@ -26,6 +26,15 @@ void log_error(const dsl_execute_data& data, const char* format, ...) {
 
 void log_error_text(const dsl_execute_data& data, const std::string& text) { data.err_log->write(text); }
 
+void log_failed_instantiation(const dsl_execute_data& data, term_ptr refused) {
+  if (refused == nullptr) {
+    log_error(data, "the instantiation of a quantifier failed\n");
+  } else {
+    log_error_text(data, "instantiation failed: a notation speaks of '" + pretty(refused) +
+                             "' without telling whether it binds it\n");
+  }
+}
+
 std::string pretty(term_ptr t) {
   std::string text;
   print_term(text, t);

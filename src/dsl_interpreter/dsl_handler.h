@@ -20,6 +20,9 @@ const Content& instruction_as(const dsl_execute_data& data) {
 [[gnu::format(printf, 2, 3)]] void log_error(const dsl_execute_data& data, const char* format, ...);
 void log_error_text(const dsl_execute_data& data, const std::string& text);
 
+// The message for an instantiation that came out null; refused is the name that a notation guards, or null.
+void log_failed_instantiation(const dsl_execute_data& data, term_ptr refused);
+
 // The pretty and the internal form for a message; a null term gives no text and its line on standard error.
 std::string pretty(term_ptr t);
 std::string internal(term_ptr t);

@@ -19,21 +19,17 @@ term_ptr normalize_parsed_term(term_ptr raw);
 // bound variable becomes i. Null gives null.
 term_ptr parsed_static_analyze_term(term_ptr raw);
 
-// The canonical set-builder, then binders, then duplicate binders removed. Null when a step gives null. A term that
-// was prepared before and has not changed comes back as it is.
+// The canonical set-builder, then the record of binders. Null when a step gives null. A term that was prepared before
+// and has not changed comes back as it is.
 term_ptr copy_term_with_binders(term_ptr t);
 
-// ---- The steps of copy_term_with_binders. Null gives null. catch_binder_term also gives null, with a message, when
-// nested integrals or equations would list too many variables.
+// ---- The steps of copy_term_with_binders. Null gives null.
 
 // Every set-builder in the form SetDesc(element, T(conditions)).
 term_ptr normalize_setdesc_for_catch_binder(term_ptr t);
 
-// The variables that each node binds by its meaning, in front of the binders that it has. global_var: the variables
-// that are bound from outside.
+// What each node binds and guards (term/variables/binding.h), on nodes without such a record. global_var: the variables
+// that are bound from outside. Null, with a message, when nested notations speak of too many variables.
 term_ptr catch_binder_term(term_ptr t, term_span global_var);
-
-// The first of equal binders, at every node.
-term_ptr term_dedup_binders(term_ptr t);
 
 }  // namespace vetro

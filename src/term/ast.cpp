@@ -13,6 +13,7 @@
 #include <unordered_set>
 
 #include "term/state.h"
+#include "term/variables/binding_table.h"
 
 namespace vetro {
 namespace {
@@ -66,7 +67,8 @@ bool same_meta(const term_meta* a, const term_meta* b) {
   if (a == b) {
     return true;
   }
-  return a != nullptr && b != nullptr && a->scope == b->scope && a->soft == b->soft && a->binders == b->binders;
+  return a != nullptr && b != nullptr && a->scope == b->scope && a->soft == b->soft && a->binders == b->binders &&
+         a->guarded == b->guarded;
 }
 
 }  // namespace
@@ -166,6 +168,37 @@ const lambda_var_type_list* term_store::types(const lambda_var_type_list& list) 
 
 namespace {
 
+// The parts of a node that is being built, in storage order.
+struct child_reader {
+  const term_store::content& c;
+  std::size_t count() const { return c.children.size() + c.more.size(); }
+  term_ptr operator[](std::size_t i) const {
+    return i < c.children.size() ? c.children[i] : c.more[i - c.children.size()];
+  }
+};
+
+std::uint64_t hash_of(const term_store::content& c, const term_meta* meta) {
+  std::uint64_t hash = mix(static_cast<std::uint64_t>(c.type) << 32U | static_cast<std::uint16_t>(c.code),
+                           static_cast<std::uint32_t>(c.integer));
+  if (!c.text.empty()) {
+    hash = mix(hash, hash_text(c.text));
+  }
+  const child_reader children{c};
+  for (std::size_t i = 0; i < children.count(); ++i) {
+    hash = mix(hash, children[i] == nullptr ? 7 : children[i]->hash());
+  }
+  if (meta != nullptr) {
+    for (term_ptr binder : meta->binders) {
+      hash = mix(hash, binder->hash() + 1);
+    }
+    for (term_ptr name : meta->guarded) {
+      hash = mix(hash, name->hash() + 3);
+    }
+    hash = meta->scope == nullptr ? hash : mix(hash, meta->scope->hash() + 2);
+  }
+  return hash;
+}
+
 // Operators that stand for several values, for families and sizes, or for more than the values of their operands.
 bool may_make_whole(oper_type oper) {
   switch (oper) {
@@ -177,11 +210,65 @@ bool may_make_whole(oper_type oper) {
     case IndefInt:
       return true;
     default:
-      return oper >= BigO && oper <= RightLittleO;
+      return is_landau(oper);
+  }
+}
+
+unsigned constant_facts(const_type kind) {
+  if (kind == Ellipsis) {
+    return fact_ellipsis | fact_whole;
+  }
+  return is_infinity(kind) ? fact_whole : 0;
+}
+
+unsigned own_facts(const term_store::content& c) {
+  switch (c.type) {
+    case Lambda:
+      return fact_binding | fact_lambda;
+    case Quant:
+      return fact_binding;
+    case Pattern:
+      return fact_pattern;
+    case Const:
+      return constant_facts(static_cast<const_type>(c.code));
+    case Oper:
+      return facts_of_head(c.code) | (may_make_whole(static_cast<oper_type>(c.code)) ? fact_whole : 0);
+    case Pred:
+      return facts_of_head(c.code);
+    case TermList:
+      return c.children.empty() && c.more.empty() ? fact_empty_list : 0;
+    default:
+      return 0;
   }
 }
 
 }  // namespace
+
+// The node with that content, if there is one.
+term_ptr term_store::find(const content& c, const term_meta* meta, std::uint64_t hash) const {
+  const std::vector<impl::place>& table = impl_->table;
+  const child_reader children{c};
+  for (std::size_t slot = hash & (table.size() - 1); table[slot].node != nullptr;
+       slot = (slot + 1) & (table.size() - 1)) {
+    if (table[slot].hash != hash) {
+      continue;
+    }
+    const term& node = *table[slot].node;
+    if (node.type_ != c.type || node.code_ != c.code || node.integer_ != c.integer ||
+        node.child_count_ != children.count() || node.text_ != c.text || node.types_ != c.types ||
+        !same_meta(node.meta_, meta)) {
+      continue;
+    }
+    bool same = true;
+    for (std::size_t i = 0; i < children.count() && same; ++i) {
+      same = node.child_array()[i] == children[i];
+    }
+    if (same) {
+      return &node;
+    }
+  }
+  return nullptr;
+}
 
 term_ptr term_store::intern(const content& c, const term_meta* meta) {
   if (++calls_ > call_limit_) {
@@ -190,47 +277,10 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
   if (meta != nullptr && meta->empty()) {
     meta = nullptr;
   }
-  const std::size_t first = c.children.size();
-  const std::size_t count = first + c.more.size();
-  const auto child = [&](std::size_t i) { return i < first ? c.children[i] : c.more[i - first]; };
-
-  std::uint64_t hash = mix(static_cast<std::uint64_t>(c.type) << 32U | static_cast<std::uint16_t>(c.code),
-                           static_cast<std::uint32_t>(c.integer));
-  if (!c.text.empty()) {
-    hash = mix(hash, hash_text(c.text));
+  const std::uint64_t hash = hash_of(c, meta);
+  if (term_ptr known = find(c, meta, hash); known != nullptr) {
+    return known;
   }
-  for (std::size_t i = 0; i < count; ++i) {
-    hash = mix(hash, child(i) == nullptr ? 7 : child(i)->hash_);
-  }
-  if (meta != nullptr) {
-    for (term_ptr binder : meta->binders) {
-      hash = mix(hash, binder->hash_ + 1);
-    }
-    if (meta->scope != nullptr) {
-      hash = mix(hash, meta->scope->hash_ + 2);
-    }
-  }
-
-  std::vector<impl::place>& table = impl_->table;
-  std::size_t slot = hash & (table.size() - 1);
-  for (; table[slot].node != nullptr; slot = (slot + 1) & (table.size() - 1)) {
-    if (table[slot].hash != hash) {
-      continue;
-    }
-    const term& node = *table[slot].node;
-    if (node.type_ != c.type || node.code_ != c.code || node.integer_ != c.integer || node.child_count_ != count ||
-        node.text_ != c.text || node.types_ != c.types || !same_meta(node.meta_, meta)) {
-      continue;
-    }
-    bool same = true;
-    for (std::size_t i = 0; i < count && same; ++i) {
-      same = node.child_array()[i] == child(i);
-    }
-    if (same) {
-      return &node;
-    }
-  }
-
   // Whatever can run out of memory comes before the node is in the table, so that a solver which is stopped by it
   // leaves no half-built node behind.
   const bool bare = meta == nullptr && std::all_of(c.children.begin(), c.children.end(), is_bare) &&
@@ -238,12 +288,17 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
   term_ptr bare_twin = bare ? nullptr : stripped(c);
   const std::string_view stored_text = c.text.empty() ? std::string_view("") : text(c.text);
   const term_meta* stored_meta = meta == nullptr ? nullptr : impl_->store_meta(*meta);
-  if ((impl_->used + 1) * 2 > table.size()) {
+  if ((impl_->used + 1) * 2 > impl_->table.size()) {
     impl_->grow();
   }
+  const child_reader children{c};
+  const std::size_t count = children.count();
   term* node = static_cast<term*>(impl_->memory.take(sizeof(term) + count * sizeof(term_ptr), alignof(term)));
   new (node) term;
-  auto* children = reinterpret_cast<term_ptr*>(node + 1);
+  auto* places = reinterpret_cast<term_ptr*>(node + 1);
+  for (std::size_t i = 0; i < count; ++i) {
+    places[i] = children[i];
+  }
   impl_->put(node, hash);
 
   node->type_ = c.type;
@@ -255,65 +310,64 @@ term_ptr term_store::intern(const content& c, const term_meta* meta) {
   node->text_ = stored_text;
   node->types_ = c.types;
   node->meta_ = stored_meta;
-  node->facts_ = 0;
-  node->size_ = 1;
-  node->depth_ = 0;
   node->mask_ = c.type == Var ? name_bit(c.text) : 0;
-  node->blind_ = mix(static_cast<std::uint64_t>(c.type) << 32U | static_cast<std::uint16_t>(c.code),
-                     static_cast<std::uint32_t>(c.integer));
-  if (c.type == Const && !c.text.empty()) {
-    node->blind_ = mix(node->blind_, hash_text(c.text));
-  }
-
-  const auto absorb = [&](term_ptr part) {
-    node->facts_ |= part->facts_;
-    node->size_ = saturating_add(node->size_, part->size_);
-    node->depth_ = std::max(node->depth_, saturating_add(part->depth_, 1));
-    node->mask_ |= part->mask_;
-    node->blind_ = mix(node->blind_, part->blind_);
-  };
-  for (std::size_t i = 0; i < count; ++i) {
-    children[i] = child(i);
-    if (child(i) != nullptr) {
-      absorb(child(i));
-    }
-  }
-  switch (c.type) {
-    case Lambda:
-      node->facts_ |= fact_binding | fact_lambda;
-      break;
-    case Quant:
-      node->facts_ |= fact_binding;
-      break;
-    case Pattern:
-      node->facts_ |= fact_pattern;
-      break;
-    case Const:
-      node->facts_ |= c.code == Ellipsis ? fact_ellipsis | fact_whole : 0;
-      node->facts_ |= c.code >= Infty && c.code <= NegInfty ? fact_whole : 0;
-      break;
-    case Oper:
-      node->facts_ |= may_make_whole(static_cast<oper_type>(c.code)) ? fact_whole : 0;
-      break;
-    case TermList:
-      node->facts_ |= count == 0 ? fact_empty_list : 0;
-      break;
-    default:
-      break;
-  }
-  if (meta != nullptr) {
-    node->facts_ |= fact_meta;
-    for (term_ptr binder : meta->binders) {
-      absorb(binder);
-      node->facts_ |= fact_binding;
-    }
-    if (meta->scope != nullptr) {
-      absorb(meta->scope);
-      node->facts_ |= fact_scope;
-    }
-  }
+  node->derive(own_facts(c));
   node->bare_ = bare ? node : bare_twin;
   return node;
+}
+
+// What follows from the parts of a node.
+void term::derive(unsigned own_facts) {
+  facts_ = static_cast<std::uint16_t>(own_facts);
+  size_ = 1;
+  depth_ = 0;
+  blind_ = mix(static_cast<std::uint64_t>(type_) << 32U | static_cast<std::uint16_t>(code_),
+               static_cast<std::uint32_t>(integer_));
+  if (type_ == Const && !text_.empty()) {
+    blind_ = mix(blind_, hash_text(text_));
+  }
+  for (term_ptr child : children()) {
+    if (child != nullptr) {
+      absorb(*child);
+      blind_ = mix(blind_, child->blind_);
+    }
+  }
+  if (meta_ != nullptr) {
+    derive_from_meta();
+  }
+  head_ = -1;
+  arguments_ = 0;
+  if (type_ == Apply) {
+    const term& function = *left();
+    const bool plain_leaf =
+        !function.has_meta() && (function.type_ == Oper || function.type_ == Pred || function.type_ == Connect);
+    head_ = plain_leaf ? function.code_ : function.head_;
+    arguments_ = static_cast<std::uint8_t>(std::min(function.arguments_ + 1, 255));
+  }
+}
+
+void term::derive_from_meta() {
+  facts_ |= fact_meta;
+  for (term_ptr binder : meta_->binders) {
+    absorb(*binder);
+    facts_ |= fact_binding;
+  }
+  for (term_ptr name : meta_->guarded) {
+    absorb(*name);
+    facts_ |= fact_guard;
+  }
+  if (meta_->scope != nullptr) {
+    absorb(*meta_->scope);
+    facts_ |= fact_scope;
+    blind_ = mix(blind_, meta_->scope->blind_);
+  }
+}
+
+void term::absorb(const term& part) {
+  facts_ |= part.facts_;
+  size_ = saturating_add(size_, part.size_);
+  depth_ = std::max(depth_, saturating_add(part.depth_, 1));
+  mask_ |= part.mask_;
 }
 
 term_ptr term_store::stripped(const content& c) {
@@ -431,6 +485,16 @@ term_ptr with_binders(term_ptr t, const term_list& binders) {
   }
   term_meta meta = t->meta();
   meta.binders = binders;
+  return state().store.rebuilt(t, &meta);
+}
+
+term_ptr with_binding(term_ptr t, const term_list& binders, const term_list& guarded) {
+  if (t == nullptr || (t->binders() == binders && t->guarded() == guarded)) {
+    return t;
+  }
+  term_meta meta = t->meta();
+  meta.binders = binders;
+  meta.guarded = guarded;
   return state().store.rebuilt(t, &meta);
 }
 

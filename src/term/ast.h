@@ -82,22 +82,25 @@ struct soft_type {
 
 // What stands on a node beside its content. Absent on most nodes.
 struct term_meta {
-  term_list binders;         // variables that the node binds by its meaning
+  term_list binders = {};    // variables that the node binds by its meaning
   term_ptr scope = nullptr;  // side condition written behind the term
   const soft_type* soft = nullptr;
-  bool empty() const { return binders.empty() && scope == nullptr && soft == nullptr; }
+  term_list guarded = {};  // variables that the node speaks of without telling what it binds; see variables/binding.h
+  bool empty() const { return binders.empty() && scope == nullptr && soft == nullptr && guarded.empty(); }
 };
 
 // Facts of a node that are known when it is built. Each may say "maybe" too often, never "no" wrongly.
-enum term_fact : std::uint8_t {
-  fact_binding = 1,      // a Lambda, a Quant or binders somewhere inside (scope and binders included)
+enum term_fact : std::uint16_t {
+  fact_binding = 1,      // a Lambda, a Quant or an operator that binds variables somewhere inside
   fact_meta = 2,         // binders, scope or soft type somewhere inside
   fact_scope = 4,        // a scope somewhere inside
   fact_pattern = 8,      // a Pattern leaf somewhere inside
   fact_lambda = 16,      // a Lambda somewhere inside
   fact_empty_list = 32,  // a TermList without elements somewhere inside
   fact_ellipsis = 64,    // the constant Ellipsis somewhere inside
-  fact_whole = 128,      // a leaf that may make a term one whole (whole_parts.h) somewhere inside
+  fact_whole = 128,      // something somewhere inside that may make the term one whole; see whole_parts.h
+  fact_guard = 256,      // an operator or relation somewhere inside that speaks of variables without binding them
+  fact_landau = 512,     // a Landau operator somewhere inside
 };
 
 class term {
@@ -122,6 +125,13 @@ class term {
   term_ptr body() const;                          // Lambda, Quant, FreeVarTag
   term_span elements() const;                     // TermList
 
+  // Of an Apply, in one step: the number of the leaf at the end of its left spine (an Oper, Pred or Connect without
+  // metadata; -1 for any other head), and how many arguments stand behind it (255 for more). Of any other node: -1, 0.
+  int head() const { return head_; }
+  unsigned argument_count() const { return arguments_; }
+  // The i-th of that many arguments.
+  term_ptr argument(unsigned i) const;
+
   // Children of any variant in storage order: Apply left, right; Lambda condition (may be null), body, vars; Quant
   // body, vars; TermList elements; FreeVarTag body, vars. Metadata is not among them.
   term_span children() const { return {child_array(), child_count_}; }
@@ -130,13 +140,14 @@ class term {
   bool has_meta() const { return meta_ != nullptr; }
   const term_meta& meta() const;  // an empty record when there is none
   const term_list& binders() const { return meta().binders; }
+  const term_list& guarded() const { return meta().guarded; }
   term_ptr scope() const { return meta_ == nullptr ? nullptr : meta_->scope; }
 
   // The same term with all metadata removed at every node; this itself when there is none.
   term_ptr bare() const { return bare_; }
 
   std::uint64_t hash() const { return hash_; }  // of the whole node: content and metadata
-  // Equal for terms that term_eqb holds equal under some environment.
+  // Equal for terms that term_eqb holds equal under some environment; what is recorded of binders does not count.
   std::uint64_t blind_hash() const { return blind_; }
   std::uint32_t size() const { return size_; }  // nodes as a tree, metadata included; saturates at 2^32 - 1
   std::uint32_t depth() const { return depth_; }
@@ -148,7 +159,9 @@ class term {
   friend class term_store;
   term_type type_;
   std::int16_t code_;
-  std::uint8_t facts_;
+  std::uint16_t facts_;
+  std::int16_t head_;
+  std::uint8_t arguments_;
   std::uint32_t child_count_;
   std::int32_t integer_;
   std::uint32_t size_;
@@ -161,6 +174,9 @@ class term {
   const lambda_var_type_list* types_;
   const term_meta* meta_;
   term_ptr bare_;
+  void derive(unsigned own_facts);
+  void derive_from_meta();
+  void absorb(const term& part);
   // The children follow the node in the same block.
   const term_ptr* child_array() const { return reinterpret_cast<const term_ptr*>(this + 1); }
 };
@@ -217,6 +233,15 @@ inline term_ptr term::left() const {
   return child_array()[0];
 }
 
+inline term_ptr term::argument(unsigned i) const {
+  assert(i < arguments_ && arguments_ < 255);
+  term_ptr node = this;
+  for (unsigned last = arguments_ - 1U; last > i; --last) {
+    node = node->left();
+  }
+  return node->right();
+}
+
 inline term_ptr term::right() const {
   assert(type_ == Apply);
   return child_array()[1];
@@ -270,6 +295,7 @@ term_ptr mk_free_var_tag(term_span vars, term_ptr body);
 // The same content with other metadata; null gives null.
 term_ptr with_meta(term_ptr t, const term_meta& meta);
 term_ptr with_binders(term_ptr t, const term_list& binders);
+term_ptr with_binding(term_ptr t, const term_list& binders, const term_list& guarded);
 term_ptr with_scope(term_ptr t, term_ptr scope);
 term_ptr without_meta(term_ptr t);  // at this node only; bare() removes it everywhere
 
@@ -336,6 +362,7 @@ class term_store {
   std::size_t bytes() const;
 
  private:
+  term_ptr find(const content& c, const term_meta* meta, std::uint64_t hash) const;
   term_ptr stripped(const content& c);  // the bare twin of a node that is being built
 
   struct impl;

@@ -161,8 +161,10 @@ term_ptr pre_chained_prop_add(term_ptr chain, term_ptr pred, term_ptr operand) {
 
 // ---- Quantifiers.
 
+// For exactly one x there is exactly one y, and there is exactly one pair x, y: these are different statements.
 bool is_Quant_in_Quant(term_ptr t) {
-  return t != nullptr && t->type() == Quant && t->body()->type() == Quant && t->quant() == t->body()->quant();
+  return t != nullptr && t->type() == Quant && t->body()->type() == Quant && t->quant() == t->body()->quant() &&
+         t->quant() != ExistsUnique;
 }
 
 term_ptr merge_quant_term(term_ptr t) {

@@ -5,12 +5,11 @@
 #include "term/compare.h"
 
 #include <algorithm>
-#include <optional>
 #include <unordered_set>
 
-#include "term/index_variables.h"
 #include "term/report.h"
 #include "term/state.h"
+#include "term/variables/binding.h"
 #include "term/walk_tools.h"
 
 namespace vetro {
@@ -48,79 +47,98 @@ class alpha_walk {
     if (a == b && (!touched || renamed_ == 0)) {
       return true;
     }
-    if (!touched && a->hash() != b->hash() && !a->has(fact_binding) && !b->has(fact_binding)) {
+    if (!touched && a->bare() != b->bare() && !a->has(fact_binding) && !b->has(fact_binding)) {
       return false;
     }
     // One difference ends the whole walk, so a pair that was met before is known to be equal.
-    if (remember_ && a->size() > 8 && !known_.insert({a, b, touched ? bindings_ : 0}).second) {
+    if (remember_ && a->size() > 8 && !known_.insert({a, b, touched ? left_.number() : 0}).second) {
       return true;
     }
-    return a->has_meta() || b->has_meta() ? equal_with_meta(a, b) : equal_content(a, b);
+    if ((a->scope() == nullptr) != (b->scope() == nullptr)) {
+      return false;
+    }
+    if (a->type() == Apply && a->has(fact_binding)) {
+      if (const binding of_a(a); of_a.row() != nullptr && !of_a.indices().empty()) {
+        return equal_binding_nodes(a, of_a, b, binding(b));
+      }
+      if (const binding of_b(b); of_b.row() != nullptr && !of_b.indices().empty()) {
+        return equal_binding_nodes(a, binding(a), b, of_b);
+      }
+    }
+    return equal_content(a, b) && (a->scope() == nullptr || equal(a->scope(), b->scope()));
   }
 
  private:
-  // What extend() changed, to be taken back by leave().
+  // What bind_pairs() changed, to be taken back by leave().
   struct mark {
-    std::size_t count;
-    std::uint64_t bindings;
+    bound_names::mark left;
+    bound_names::mark right;
     int renamed;
   };
 
-  mark here() const { return {left_.size(), bindings_, renamed_}; }
+  mark here() const { return {left_.here(), right_.here(), renamed_}; }
 
   void leave(const mark& before) {
-    left_.release(before.count);
-    right_.release(before.count);
-    bindings_ = before.bindings;
+    left_.leave(before.left);
+    right_.leave(before.right);
     renamed_ = before.renamed;
   }
 
-  // The variables of a list that may be called anything; all of them where nothing is said.
-  using renamable = std::optional<term_list>;
-
-  static bool may_rename(const renamable& names, term_ptr var) {
-    const auto same = [var](term_ptr name) { return name->bare() == var->bare(); };
-    return !names.has_value() || std::any_of(names->begin(), names->end(), same);
+  void bind_pair(term_ptr a, term_ptr b) {
+    left_.bind(a);
+    right_.bind(b);
+    renamed_ += a->bare() != b->bare() ? 1 : 0;
   }
 
   // Pairs of variables are bound together; any other pair is compared as terms and binds nothing.
-  bool extend(term_span a, term_span b, const renamable& names_a = {}, const renamable& names_b = {}) {
+  bool extend(term_span a, term_span b) {
     if (a.size() != b.size()) {
       return false;
     }
     for (std::size_t i = 0; i < a.size(); ++i) {
-      const bool variables = a[i]->type() == Var && b[i]->type() == Var;
-      if (!variables || !may_rename(names_a, a[i]) || !may_rename(names_b, b[i])) {
-        if (!equal(a[i], b[i])) {
-          return false;
-        }
-        continue;
+      if (a[i]->type() == Var && b[i]->type() == Var) {
+        bind_pair(a[i], b[i]);
+      } else if (!equal(a[i], b[i])) {
+        return false;
       }
-      left_.bind(a[i]);
-      right_.bind(b[i]);
-      renamed_ += a[i]->bare() != b[i]->bare() ? 1 : 0;
-      bindings_ = ++last_bindings_;
     }
     return true;
   }
 
-  // Of a big operator only the indices are names to choose; the other binders stand for themselves.
-  bool extend_implicit(term_ptr a, term_ptr b) {
-    if (a->binders() == b->binders() && renamed_ == 0) {
-      return extend(a->binders(), b->binders());
-    }
-    return extend(a->binders(), b->binders(), big_operator_indices(a), big_operator_indices(b));
-  }
-
-  [[gnu::noinline]] bool equal_with_meta(term_ptr a, term_ptr b) {
-    if ((a->scope() == nullptr) != (b->scope() == nullptr)) {
+  // Two nodes of which one at least binds indices: what lies inside is compared under pairs of them, the scope too.
+  [[gnu::noinline]] bool equal_binding_nodes(term_ptr a, const binding& of_a, term_ptr b, const binding& of_b) {
+    if (of_a.row() != of_b.row()) {
       return false;
     }
-    const mark before = here();
-    const bool same =
-        extend_implicit(a, b) && equal_content(a, b) && (a->scope() == nullptr || equal(a->scope(), b->scope()));
-    leave(before);
+    if (of_a.indices().size() != of_b.indices().size()) {
+      return names_nothing_bound(a, of_a, b, of_b) && equal_content(a, b) &&
+             (a->scope() == nullptr || equal(a->scope(), b->scope()));
+    }
+    const auto part = [&](term_ptr x, term_ptr y, bool is_inside) {
+      return is_inside ? equal_inside(of_a.indices(), x, of_b.indices(), y) : equal(x, y);
+    };
+    return all_parts_in_step(a, of_a, b, of_b, part) &&
+           (a->scope() == nullptr || equal_inside(of_a.indices(), a->scope(), of_b.indices(), b->scope()));
+  }
+
+  bool equal_inside(term_span indices_a, term_ptr a, term_span indices_b, term_ptr b) {
+    const mark outside = here();
+    for (std::size_t i = 0; i < indices_a.size(); ++i) {
+      bind_pair(indices_a[i], indices_b[i]);
+    }
+    const bool same = equal(a, b);
+    leave(outside);
     return same;
+  }
+
+  // One notation read under different surroundings: under forall (n) the index of sum_{i < n} is i, at the top of a
+  // formula nothing tells. They are one where they are written alike and their names come from nowhere else.
+  bool names_nothing_bound(term_ptr a, const binding& of_a, term_ptr b, const binding& of_b) const {
+    if (of_a.row()->kind != binding_kind::index_part || (!of_a.guards_any() && !of_b.guards_any())) {
+      return false;
+    }
+    const auto unbound = [](const bound_names& around, term_ptr t) { return (around.mask() & t->name_mask()) == 0; };
+    return a->bare() == b->bare() && unbound(left_, a) && unbound(right_, b);
   }
 
   bool equal_content(term_ptr a, term_ptr b) {
@@ -171,9 +189,7 @@ class alpha_walk {
 
   bound_names left_;
   bound_names right_;
-  int renamed_ = 0;                  // pairs whose two names differ
-  std::uint64_t bindings_ = 0;       // number of the present state of the bindings, 0 for none
-  std::uint64_t last_bindings_ = 0;  // newest such number
+  int renamed_ = 0;  // pairs whose two names differ
   bool remember_;
   std::unordered_set<compared_pair, pair_hasher> known_;
 };
@@ -225,19 +241,52 @@ class alpha_hash_walk {
     return value;
   }
 
-  void close(std::size_t count) {
-    levels_.resize(levels_.size() - (bound_.size() - count));
-    bound_.release(count);
+  void close(const bound_names::mark& before) {
+    levels_.resize(levels_.size() - (bound_.size() - before.count));
+    bound_.leave(before);
   }
 
   std::uint64_t node_hash(term_ptr t) {
-    const std::size_t before = bound_.size();
-    std::uint64_t value = open(static_cast<std::uint64_t>(t->type()), t->binders());
-    value = t->children().empty() ? mix(value, leaf_hash(t)) : content_hash(t, value);
-    if (t->scope() != nullptr) {
-      value = mix(value, hash(t->scope()) + 17);
+    const binding b(t);
+    if (b.row() != nullptr && may_be_read_otherwise(t, b)) {
+      return mix(t->blind_hash(), 23);
     }
-    close(before);
+    const term_span indices = b.indices();
+    std::uint64_t value = static_cast<std::uint64_t>(t->type());
+    if (!indices.empty()) {
+      value = mix(value, indices.size());
+      for_each_part(t, b, [&](term_ptr part, bool is_inside) {
+        value = mix(value, is_inside ? hash_under(indices, part) : hash(part));
+      });
+      value = mix(value, static_cast<std::uint64_t>(t->head()));
+    } else {
+      value = t->children().empty() ? mix(value, leaf_hash(t)) : content_hash(t, value);
+    }
+    return t->scope() == nullptr ? value : mix(value, hash_under(indices, t->scope()) + 17);
+  }
+
+  // An index part whose form does not tell the index is one thing under the binders of some of its names, and another
+  // without; the two may be equal.
+  static bool may_be_read_otherwise(term_ptr t, const binding& b) {
+    if (b.row()->kind != binding_kind::index_part) {
+      return false;
+    }
+    const term_ptr part = t->argument(b.row()->regions[0] == region::index ? 0 : 1);
+    switch (index_form_of(part, b.indices())) {
+      case index_form::relation:
+        return b.guards_any();
+      case index_form::chain:
+        return part->argument(1)->elements()[0]->name_mask() != 0;
+      default:
+        return part->type() != Var;
+    }
+  }
+
+  std::uint64_t hash_under(term_span indices, term_ptr t) {
+    const bound_names::mark outside = bound_.here();
+    const std::uint64_t opened = open(0, indices);
+    const std::uint64_t value = mix(opened, hash(t));
+    close(outside);
     return value;
   }
 
@@ -248,7 +297,7 @@ class alpha_hash_walk {
       }
       return value;
     }
-    const std::size_t before = bound_.size();
+    const bound_names::mark before = bound_.here();
     value = open(t->type() == Quant ? mix(value, t->quant()) : value, t->vars());
     if (t->type() == Lambda && t->condition() != nullptr) {
       value = mix(value, hash(t->condition()) + 19);
@@ -278,8 +327,9 @@ bool term_eqb(term_ptr a, term_ptr b) {
   if (a->blind_hash() != b->blind_hash()) {
     return false;
   }
-  if (!a->has(fact_meta) && !b->has(fact_meta) && !a->has(fact_binding)) {
-    return false;
+  if (!a->has(fact_binding)) {
+    return a->bare() == b->bare() &&
+           (a->has(fact_scope) ? alpha_walk(a->size() >= worth_remembering).equal(a, b) : !b->has(fact_scope));
   }
   return alpha_walk(a->size() >= worth_remembering).equal(a, b);
 }
@@ -306,7 +356,7 @@ std::uint64_t alpha_hash(term_ptr t) {
     return 0;
   }
   if (!t->has(fact_binding)) {
-    return t->hash();
+    return t->bare()->hash();
   }
   auto& cache = state().alpha_hashes;
   const auto found = cache.find(t);

@@ -12,6 +12,11 @@
 namespace vetro {
 namespace {
 
+// A proposition that carries a side condition is used whole.
+bool is_scoped_application(term_ptr t) {
+  return t->scope() != nullptr || (t->left()->type() == Apply && t->left()->scope() != nullptr);
+}
+
 // Head and operands of f(a) or f(a, b) with a leaf of that type as f.
 struct small_application {
   term_ptr head = nullptr;
@@ -20,7 +25,7 @@ struct small_application {
 };
 
 small_application opened(term_ptr t, term_type leaf) {
-  if (!is_apply(t)) {
+  if (!is_apply(t) || (leaf != Oper && is_scoped_application(t))) {
     return {};
   }
   if (t->left()->type() == leaf) {

@@ -34,7 +34,8 @@ struct prop {
   term_ptr right;
 };
 
-// Each gives nothing for another shape, for more than two arguments, and for null.
+// Each gives nothing for another shape, for more than two arguments, and for null; the splits of propositions also for
+// one that carries a side condition, which says something else than the proposition without it.
 std::optional<composed_term> composed_term_split(term_ptr t);
 std::optional<atomic_prop> atomic_prop_split(term_ptr t);
 std::optional<composed_prop> composed_prop_split(term_ptr t);

@@ -39,6 +39,12 @@ enum walk_part : unsigned {
 template <class F>
 term_ptr map_children(term_ptr t, unsigned parts, F&& f);
 
+// The application with each of its last count arguments changed by f(argument, its number), from the left; without what
+// stands on t itself, but with what stands on the nodes inside. t when nothing changed; null when an argument came out
+// null, after all of them.
+template <class F>
+term_ptr map_arguments(term_ptr t, unsigned count, F&& f);
+
 // True when pred holds for t or for any node below it (children, and with walk_scope and walk_binders metadata too).
 template <class P>
 bool any_subterm(term_ptr t, unsigned parts, P&& pred);
@@ -69,8 +75,10 @@ inline term_ptr with_kept_meta(term_ptr t, term_ptr rebuilt, unsigned parts, ter
   term_meta meta;
   if ((parts & walk_binders) != 0) {
     meta.binders = std::move(mapped.binders);
+    meta.guarded = old.guarded;
   } else if ((parts & keep_binders) != 0) {
     meta.binders = old.binders;
+    meta.guarded = old.guarded;
   }
   if ((parts & walk_scope) != 0) {
     meta.scope = mapped.scope;
@@ -182,6 +190,17 @@ term_ptr map_children(term_ptr t, unsigned parts, F&& f) {
     return t;
   }
   return traverse_detail::with_kept_meta(t, without_meta(content), parts, std::move(meta));
+}
+
+template <class F>
+term_ptr map_arguments(term_ptr t, unsigned count, F&& f) {
+  term_ptr left = t->left();
+  if (count > 1) {
+    left = map_arguments(t->left(), count - 1, f);
+    left = left == t->left() || left == nullptr ? left : with_meta(left, t->left()->meta());
+  }
+  const term_ptr right = f(t->right(), count - 1);
+  return left == t->left() && right == t->right() ? t : mk_apply(left, right);
 }
 
 template <class P>

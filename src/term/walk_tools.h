@@ -1,14 +1,12 @@
-// Tools that the walks over terms share: the names bound on the way down, an ordered set of terms, and the size from
-// which a walk remembers the nodes that it has met.
+// The size from which a walk remembers the nodes that it has met, and the table of what it has met.
 #pragma once
 
 #include <cstddef>
 #include <cstdint>
-#include <unordered_map>
 #include <unordered_set>
-#include <vector>
 
 #include "term/ast.h"
+#include "term/variables/bound_names.h"
 
 namespace vetro {
 
@@ -16,7 +14,7 @@ namespace vetro {
 // more remembers nodes; below, a table costs more than it saves.
 inline constexpr std::uint32_t worth_remembering = 128;
 
-// A node met under one state of the bindings, which a walk numbers as it opens and closes them.
+// A node met under one state of the bindings.
 struct node_visit {
   std::uint64_t bindings;
   term_ptr node;
@@ -28,114 +26,5 @@ struct node_visit_hasher {
   }
 };
 using visited_nodes = std::unordered_set<node_visit, node_visit_hasher>;
-
-// The variables bound around the place where a walk stands. The newest binding of a name counts. Variables are known by
-// their bare form, so that a scope on one makes no other name.
-class bound_names {
- public:
-  static constexpr int unbound = -1;
-
-  void bind(term_ptr var) {
-    var = var->bare();
-    const int position = static_cast<int>(entries_.size());
-    int shadowed = unbound;
-    if (position >= scanned) {
-      const auto [slot, added] = index_.try_emplace(var, position);
-      if (!added) {
-        shadowed = slot->second;
-        slot->second = position;
-      }
-    }
-    entries_.push_back({var, shadowed, mask_});
-    mask_ |= var->name_mask();
-  }
-
-  // Back to the first count bindings.
-  void release(std::size_t count) {
-    while (entries_.size() > count) {
-      const entry& last = entries_.back();
-      if (static_cast<int>(entries_.size()) > scanned) {
-        if (last.shadowed == unbound) {
-          index_.erase(last.var);
-        } else {
-          index_[last.var] = last.shadowed;
-        }
-      }
-      mask_ = last.mask_before;
-      entries_.pop_back();
-    }
-  }
-
-  // The position of the newest binding of var, or unbound.
-  int newest(term_ptr var) const {
-    var = var->bare();
-    if ((var->name_mask() & ~mask_) != 0) {
-      return unbound;
-    }
-    const int count = static_cast<int>(entries_.size());
-    if (count > scanned) {
-      const auto found = index_.find(var);
-      if (found != index_.end()) {
-        return found->second;
-      }
-    }
-    for (int i = count < scanned ? count - 1 : scanned - 1; i >= 0; --i) {
-      if (entries_[static_cast<std::size_t>(i)].var == var) {
-        return i;
-      }
-    }
-    return unbound;
-  }
-
-  bool contains(term_ptr var) const { return newest(var) != unbound; }
-  std::size_t size() const { return entries_.size(); }
-  std::uint64_t mask() const { return mask_; }  // bits of all names bound now
-
- private:
-  static constexpr int scanned = 8;  // the outermost bindings are found by scanning, the others through the index
-  struct entry {
-    term_ptr var;
-    int shadowed;
-    std::uint64_t mask_before;
-  };
-  std::vector<entry> entries_;
-  std::unordered_map<term_ptr, int> index_;
-  std::uint64_t mask_ = 0;
-};
-
-// Terms in the order in which they came, each once. By address: callers give bare forms where that is meant.
-class ordered_terms {
- public:
-  bool contains(term_ptr t) const {
-    if (list_.size() > scanned) {
-      return index_.count(t) != 0;
-    }
-    for (term_ptr known : list_) {
-      if (known == t) {
-        return true;
-      }
-    }
-    return false;
-  }
-
-  void add(term_ptr t) {
-    if (contains(t)) {
-      return;
-    }
-    list_.push_back(t);
-    if (list_.size() == scanned + 1) {
-      index_.insert(list_.begin(), list_.end());
-    } else if (list_.size() > scanned) {
-      index_.insert(t);
-    }
-  }
-
-  const term_list& list() const { return list_; }
-
- private:
-  static constexpr std::size_t scanned = 16;
-  term_list list_;
-  std::unordered_set<term_ptr> index_;
-};
 
 }  // namespace vetro

@@ -8,16 +8,9 @@
 #include <vector>
 
 #include "dsl_interpreter/dsl_execute.h"
-#include "lib/semantic_term.h"
-#include "parser/parser_api.h"
-#include "term/pattern_match.h"
+#include "support/formulas.h"
 
 namespace vetro::test {
-
-inline term_ptr formula(std::string_view text) {
-  match_init(read_pattern);
-  return parse_semantic_term_from_str(text);
-}
 
 inline proof_gap_full gap_of(std::initializer_list<std::string_view> assumptions, std::string_view goal) {
   proof_gap_full gap;

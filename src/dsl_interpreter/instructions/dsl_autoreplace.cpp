@@ -2,8 +2,8 @@
 // states both subterms and the new proposition; the handler checks that the replacement gives it, and that the subterms
 // are equal.
 #include "dsl_interpreter/dsl_handler.h"
-#include "dsl_interpreter/dsl_reread.h"
 #include "dsl_interpreter/instructions/replacement.h"
+#include "lib/interval_reading.h"
 #include "lib/semantic_term.h"
 #include "qv_solver_list/algebra/solver_shape_simpl.h"
 #include "term/compare.h"

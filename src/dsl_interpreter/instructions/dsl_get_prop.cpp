@@ -3,13 +3,15 @@
 #include <algorithm>
 
 #include "dsl_interpreter/dsl_handler.h"
-#include "dsl_interpreter/dsl_instantiate.h"
-#include "dsl_interpreter/dsl_reread.h"
 #include "lib/semantic_term.h"
 #include "term/compare.h"
 #include "term/state.h"
-#include "term/substitute.h"
+#include "term/substitute/beta.h"
+#include "term/substitute/fresh.h"
+#include "term/substitute/instantiate.h"
 #include "term/term_split_combine.h"
+#include "term/variables/free_variable.h"
+#include "term/variables/record.h"
 
 namespace vetro {
 namespace {
@@ -122,7 +124,7 @@ bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, ter
   }
   for (const dsl_sub_pair& pair : pairs) {
     const auto same_binder = [&pair](const get_prop_subst& known) { return term_eqb(known.src, pair.binder); };
-    if (!term_list_contains(quantified->vars(), pair.binder)) {
+    if (!term_is_var(pair.binder) || !term_list_contains(quantified->vars(), pair.binder)) {
       log_error_text(data, "quant var don't have '" + pretty(pair.binder) + "'\n");
       result.redundant_flag = redundant_fail;
       return false;
@@ -139,16 +141,16 @@ bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, ter
 }
 
 // The quantifier with all pairs substituted at once: binders by placeholders, then placeholders by values.
-term_ptr substitute_at_once(term_ptr quantified, const std::vector<get_prop_subst>& substs) {
+term_ptr substitute_at_once(term_ptr quantified, const std::vector<get_prop_subst>& substs, term_ptr& refused) {
   term_list binders;
   term_list placeholders;
   for (const get_prop_subst& subst : substs) {
     binders.push_back(subst.src);
     placeholders.push_back(subst.placeholder);
   }
-  term_ptr t = instantiate_binders(quantified, binders, placeholders);
+  term_ptr t = instantiate_binders(quantified, binders, placeholders, &refused);
   for (const get_prop_subst& subst : substs) {
-    t = instantiate_term(subst.placeholder, subst.dest, t);
+    t = instantiate_term(subst.placeholder, subst.dest, t, &refused);
   }
   return t;
 }
@@ -171,7 +173,7 @@ constexpr normalize_messages target_messages = {
 
 // Binders as read from text, beta normal form, static analysis. Null after a message.
 term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, const normalize_messages& messages) {
-  term_ptr prepared = t == nullptr ? nullptr : reread(data, t);
+  term_ptr prepared = dsl_prepare_term_for_substitution(t);
   if (prepared == nullptr) {
     log_error_text(data, messages.prepare);
     return nullptr;
@@ -186,7 +188,7 @@ term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, cons
     log_error_text(data, messages.analyze);
     return nullptr;
   }
-  return reread(data, analyzed);
+  return dsl_prepare_term_for_substitution(analyzed);
 }
 
 // The instantiated and normalised source. Null after a message.
@@ -207,7 +209,12 @@ term_ptr instantiate_source(const dsl_execute_data& data, dsl_result& result, te
     if (!collect_substitutions(data, result, prepared, pairs, substs)) {
       return nullptr;
     }
-    term_ptr substituted = substitute_at_once(prepared, substs);
+    term_ptr refused = nullptr;
+    term_ptr substituted = substitute_at_once(prepared, substs, refused);
+    if (refused != nullptr) {
+      log_failed_instantiation(data, refused);
+      return nullptr;
+    }
     prepared = substituted == nullptr ? nullptr : parsed_static_analyze_term(substituted);
     if (prepared == nullptr) {
       log_error(data, "failed to run static analysis after get_prop substitution\n");
@@ -232,6 +239,7 @@ term_ptr checked_target(const dsl_execute_data& data, const dsl_term& target, te
   if (expected == nullptr) {
     return nullptr;
   }
+  expected = with_record_of(expected, actual);
   if (!term_eqb(actual, expected)) {
     log_error_text(data,
                    "get_prop target formula mismatch in 'as (...)'. expected alpha-equivalent formula.\nactual:\n" +

@@ -3,12 +3,11 @@
 #include <algorithm>
 
 #include "dsl_interpreter/dsl_handler.h"
-#include "dsl_interpreter/dsl_instantiate.h"
-#include "dsl_interpreter/dsl_reread.h"
 #include "lib/semantic_term.h"
-#include "term/bound_variables.h"
 #include "term/compare.h"
-#include "term/free_variable.h"
+#include "term/substitute/instantiate.h"
+#include "term/variables/free_names.h"
+#include "term/variables/free_variable.h"
 
 namespace vetro {
 namespace {
@@ -81,9 +80,10 @@ term_ptr instantiate_pairs(const dsl_execute_data& data, dsl_result& result, ter
         return nullptr;
       }
     }
-    working = instantiate_binders(working, {&pair.binder, 1}, {&pair.sub_term, 1});
+    term_ptr refused = nullptr;
+    working = instantiate_binders(working, {&pair.binder, 1}, {&pair.sub_term, 1}, &refused);
     if (working == nullptr) {
-      log_error(data, "the instantiation of a quantifier failed\n");
+      log_failed_instantiation(data, refused);
       return nullptr;
     }
   }
@@ -130,7 +130,7 @@ dsl_result execute_exists(dsl_execute_data& data) {
     log_error(data, "Error: Failed to run static analysis after exists instantiation\n");
     return result;
   }
-  term_ptr goal = reread(data, analyzed);
+  term_ptr goal = dsl_prepare_term_for_substitution(analyzed);
   if (goal == nullptr) {
     return result;
   }
@@ -153,7 +153,7 @@ dsl_result execute_get_exists(dsl_execute_data& data) {
     return result;
   }
   working = instantiate_pairs(data, result, working, Exists, inst.list, get_exists_messages);
-  working = working == nullptr ? nullptr : reread(data, working);
+  working = dsl_prepare_term_for_substitution(working);
   if (working == nullptr) {
     return result;
   }
@@ -176,7 +176,7 @@ dsl_result execute_get_forall(dsl_execute_data& data) {
     return result;
   }
   working = instantiate_pairs(data, result, working, Forall, inst.list, get_forall_messages);
-  working = working == nullptr ? nullptr : reread(data, working);
+  working = dsl_prepare_term_for_substitution(working);
   if (working == nullptr) {
     return result;
   }

@@ -5,6 +5,7 @@
 #include "qv_solver_list/algebra/solver_shape_simpl.h"
 #include "term/compare.h"
 #include "term/term_split_combine.h"
+#include "term/variables/binding.h"
 #include "term/whole_parts.h"
 
 namespace vetro {
@@ -55,7 +56,7 @@ std::optional<rule_sides> sides_of(term_ptr t, rewrite_hypo_type kind) {
                                                                : std::nullopt;
   }
   const auto view = atomic_prop_split(t);
-  return view && view->pred == Eq && view->t2 != nullptr && t->binders().empty() &&
+  return view && view->pred == Eq && view->t2 != nullptr && !protects(t) &&
                  !holds_any(t, whole_part::several_values | whole_part::landau)
              ? std::optional(rule_sides{view->t1, view->t2})
              : std::nullopt;

@@ -4,10 +4,12 @@
 #include <algorithm>
 
 #include "lib/application.h"
-#include "term/bound_variables.h"
 #include "term/compare.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
+#include "term/variables/binding.h"
+#include "term/variables/bound_names.h"
+#include "term/variables/entries.h"
 
 namespace vetro {
 namespace {
@@ -48,16 +50,12 @@ class replacer {
   }
 
  private:
-  bool is_replaced(term_ptr name) const { return name->bare() == r_.from->bare(); }
-
   bool binds_replaced(term_ptr t) const {
-    if (t->type() != Lambda && t->type() != Quant) {
-      return std::any_of(t->binders().begin(), t->binders().end(), [this](term_ptr b) { return is_replaced(b); });
+    if (t->type() == Lambda || t->type() == Quant) {
+      return contains_variable(entry_names(t), r_.from);
     }
-    return std::any_of(t->vars().begin(), t->vars().end(), [this](term_ptr entry) {
-      const term_list bound = entry_bound_variables(entry);
-      return std::any_of(bound.begin(), bound.end(), [this](term_ptr b) { return is_replaced(b); });
-    });
+    const binding b(t);
+    return b.touches_names() && b.catches(r_.from);
   }
 
   term_ptr walk_application(term_ptr t) {

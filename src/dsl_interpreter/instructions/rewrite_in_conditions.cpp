@@ -5,17 +5,17 @@
 #include <algorithm>
 #include <functional>
 
-#include "dsl_interpreter/dsl_instantiate.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/number_reading.h"
-#include "term/bound_variables.h"
 #include "term/compare.h"
 #include "term/number_set.h"
 #include "term/pattern_match.h"
 #include "term/relation.h"
+#include "term/substitute/instantiate.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
+#include "term/variables/free_names.h"
 
 namespace vetro {
 namespace {

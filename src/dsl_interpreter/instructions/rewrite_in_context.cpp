@@ -5,9 +5,8 @@
 #include <utility>
 
 #include "lib/application.h"
-#include "term/bound_variables.h"
-#include "term/index_variables.h"
 #include "term/term_split_combine.h"
+#include "term/variables/binding.h"
 #include "term/variables/views.h"
 
 namespace vetro {
@@ -17,8 +16,8 @@ bool is_plain(term_ptr t) { return is_var(t) && !t->has_meta(); }
 
 // True when the node binds this variable and no other.
 bool binds_only(term_ptr var, term_ptr t) {
-  const term_list bound = bound_here(t);
-  return bound.size() == 1 && bound.front()->bare() == var->bare();
+  const binding b(t);
+  return b.indices().size() == 1 && b.binds(var) && !b.guards_any();
 }
 
 // Operators and predicates below which nothing is rewritten.
@@ -42,21 +41,6 @@ constexpr kind_range closed_kinds[] = {
 bool is_closed_kind(int head) {
   return std::any_of(std::begin(closed_kinds), std::end(closed_kinds),
                      [head](const kind_range& range) { return range.first <= head && head <= range.last; });
-}
-
-// Equal functions have equal derivatives, but an equation between values says nothing about the derivative of one:
-// f''(a) is a function's value, (a^2)' is not a matter of the value of a.
-bool differentiates_expression(const application& app) {
-  const int head = app.head_number();
-  if ((head != SingleDeri && (head < NthDeri || FunDeri < head)) || app.count == 0) {
-    return false;
-  }
-  const term_ptr operand = app.args[0];
-  if (!is_apply(operand)) {
-    return !is_plain(operand);
-  }
-  const application inner = application_of(operand);
-  return inner.head_number() != SingleDeri || inner.count != 1 || differentiates_expression(inner);
 }
 
 }  // namespace
@@ -86,11 +70,14 @@ std::optional<sum_context> sum_context_of(term_ptr t) {
 
 std::optional<set_context> set_context_of(term_ptr t) {
   const auto view = set_description_of(t);
-  const term_list bound = view ? bound_here(t) : term_list{};
-  if (bound.size() != 1 || !is_plain(bound.front())) {
+  if (!view) {
     return std::nullopt;
   }
-  return set_context{bound.front(), view->element, {view->conditions.begin(), view->conditions.end()}};
+  const binding b(t);
+  if (b.indices().size() != 1) {
+    return std::nullopt;
+  }
+  return set_context{b.indices().front(), view->element, {view->conditions.begin(), view->conditions.end()}};
 }
 
 bool is_sum_operator_term(term_ptr t) {
@@ -102,10 +89,9 @@ bool is_setdesc_operator_term(term_ptr t) { return application_of(t).head_number
 
 bool is_closed_to_rewriting(term_ptr t) {
   if (t->type() != Apply) {
-    return !t->binders().empty();
+    return false;
   }
-  const application app = application_of(t);
-  if (!t->binders().empty() || is_closed_kind(app.head_number()) || differentiates_expression(app)) {
+  if (is_closed_kind(t->head()) || protects(t)) {
     return true;
   }
   if (!t->has(fact_ellipsis)) {

@@ -3,13 +3,14 @@
 
 #include <algorithm>
 
-#include "dsl_interpreter/dsl_instantiate.h"
-#include "dsl_interpreter/dsl_reread.h"
 #include "dsl_interpreter/instructions/rewrite_in_context.h"
 #include "dsl_interpreter/instructions/single_value.h"
+#include "lib/interval_reading.h"
 #include "lib/semantic_term.h"
-#include "term/bound_variables.h"
 #include "term/compare.h"
+#include "term/substitute/instantiate.h"
+#include "term/variables/binding.h"
+#include "term/variables/free_names.h"
 
 namespace vetro {
 namespace {
@@ -107,7 +108,8 @@ class instance_collector {
       return false;
     }
     const std::size_t before = local_binders_.size();
-    local_binders_.insert(local_binders_.end(), actual->binders().begin(), actual->binders().end());
+    const term_list names = touched_names(actual);
+    local_binders_.insert(local_binders_.end(), names.begin(), names.end());
     const bool fits = all_parts(pattern, actual, [this](term_ptr a, term_ptr b) { return collect(a, b); });
     local_binders_.resize(before);
     return fits;
@@ -137,7 +139,7 @@ class instance_collector {
 class instance_search {
  public:
   instance_search(const rewrite_sides& pattern, term_ptr qvar, instance_evidence evidence)
-      : pattern_(pattern), qvar_(qvar), evidence_(evidence), occurrences_(qvar, true) {}
+      : pattern_(pattern), qvar_(qvar), evidence_(evidence), occurrences_(qvar, free_occurrences::in_scopes::yes) {}
 
   term_ptr find(term_ptr from, term_ptr to) {
     if (from == nullptr || to == nullptr) {

@@ -4,7 +4,6 @@
 #include <algorithm>
 #include <string>
 
-#include "dsl_interpreter/dsl_instantiate.h"
 #include "term/state.h"
 #include "term/substitute.h"
 

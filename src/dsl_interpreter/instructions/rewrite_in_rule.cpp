@@ -3,10 +3,11 @@
 
 #include <algorithm>
 
-#include "dsl_interpreter/dsl_instantiate.h"
 #include "dsl_interpreter/instructions/single_value.h"
-#include "term/bound_variables.h"
+#include "term/substitute/instantiate.h"
 #include "term/term_split_combine.h"
+#include "term/variables/entries.h"
+#include "term/variables/free_names.h"
 
 namespace vetro {
 namespace {

@@ -38,6 +38,7 @@
 #include "term/ast.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
+#include "term/variables/binding.h"
 #include "term/whole_parts.h"
 
 namespace vetro {
@@ -173,7 +174,8 @@ class expression_reader {
     const term_ptr parts[] = {t->left(), t->right()};
     const bool special = is_special(t);
     const value application = read_compound(compound_kind::application, parts, special);
-    return t->binders().empty() ? application : read_binding(application, t->binders(), special);
+    const term_list names = touched_names(t);
+    return names.empty() ? application : read_binding(application, names, special);
   }
 
   // Calculation may take a variable out of an index part, and what the operator binds must not change by that:
@@ -200,7 +202,7 @@ class expression_reader {
   // The operators that are computed, with their operands (t2 is null for Neg). A node that binds variables is no
   // arithmetic, whatever its head, and neither is a derivative that is written as a quotient.
   static std::optional<composed_term> arithmetic_view(term_ptr t) {
-    const auto view = t->binders().empty() && !is_dotted_list(t) ? composed_term_split(t) : std::nullopt;
+    const auto view = binding_row_of(t) == nullptr && !is_dotted_list(t) ? composed_term_split(t) : std::nullopt;
     if (!view || (view->oper == Neg) != (view->t2 == nullptr)) {
       return std::nullopt;
     }

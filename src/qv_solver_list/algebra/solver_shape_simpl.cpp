@@ -5,20 +5,22 @@
 #include "qv_solver_list/algebra/solver_shape_simpl.h"
 
 #include <algorithm>
+#include <array>
 #include <unordered_map>
 #include <unordered_set>
 #include <utility>
 
 #include "lib/semantic_term.h"
+#include "qv_solver_list/algebra/expression_reader.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/solvers.h"
-#include "term/bound_variables.h"
 #include "term/compare.h"
-#include "term/free_variable.h"
 #include "term/report.h"
-#include "term/substitute.h"
+#include "term/substitute/fresh.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
+#include "term/variables/binding.h"
+#include "term/variables/entries.h"
 
 namespace vetro {
 namespace {
@@ -51,8 +53,9 @@ bool is_whole(term_ptr t) {
 }
 
 bool mentions(term_ptr t, term_ptr var) {
-  return any_subterm(t, walk_children | walk_scope | walk_binders,
-                     [var](term_ptr node) { return term_eqb_pure(node, var); });
+  return is_var(var)
+             ? name_occurs(var->name(), t)
+             : any_subterm(t, walk_children | walk_scope, [var](term_ptr node) { return node->bare() == var->bare(); });
 }
 
 // True when a pair from position `first` on holds one of the variables.
@@ -63,21 +66,49 @@ bool pairs_mention(const term_pair_acc& acc, std::size_t first, term_span vars) 
   });
 }
 
-term_list quantifier_binds(term_ptr quantified) {
-  term_list bound;
-  for (term_ptr entry : quantified->vars()) {
-    const term_list of_entry = entry_bound_variables(entry);
-    bound.insert(bound.end(), of_entry.begin(), of_entry.end());
-  }
-  return bound;
+bool same_scope(term_ptr a, term_ptr b) {
+  return a->scope() == b->scope() ||
+         (a->scope() != nullptr && b->scope() != nullptr && term_eqb(a->scope(), b->scope()));
 }
 
 void collect_mismatch_frontier(term_ptr t1, term_ptr t2, term_pair_acc& acc);
+
+// Opens a pair of nodes that bind or guard names at the one part in which they differ. A pair from inside that holds
+// one of the names says nothing outside of the node.
+void open_binding_pair(term_ptr t1, const binding& b1, term_ptr t2, const binding& b2, term_pair_acc& acc) {
+  std::size_t differing = 0;
+  term_pair part{nullptr, nullptr};
+  bool part_is_inside = false;
+  const bool cut_alike = all_parts_in_step(t1, b1, t2, b2, [&](term_ptr x, term_ptr y, bool is_inside) {
+    if (!term_eqb(x, y)) {
+      ++differing;
+      part = {x, y};
+      part_is_inside = is_inside;
+    }
+    return differing < 2;
+  });
+  if (!cut_alike || differing != 1) {
+    return;
+  }
+  const std::size_t before = acc.size();
+  collect_mismatch_frontier(part.a, part.b, acc);
+  if (part_is_inside && pairs_mention(acc, before, touched_names(t1))) {
+    acc.resize(before);
+  }
+}
 
 // Opens the pair one level where its shape allows; adds nothing otherwise.
 void open_pair(term_ptr t1, term_ptr t2, term_pair_acc& acc) {
   switch (t1->type()) {
     case Apply: {
+      const binding b1(t1);
+      const binding b2(t2);
+      if (b1.row() != nullptr || b2.row() != nullptr) {
+        if (same_reading(b1, b2)) {
+          open_binding_pair(t1, b1, t2, b2, acc);
+        }
+        return;
+      }
       const bool left_equal = term_eqb(t1->left(), t2->left());
       const bool right_equal = term_eqb(t1->right(), t2->right());
       if (left_equal != right_equal) {
@@ -87,7 +118,11 @@ void open_pair(term_ptr t1, term_ptr t2, term_pair_acc& acc) {
     }
     case Quant:
       if (t1->quant() == t2->quant() && term_list_eqb_pure(t1->vars(), t2->vars())) {
+        const std::size_t before = acc.size();
         collect_mismatch_frontier(t1->body(), t2->body(), acc);
+        if (pairs_mention(acc, before, entry_names(t1))) {
+          acc.resize(before);
+        }
       }
       return;
     case TermList:
@@ -102,47 +137,35 @@ void open_pair(term_ptr t1, term_ptr t2, term_pair_acc& acc) {
   }
 }
 
-// Adds the innermost pairs at which the terms differ. A pair that holds a variable bound on the way says nothing
-// outside of the binder, so the binding node then stays whole.
+// Adds the innermost pairs at which the terms differ; the pair itself where it is not opened.
 void collect_mismatch_frontier(term_ptr t1, term_ptr t2, term_pair_acc& acc) {
   if (term_eqb(t1, t2)) {
     return;
   }
-  if (t1->type() != t2->type() || is_whole(t1) || is_whole(t2) || !term_list_eqb_pure(t1->binders(), t2->binders())) {
-    acc.push_back({t1, t2});
-    return;
-  }
   const std::size_t before = acc.size();
-  open_pair(t1, t2, acc);
-  const term_list bound = t1->type() == Quant ? quantifier_binds(t1) : t1->binders();
-  if (acc.size() == before || pairs_mention(acc, before, bound)) {
-    acc.resize(before);
+  if (t1->type() == t2->type() && !is_whole(t1) && !is_whole(t2) && same_scope(t1, t2)) {
+    open_pair(t1, t2, acc);
+  }
+  if (acc.size() == before) {
     acc.push_back({t1, t2});
   }
 }
 
 // ---- Checked subterm rewriting.
 
-// The variables of a rule side: indexed names as one variable, and every name inside, the index too.
-term_list rule_variables(term_ptr t) {
-  term_list vars = term_free_variable(t);
-  const term_list plain = plain_free_variables(t);
-  vars.insert(vars.end(), plain.begin(), plain.end());
-  term_list_dedup(vars);
-  return vars;
-}
-
 class rewrite_check {
  public:
-  rewrite_check(term_ptr src, term_ptr dest) : src_(src), dest_(dest), rule_vars_(rule_variables(src)) {
-    const term_list of_dest = rule_variables(dest);
+  rewrite_check(term_ptr src, term_ptr dest) : src_(src), dest_(dest), rule_vars_(plain_free_variables(src)) {
+    const term_list of_dest = plain_free_variables(dest);
     rule_vars_.insert(rule_vars_.end(), of_dest.begin(), of_dest.end());
+    term_list_dedup(rule_vars_);
   }
 
   std::size_t hits() const { return hits_; }
   void reset_hits() { hits_ = 0; }
 
-  // Equality that looks through arithmetic at every level.
+  // Equality that looks through arithmetic at every level, but for set descriptions that depend on where their parts
+  // are defined: these are compared as they are written.
   bool equal(term_ptr left, term_ptr right) {
     if (left == right) {
       return left != nullptr;
@@ -150,12 +173,14 @@ class rewrite_check {
     if (left == nullptr || right == nullptr) {
       return false;
     }
-    const auto found = equal_.find({left, right});
-    if (found != equal_.end()) {
+    auto& known = equal_[as_written_ ? 1 : 0];
+    const auto found = known.find({left, right});
+    if (found != known.end()) {
       return found->second;
     }
-    const bool answer = comparisons_.equal(left, right) || equal_by_parts(left, right);
-    equal_.emplace(std::pair{left, right}, answer);
+    const bool answer =
+        (as_written_ ? term_eqb(left, right) : comparisons_.equal(left, right)) || equal_by_parts(left, right);
+    known.emplace(std::pair{left, right}, answer);
     return answer;
   }
 
@@ -179,8 +204,7 @@ class rewrite_check {
       ++hits_;
       return true;
     }
-    if (from == nullptr || to == nullptr || from->type() != to->type() || is_whole(from) || !same_scope(from, to) ||
-        crosses_implicit(from, to)) {
+    if (from == nullptr || to == nullptr || from->type() != to->type() || is_whole(from) || !same_scope(from, to)) {
       return equal(from, to);
     }
     return parts_match(from, to) || equal(from, to);
@@ -201,15 +225,12 @@ class rewrite_check {
     if (equal(from, to)) {
       return from;
     }
-    if (from->type() != to->type() || is_whole(from) || !same_scope(from, to) || crosses_implicit(from, to)) {
+    if (from->type() != to->type() || is_whole(from) || !same_scope(from, to)) {
       return nullptr;
     }
     switch (from->type()) {
-      case Apply: {
-        term_ptr left = candidate(from->left(), to->left());
-        term_ptr right = left == nullptr ? nullptr : candidate(from->right(), to->right());
-        return right == nullptr ? nullptr : with_meta(mk_apply(left, right), from->meta());
-      }
+      case Apply:
+        return candidate_of_application(from, to);
       case Quant: {
         if (!same_quantifier(from, to) || crosses_quantifier(from)) {
           return nullptr;
@@ -246,20 +267,22 @@ class rewrite_check {
     return a->quant() == b->quant() && term_list_eqb_pure(a->vars(), b->vars());
   }
 
-  static bool same_scope(term_ptr a, term_ptr b) {
-    return a->scope() == b->scope() ||
-           (a->scope() != nullptr && b->scope() != nullptr && term_eqb(a->scope(), b->scope()));
-  }
-
-  // A sum over i that stands under forall (c) may look like one outside that binds c, too.
   bool equal_by_parts(term_ptr left, term_ptr right) {
-    if (left->type() != right->type() || is_whole(left) || is_whole(right) ||
-        !term_list_eqb_pure(left->binders(), right->binders()) || !same_scope(left, right)) {
+    if (left->type() != right->type() || is_whole(left) || is_whole(right) || !same_scope(left, right)) {
       return false;
     }
     switch (left->type()) {
-      case Apply:
-        return equal(left->left(), right->left()) && equal(left->right(), right->right());
+      case Apply: {
+        const binding of_left(left);
+        const binding of_right(right);
+        if (of_left.row() == nullptr && of_right.row() == nullptr) {
+          return equal(left->left(), right->left()) && equal(left->right(), right->right());
+        }
+        return same_reading(of_left, of_right) && at_parts_of(left, right, [&] {
+                 return all_parts_in_step(left, of_left, right, of_right,
+                                          [this](term_ptr a, term_ptr b, bool) { return equal(a, b); });
+               });
+      }
       case Quant:
         return same_quantifier(left, right) && equal(left->body(), right->body());
       case TermList:
@@ -270,10 +293,39 @@ class rewrite_check {
     }
   }
 
+  // Inside of set descriptions whose meaning depends on where their parts are defined no arithmetic is looked through.
+  template <class F>
+  bool at_parts_of(term_ptr a, term_ptr b, F&& f) {
+    const bool outside = as_written_;
+    as_written_ = outside || depends_on_domain(a) || depends_on_domain(b);
+    const bool result = f();
+    as_written_ = outside;
+    return result;
+  }
+
+  // Nodes that bind or guard names: a rule that speaks of one of these does not reach inside.
+  bool binding_parts_match(term_ptr from, const binding& of_from, term_ptr to, const binding& of_to) {
+    if (!same_reading(of_from, of_to)) {
+      return false;
+    }
+    const bool stops = crosses(of_from);
+    return at_parts_of(from, to, [&] {
+      return all_parts_in_step(from, of_from, to, of_to, [&](term_ptr a, term_ptr b, bool is_inside) {
+        return is_inside && stops ? equal(a, b) : matches(a, b);
+      });
+    });
+  }
+
   bool parts_match(term_ptr from, term_ptr to) {
     switch (from->type()) {
-      case Apply:
+      case Apply: {
+        const binding of_from(from);
+        const binding of_to(to);
+        if (of_from.row() != nullptr || of_to.row() != nullptr) {
+          return binding_parts_match(from, of_from, to, of_to);
+        }
         return matches(from->left(), to->left()) && matches(from->right(), to->right());
+      }
       case Quant:
         return same_quantifier(from, to) && !crosses_quantifier(from) && matches(from->body(), to->body());
       case TermList:
@@ -284,25 +336,54 @@ class rewrite_check {
     }
   }
 
-  bool crosses_quantifier(term_ptr quantified) const {
-    return term_list_overlaps(quantifier_binds(quantified), rule_vars_) ||
-           term_list_overlaps(quantified->vars(), rule_vars_);
+  term_ptr candidate_of_application(term_ptr from, term_ptr to) {
+    const binding of_from(from);
+    const binding of_to(to);
+    if (of_from.row() == nullptr && of_to.row() == nullptr) {
+      term_ptr left = candidate(from->left(), to->left());
+      term_ptr right = left == nullptr ? nullptr : candidate(from->right(), to->right());
+      return right == nullptr ? nullptr : with_meta(mk_apply(left, right), from->meta());
+    }
+    if (!same_reading(of_from, of_to)) {
+      return nullptr;
+    }
+    // The parts in step first, then the node with them in their places.
+    const bool stops = crosses(of_from);
+    term_list parts;
+    const bool fits = at_parts_of(from, to, [&] {
+      return all_parts_in_step(from, of_from, to, of_to, [&](term_ptr a, term_ptr b, bool is_inside) {
+        parts.push_back(!is_inside || !stops ? candidate(a, b) : (equal(a, b) ? a : nullptr));
+        return parts.back() != nullptr;
+      });
+    });
+    if (!fits) {
+      return nullptr;
+    }
+    std::size_t next = 0;
+    const term_ptr content = map_parts(from, of_from, [&](term_ptr, bool) { return parts[next++]; });
+    return content == from ? from : with_meta(content, from->meta());
   }
 
-  bool crosses_implicit(term_ptr from, term_ptr to) const {
-    if (from->binders().empty() && to->binders().empty()) {
-      return false;
-    }
-    return !term_list_eqb_pure(from->binders(), to->binders()) || term_list_overlaps(from->binders(), rule_vars_);
+  bool crosses_quantifier(term_ptr quantified) const {
+    const term_list names = entry_names(quantified);
+    return std::any_of(names.begin(), names.end(), [this](term_ptr name) {
+      return std::any_of(rule_vars_.begin(), rule_vars_.end(), [name](term_ptr var) { return mentions(name, var); });
+    });
+  }
+
+  bool crosses(const binding& b) const {
+    return b.touches_names() &&
+           std::any_of(rule_vars_.begin(), rule_vars_.end(), [&b](term_ptr var) { return b.catches(var); });
   }
 
   term_ptr src_;
   term_ptr dest_;
   term_list rule_vars_;
   std::size_t hits_ = 0;
+  bool as_written_ = false;
   std::unordered_set<term_ptr> asked_;
   poly_rat_comparisons comparisons_;
-  std::unordered_map<std::pair<term_ptr, term_ptr>, bool, pair_hash> equal_;
+  std::array<std::unordered_map<std::pair<term_ptr, term_ptr>, bool, pair_hash>, 2> equal_;  // by as_written_
 };
 
 // For a new form that equals the replacement only as a whole: builds the replacement and compares.

@@ -9,10 +9,12 @@
 #include <unordered_map>
 
 #include "number/limits.h"
-#include "term/bound_variables.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
+#include "term/variables/binding.h"
+#include "term/variables/entries.h"
+#include "term/variables/free_names.h"
 #include "term/walk_tools.h"
 #include "term/whole_parts.h"
 
@@ -66,7 +68,7 @@ class assumption_views {
   const std::vector<bool>& mentions(term_ptr name) {
     auto [slot, added] = mentions_.try_emplace(name);
     if (added) {
-      free_occurrences occurrences(name, true);
+      free_occurrences occurrences(name, free_occurrences::in_scopes::yes);
       for (term_ptr assumption : all().sdata->assum) {
         slot->second.push_back(assumption != nullptr && occurrences.in(assumption));
       }
@@ -250,15 +252,9 @@ class function_evaluator::walk {
   }
 
   visible_assumptions& below(term_ptr t, visible_assumptions& view) {
-    if (t->type() != Quant && t->type() != Lambda) {
-      return t->binders().empty() ? view : views_.below(view, t->binders());
-    }
-    term_list names = t->binders();
-    for (term_ptr entry : t->vars()) {
-      const term_list bound = entry_bound_variables(entry);
-      names.insert(names.end(), bound.begin(), bound.end());
-    }
-    return views_.below(view, names);
+    const bool has_entries = t->type() == Quant || t->type() == Lambda;
+    const term_list names = has_entries ? entry_names(t) : touched_names(t);
+    return names.empty() ? view : views_.below(view, names);
   }
 
   // A left spine is worked off from its head outwards, so that a long one costs no depth.
@@ -305,7 +301,11 @@ class function_evaluator::walk {
   static void apply(position& current, term_ptr node, term_ptr right, term_ptr scope) {
     const bool unchanged = current.whole == node->left() && right == node->right() && scope == node->scope();
     current.whole =
-        unchanged ? node : with_meta(mk_apply(current.whole, right), {node->binders(), scope, node->meta().soft});
+        unchanged
+            ? node
+            : with_meta(
+                  mk_apply(current.whole, right),
+                  {.binders = node->binders(), .scope = scope, .soft = node->meta().soft, .guarded = node->guarded()});
     current.args.push_back(right);
   }
 

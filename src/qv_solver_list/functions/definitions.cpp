@@ -6,7 +6,7 @@
 #include <unordered_set>
 
 #include "qv_solver_list/functions/conditions.h"
-#include "term/bound_variables.h"
+#include "term/variables/free_names.h"
 #include "term/reserved.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"

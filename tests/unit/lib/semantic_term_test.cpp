@@ -43,11 +43,13 @@ void list_binders(std::string& out, term_ptr t) {
   if (t == nullptr) {
     return;
   }
-  if (!t->binders().empty()) {
+  if (!t->binders().empty() || !t->guarded().empty()) {
     out += out.empty() ? "" : "; ";
     print_term_internal(out, spine_of(t).head);
     out += ": ";
     print_term_list_internal(out, t->binders());
+    out += t->guarded().empty() ? "" : " guards ";
+    print_term_list_internal(out, t->guarded());
   }
   if (t->type() == Lambda || t->type() == Quant || t->type() == FreeVarTag) {
     for (term_ptr entry : t->vars()) {
@@ -67,7 +69,7 @@ void list_binders(std::string& out, term_ptr t) {
   list_binders(out, t->scope());
 }
 
-// The nodes that bind, outermost first and in text order: head, then what it binds.
+// The nodes with a record, outermost first and in text order: head, what it binds, what it guards.
 std::string binders(term_ptr t) {
   std::string out;
   list_binders(out, t);
@@ -169,18 +171,27 @@ TEST_F(semantic_term, set_builders_get_one_form) {
 TEST_F(semantic_term, binders_of_each_operator) {
   const text_row rows[] = {
       {"sum_{i = 1}^{n}(i) = 0", "BigSumSup: i"},
-      {"sum_{i = k}^{n}(i) = 0", "BigSumSup: i, k"},
-      {"prod_{i ∈ S}(i) = 0", "BigProd: i, S"},
+      {"sum_{i = k}^{n}(i) = 0", "BigSumSup: i"},
+      {"prod_{i ∈ S}(i) = 0", "BigProd: i"},
       {"union_{i = 1}^{n}(A_i) = B", "BigUnionSup: i"},
       {"inter_{i ∈ NatPlus}(A_i) = B", "BigInter: i"},
-      {"sum_{a_n = 1}^{3}(a_n) = 0", "BigSumSup: Index(a, n)"},
+      {"sum_{a_n = 1}^{3}(a_n) = 0", "BigSumSup:  guards a, n"},
+      {"sum_{i < n}(i) = 0", "BigSum:  guards i, n"},
+      {"sum_{1 ≤ i < j ≤ n}(i) = 0", "BigSum:  guards i, j, n"},
+      {"sum_{m ≤ i ≤ n}(i) = 0", "BigSum:  guards m, i, n"},
+      {"sum_{i mod 2 = 1}(i) = 0", "BigSum: i"},
+      {"sum_{i ∈ S ∧ i ≠ k}(i) = 0", "BigSum: i guards k"},
+      {"sum_{i ∈ S ∧ j = i}(i) = 0", "BigSum:  guards i, S, j"},
+      {"lim_{(x, y) → (0, 0)}(x) = 0", "Lim: x, y"},
+      {"lim_{|x - a| → 0}(x) = 0", "Lim:  guards x, a"},
+      {"int(x * diff(c * x)) = 0", "IndefInt:  guards c, x"},
       {"int(f(x) * diff(x)) = 0", "IndefInt: x"},
       {"int(diff(x) * diff(x)) = 0", "IndefInt: x"},
       {"int_{0}^{x}(f(t) * diff(t)) = 0", "DefInt: t"},
-      {"int_{0}^{1}(int_{0}^{y}(f(x, y) * diff(x)) * diff(y)) = 0", "DefInt: x, y; DefInt: x"},
+      {"int_{0}^{1}(int_{0}^{y}(f(x, y) * diff(x)) * diff(y)) = 0", "DefInt: y; DefInt: x"},
       {"int_{int(diff(u))}^{1}(diff(t)) = 0", "DefInt: t; IndefInt: u"},
       {"VolumeInt(D, pdiff(x) * diff(y)) = 0", "VolumeInt: x, y"},
-      {"int(diff(diff(x))) = 0", "IndefInt: diff(x)"},
+      {"int(diff(diff(x))) = 0", "IndefInt: x"},
       {"lim_{x → a}(f(x)) = 0", "Lim: x"},
       {"seqlimsup_{n → ∞}(a_n) = 0", "SeqLimSup: n"},
       {"AsymEquiv(x, 0, f(x), g(x))", "AsymEquiv: x"},
@@ -191,9 +202,14 @@ TEST_F(semantic_term, binders_of_each_operator) {
       {"A = { x + y | x > 0 }", "SetDesc: x"},
       {"A = { y + x | x > 0, y > z }", "SetDesc: y, x"},
       {"A = { x | x ∈ { y | y > x } }", "SetDesc: x; SetDesc: y"},
+      {"A = { n | a_n > 0 }", "SetDesc: n"},
+      {"A = { f(x) | f(x) > 0, x > 0 }", "SetDesc: x"},
       {"f(x) = bigO_{ x → 0 } (x)", "Eq: x"},
-      {"f = bigO_{ x → 0 } (x) + littleo_{ y → 0^+ } (bigO_{ z → 0 } (x))", "Eq: x, z, y"},
-      {"f < bigO_{ x → 0 } (x)", ""},
+      {"f = bigO_{ x → 0 } (x) + littleo_{ y → 0^+ } (bigO_{ z → 0 } (x))", "Eq: x, y, z"},
+      {"f < bigO_{ x → 0 } (x)", "Lt: x"},
+      {"f = bigO_{ x → x } (x)", "Eq:  guards x"},
+      {"f = (fun x . bigO_{ x → 0 } (x))", ""},
+      {"(x^2)' = 0", ""},
       {"BigSum(i) = BigSumSup(i, n)", ""},
       {"sin(x) = Plus(x, y)", ""},
   };
@@ -206,7 +222,11 @@ TEST_F(semantic_term, variables_bound_from_outside_are_no_binders) {
   EXPECT_EQ(binders(prepared("forall (k), sum_{i = k}^{n}(i) = 0")), "BigSumSup: i");
   EXPECT_EQ(binders(prepared("forall (k), sum_{k = 1}^{n}(k) = 0")), "BigSumSup: k") << "all of them, if none is left";
   EXPECT_EQ(binders(prepared("forall (k ∈ S), sum_{i ∈ S}(k) = 0")), "BigSum: i") << "S counts as bound, too";
-  EXPECT_EQ(binders(prepared("(forall (k), k = 1) ∧ sum_{i = k}^{n}(i) = 0")), "BigSumSup: i, k");
+  EXPECT_EQ(binders(prepared("forall (n), sum_{i < n}(i) = 0")), "BigSum: i");
+  EXPECT_EQ(binders(prepared("(forall (n), n = 1) ∧ sum_{i < n}(i) = 0")), "BigSum:  guards i, n");
+  EXPECT_EQ(binders(prepared("forall (c), (c * x)' = c")), "SingleDeri:  guards x");
+  EXPECT_EQ(binders(prepared("forall (c)(x), (c * x)' = c")), "") << "all names of the operand";
+  EXPECT_EQ(binders(prepared("sum_{k = 1}^{n}(sum_{i < k}(i)) = 0")), "BigSumSup: k; BigSum: i");
   EXPECT_EQ(binders(prepared("forall (a_n), sum_{a_n = i}^{3}(i) = 0")), "BigSumSup: i");
   EXPECT_EQ(binders(prepared("forall (k), A = { k + x | k = x }")), "SetDesc: x");
   EXPECT_EQ(binders(prepared("forall (k), exists (k), forall (i), sum_{j = i + k}^{n}(j) = 0")), "BigSumSup: j");
@@ -228,14 +248,12 @@ TEST_F(semantic_term, preparing_again_changes_nothing) {
   }
 }
 
-TEST_F(semantic_term, a_term_from_its_parts_is_brought_up_to_date) {
-  term_ptr under = prepared("forall (i), sum_{j = i}^{n}(j) = 0")->body();
-  EXPECT_EQ(binders(under), "BigSumSup: j");
-  EXPECT_EQ(copy_term_with_binders(under), prepared("sum_{j = i}^{n}(j) = 0"));
-  EXPECT_EQ(binders(copy_term_with_binders(under)), "BigSumSup: j, i");
-  // Binders that are there stay, behind those that are found.
-  term_ptr bound = with_binders(prepared("lim_{x → 0}(y)")->bare(), {var("y"), var("x"), var("y")});
-  EXPECT_EQ(binders(copy_term_with_binders(bound)), "Lim: x, y");
+// What was decided under a binder holds when the term is taken out of it.
+TEST_F(semantic_term, a_record_stays) {
+  term_ptr under = prepared("forall (c), { c * x | x > 0, x < c } = S")->body();
+  EXPECT_EQ(binders(under), "SetDesc: x");
+  EXPECT_EQ(copy_term_with_binders(under), under);
+  EXPECT_EQ(binders(prepared("{ c * x | x > 0, x < c } = S")), "SetDesc: c, x");
 }
 
 TEST_F(semantic_term, null_gives_null) {
@@ -337,7 +355,7 @@ TEST_F(semantic_term, deep_nesting_over_the_imaginary_unit_is_linear) {
   }
   EXPECT_EQ(parsed_static_analyze_term(in_body), expected);
   EXPECT_EQ(parsed_static_analyze_term(in_bound)->name_mask(), var("i")->name_mask());
-  EXPECT_EQ(term_free_variable(parsed_static_analyze_term(under_functions)), term_list{var("i")});
+  EXPECT_EQ(parsed_static_analyze_term(under_functions)->name_mask(), var("i")->name_mask() | var("x")->name_mask());
 }
 
 // A binder with the name of the index moves out of the way, as in any substitution; one over the unit itself stops it.
@@ -348,23 +366,22 @@ TEST_F(semantic_term, the_index_of_the_imaginary_unit_is_not_captured) {
             "Lim(i, 0, f(forall (__IMAGINARY_UNIT__), (Gt(__IMAGINARY_UNIT__, 0))))");
 }
 
-// Each level lists what all levels inside bind. Below the budget that is done; beyond it the formula is refused.
-TEST_F(semantic_term, binders_of_nested_integrals_have_a_budget) {
-  const auto nested_integrals = [](int depth) {
-    term_ptr t = num(1);
+// Each level of a tower may guard what all levels inside speak of. Below the budget that is recorded; beyond it the
+// formula is refused.
+TEST_F(semantic_term, records_have_a_budget) {
+  const auto nested_derivatives = [](int depth) {
+    term_ptr t = var("c");
     for (int i = 0; i < depth; ++i) {
-      t = app(IndefInt, {app(Mult, {t, app(D, {var("x" + std::to_string(i))})})});
+      t = app(SingleDeri, {app(Plus, {t, var("x" + std::to_string(i))})});
     }
-    return t;
+    return quant(Forall, {var("c")}, app(Eq, {t, num(0)}));
   };
-  term_ptr inside = normalize_parsed_term(nested_integrals(1'000));
+  term_ptr inside = normalize_parsed_term(nested_derivatives(1'000));
   ASSERT_NE(inside, nullptr);
-  EXPECT_EQ(inside->binders().size(), 1'000U);
-  EXPECT_EQ(copy_term_with_binders(inside), inside);
+  EXPECT_EQ(inside->body()->left()->right()->guarded().size(), 1'000U);
   testing::internal::CaptureStderr();
-  EXPECT_EQ(normalize_parsed_term(nested_integrals(3'000)), nullptr);
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "Error: too many variables are bound by nested integrals or equations\n");
+  EXPECT_EQ(normalize_parsed_term(nested_derivatives(3'000)), nullptr);
+  EXPECT_EQ(testing::internal::GetCapturedStderr(), "Error: nested notations speak of too many variables\n");
 }
 
 // A term of forty nodes that is a tree of 2^40: shared subterms are prepared once.

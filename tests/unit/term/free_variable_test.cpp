@@ -1,11 +1,12 @@
 // Free variables with indexed names, order, bound lists and messages.
-#include "term/free_variable.h"
+#include "term/variables/free_variable.h"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
 #include "support/term_tools.h"
+#include "term/variables/free_names.h"
 
 namespace vetro {
 namespace {
@@ -90,24 +91,23 @@ TEST_F(free_variable_test, messages) {
             "Error: term_free_variable visiting NULL pointer\n" + empty + empty + empty);
 }
 
-// Long answers, of which only some are kept, and searches for one variable agree with the plain operation.
+// Long answers, of which only some are kept, and searches for one variable agree with the plain operations.
 TEST_F(free_variable_test, remembered_answers) {
-  free_variable_memo memo;
+  name_memo memo;
   term_ptr t = x;
   for (int i = 0; i < 300; ++i) {
     const term_ptr name = var("v" + std::to_string(i));
     const term_ptr body = plus(name, plus(a_n, t));
     t = i % 3 == 0 ? quant(Forall, {name}, app(Eq, {body, y})) : body;
-    EXPECT_EQ(memo.of(t), term_free_variable(t)) << i;
-    EXPECT_EQ(memo.has(t, name), i % 3 != 0) << i;
+    EXPECT_EQ(memo.beside_heads(t), free_names_beside_heads(t)) << i;
+    EXPECT_EQ(memo.occurs(name, t), i % 3 != 0) << i;
   }
   for (int again = 0; again < 2; ++again) {
-    EXPECT_TRUE(memo.has(t, x));
-    EXPECT_TRUE(memo.has(t, a_n));
-    EXPECT_FALSE(memo.has(t, a));
-    EXPECT_FALSE(memo.has(t, z));
-    EXPECT_FALSE(memo.has(quant(Forall, {x}, app(Eq, {t, y})), x));
-    EXPECT_TRUE(memo.has(plus(z, t), z));
+    EXPECT_TRUE(memo.occurs(x, t));
+    EXPECT_TRUE(memo.occurs(n, t));
+    EXPECT_FALSE(memo.occurs(z, t));
+    EXPECT_FALSE(memo.occurs(x, quant(Forall, {x}, app(Eq, {t, y}))));
+    EXPECT_TRUE(memo.occurs(z, plus(z, t)));
   }
 }
 

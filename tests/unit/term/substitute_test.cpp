@@ -166,10 +166,6 @@ TEST_F(substitute_test, plain_failures) {
     expected += "Error: subst_term visiting NULL pointer\n";
   }
   EXPECT_EQ(testing::internal::GetCapturedStderr(), expected);
-  testing::internal::CaptureStderr();
-  EXPECT_EQ(subst_term(x, app(Belong, {y, a}), forall({app(Belong, {y, a})}, x)), nullptr) << "no name to draw from";
-  EXPECT_EQ(testing::internal::GetCapturedStderr(),
-            "Error: fresh has invalid argument\nError: subst_term visiting NULL pointer\n");
 }
 
 // ---- Capture-avoiding substitution.
@@ -215,7 +211,7 @@ TEST_F(substitute_test, careful_walks_scopes) {
 
 TEST_F(substitute_test, ordinary_free_variables) {
   EXPECT_EQ(plain_free_variables(plus(app(Index, {a, n}), plus(b, a))), (term_list{a, n, b}));
-  EXPECT_EQ(plain_free_variables(forall({x, app(Belong, {y, a})}, list({x, y, z}))), (term_list{y, z}));
+  EXPECT_EQ(plain_free_variables(forall({x, app(Belong, {y, a})}, list({x, y, z}))), (term_list{a, z}));
   EXPECT_EQ(plain_free_variables(with_scope(lambda({x}, plus(x, y), z), x)), (term_list{z, y, x}));
   EXPECT_EQ(plain_free_variables(with_scope(sum(x, plus(x, y)), gt(x, a))), (term_list{n, y, a}));
   EXPECT_EQ(plain_free_variables(plus(forall({x}, x), x)), (term_list{x}));

@@ -522,12 +522,13 @@ TEST_F(poly_rat, fractions_with_great_denominators) {
                {"x / 9223372036854775807 + x / 9223372036854775806", "x / 9223372036854775805"}});
 }
 
-// A sum is read with other variables bound where a quantifier stands around it. Both print alike.
-TEST_F(poly_rat, what_a_sum_binds_belongs_to_it) {
+// A set is read with other variables bound where a quantifier stands around it. Both print alike.
+TEST_F(poly_rat, what_a_set_binds_belongs_to_it) {
   const auto body = [](std::string_view text) { return read(text)->body(); };
-  term_ptr under_k = body("forall (k), sum_{i = k}^{n}(i) + x = 0");
-  term_ptr nothing_around = read("0 = x + sum_{i = k}^{n}(i)");
-  EXPECT_TRUE(solver_context_poly_rat(body("forall (k), 0 = x + sum_{i = k}^{n}(i)"), solve_data{.assum = {under_k}}));
+  term_ptr under_k = body("forall (k), g({ i + k | i > k }) + x = 0");
+  term_ptr nothing_around = read("0 = x + g({ i + k | i > k })");
+  EXPECT_TRUE(
+      solver_context_poly_rat(body("forall (k), 0 = x + g({ i + k | i > k })"), solve_data{.assum = {under_k}}));
   EXPECT_FALSE(solver_context_poly_rat(nothing_around, solve_data{.assum = {under_k}}));
 }
 

@@ -1,11 +1,12 @@
 // Fresh names, and the search for a name in a term. The mask of names that every node carries answers most questions.
+#include "term/substitute/fresh.h"
+
 #include <algorithm>
 #include <string>
 #include <unordered_set>
 
 #include "term/report.h"
 #include "term/state.h"
-#include "term/substitute.h"
 #include "term/walk_tools.h"
 
 namespace vetro {

@@ -1,11 +1,15 @@
 // Beta normalisation. The left spine of an application is worked off from its head outwards, so that a long one costs
 // no depth and is not searched for its head again at every argument.
+#include "term/substitute/beta.h"
+
 #include <algorithm>
+#include <array>
 #include <unordered_map>
 
 #include "number/limits.h"
 #include "term/state.h"
-#include "term/substitute.h"
+#include "term/substitute/careful.h"
+#include "term/substitute/fresh.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
 
@@ -28,6 +32,19 @@ bool is_shadowed(term_span params, std::size_t i) {
                      [&](term_ptr later) { return later->bare() == params[i]->bare(); });
 }
 
+// A function that says where it is defined: a condition, or parameters that are no reals.
+bool has_domain(term_ptr lambda) {
+  return lambda->condition() != nullptr ||
+         std::any_of(lambda->var_types().begin(), lambda->var_types().end(),
+                     [](lambda_type_ptr type) { return type != make_lambda_real_type(); });
+}
+
+// A notation whose meaning depends on where its parts are defined.
+bool looks_at_domains(term_ptr head) {
+  return (head->type() == Oper && (head->oper() == Dom || head->oper() == SetDesc)) ||
+         (head->type() == Pred && head->pred() == Defined);
+}
+
 class beta_normalizer {
  public:
   term_ptr run(term_ptr t) {
@@ -40,8 +57,8 @@ class beta_normalizer {
     if (!t->has(fact_lambda)) {
       return t;
     }
-    const auto found = normal_.find(t);
-    if (found != normal_.end()) {
+    auto& known = normal_[domains_count_ ? 1 : 0];
+    if (const auto found = known.find(t); found != known.end()) {
       return found->second;
     }
     const int counter = state().fresh_counter;
@@ -52,9 +69,9 @@ class beta_normalizer {
     // A walk that drew names is not to be swallowed the next time; its result is normal and will draw none.
     if (!stuck_) {
       if (counter == state().fresh_counter) {
-        normal_.emplace(t, result);
+        known.emplace(t, result);
       }
-      normal_.emplace(result, result);
+      known.emplace(result, result);
     }
     return result;
   }
@@ -89,14 +106,18 @@ class beta_normalizer {
     if (head == nullptr) {
       return nullptr;
     }
+    const bool outside = domains_count_;
+    domains_count_ = outside || looks_at_domains(t);
     position current = at(head);
-    for (auto node = nodes.rbegin(); node != nodes.rend(); ++node) {
-      if (!apply_next(current, *node)) {
-        return nullptr;
-      }
+    bool complete = true;
+    for (auto node = nodes.rbegin(); complete && node != nodes.rend(); ++node) {
+      complete = apply_next(current, *node);
     }
-    return current.whole;
+    domains_count_ = outside;
+    return complete ? current.whole : nullptr;
   }
+
+  bool may_reduce(term_ptr lambda) const { return !domains_count_ || !has_domain(lambda); }
 
   // Applies current to the argument of node, and reduces where that makes a ready application.
   bool apply_next(position& current, term_ptr node) {
@@ -121,9 +142,12 @@ class beta_normalizer {
     if (scope == nullptr && node->scope() != nullptr) {
       return false;
     }
-    current.whole = left == node->left() && right == node->right() && scope == node->scope()
-                        ? node
-                        : with_meta(mk_apply(left, right), {node->binders(), scope, node->meta().soft});
+    current.whole =
+        left == node->left() && right == node->right() && scope == node->scope()
+            ? node
+            : with_meta(
+                  mk_apply(left, right),
+                  {.binders = node->binders(), .scope = scope, .soft = node->meta().soft, .guarded = node->guarded()});
     return true;
   }
 
@@ -131,7 +155,7 @@ class beta_normalizer {
   term_ptr reduce(position& current, term_ptr right) {
     if (current.head->type() == Lambda) {
       const std::size_t count = current.head->vars().size();
-      if (count == 0 || current.args.size() + 1 < count) {
+      if (count == 0 || current.args.size() + 1 < count || !may_reduce(current.head)) {
         return nullptr;
       }
       current.args.push_back(right);
@@ -144,7 +168,7 @@ class beta_normalizer {
     const term_ptr left = current.whole;
     if (right->type() != Lambda || left->type() != Apply || !is_arithmetic(left->left()) ||
         left->right()->type() != Lambda || left->right()->vars().size() != right->vars().size() ||
-        right->vars().empty()) {
+        right->vars().empty() || !may_reduce(left->right()) || !may_reduce(right)) {
       return nullptr;
     }
     return charged(pointwise(left->left()->oper(), left->right(), right));
@@ -178,7 +202,8 @@ class beta_normalizer {
     return result;
   }
 
-  std::unordered_map<term_ptr, term_ptr> normal_;
+  std::array<std::unordered_map<term_ptr, term_ptr>, 2> normal_;  // elsewhere; where domains count
+  bool domains_count_ = false;
   std::uint64_t work_ = 0;
   std::uint32_t reductions_ = 0;
   bool exhausted_ = false;

@@ -1,0 +1,12 @@
+// Pairs that static analysis would take for intervals.
+#pragma once
+
+#include "term/ast.h"
+
+namespace vetro {
+
+// True when static analysis, which made `analyzed` of t, read a pair in t as an open interval. In a formula that was
+// prepared before, only a pair that came in with a value can stand where a set is expected; that is a point.
+bool reads_pair_as_interval(term_ptr t, term_ptr analyzed);
+
+}  // namespace vetro
