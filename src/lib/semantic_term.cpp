@@ -11,8 +11,6 @@ term_ptr parse_semantic_term_from_str(std::string_view src, int verbose_debug, i
 
 term_ptr normalize_parsed_term(term_ptr raw) { return copy_term_with_binders(parsed_static_analyze_term(raw)); }
 
-term_ptr copy_term_with_binders(term_ptr t) {
-  return catch_binder_term(normalize_setdesc_for_catch_binder(t), {});
-}
+term_ptr copy_term_with_binders(term_ptr t) { return catch_binder_term(normalize_setdesc_for_catch_binder(t), {}); }
 
 }  // namespace vetro

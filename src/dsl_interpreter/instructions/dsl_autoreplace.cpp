@@ -55,15 +55,10 @@ bool take_source(const dsl_execute_data& data, const dsl_auto_replace& inst, ter
 }
 
 // The result in its place: what the analysis of the whole proposition makes of it. Null where a pair came to stand in
-// the place of a set, and where the text of a node binds other names than before, as that of { x + y | x > 1 - 1 } does
-// with 0 * y in the place of 1 - 1.
+// the place of a set.
 term_ptr autoreplace_prepare_contextual_result(term_ptr t) {
   const term_ptr analyzed = parsed_static_analyze_term(t);
-  if (analyzed == nullptr || reads_pair_as_interval(t, analyzed)) {
-    return nullptr;
-  }
-  const term_ptr prepared = dsl_prepare_term_for_rewrite(analyzed);
-  return prepared == analyzed ? prepared : nullptr;
+  return analyzed == nullptr || reads_pair_as_interval(t, analyzed) ? nullptr : dsl_prepare_term_for_rewrite(analyzed);
 }
 
 // The written new form against the old one, both with all occurrences replaced.

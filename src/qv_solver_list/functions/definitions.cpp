@@ -6,10 +6,10 @@
 #include <unordered_set>
 
 #include "qv_solver_list/functions/conditions.h"
-#include "term/variables/free_names.h"
 #include "term/reserved.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
+#include "term/variables/free_names.h"
 #include "term/whole_parts.h"
 
 namespace vetro {

@@ -50,7 +50,7 @@ TEST(AutoReplace, PlacesAndReasons) {
       {"1 + 1", "2", "sum_{i = 1 + 1}^{1 + 1}(i) = c", "sum_{i = 1 + 1}^{2}(i) = c", ""},
       {"1 + 1", "2", "sum_{i = 1 + 1}^{n}(i) = c", "sum_{i = 2}^{n}(i) = c", no_replacement},
       {"x", "x + 0", "forall (x), x > 0", "forall (x), x + 0 > 0", no_replacement},
-      {"1 - 1", "0 * y", "{ x + y | x > 1 - 1 } = A", "{ x + y | x > 0 * y } = A", no_result},
+      {"1 - 1", "0 * y", "{ x + y | x > 1 - 1 } = A", "{ x + y | x > 0 * y } = A", no_replacement},
       {"0 * y", "1 - 1", "{ x + y | x > 0 * y } = A", "{ x + y | x > 1 - 1 } = A", no_replacement},
       {"p", "(0, 1)", "x ∈ p", "x ∈ (0, 1)", no_result},
   };
