@@ -51,7 +51,8 @@ void* call_on_stack(void* argument) {
   stack_t alternate{};
   alternate.ss_sp = handler_stack.data();
   alternate.ss_size = handler_stack.size();
-  sigaltstack(&alternate, nullptr);
+  stack_t previous{};
+  sigaltstack(&alternate, &previous);
   struct sigaction action {};
   action.sa_sigaction = leave_overflowed_stack;
   action.sa_flags = SA_SIGINFO | SA_ONSTACK;
@@ -63,6 +64,7 @@ void* call_on_stack(void* argument) {
     std::fprintf(stderr, "Error: The input is nested too deeply for a stack of %zu kB\n", call->bytes / 1024);
   }
   current_call = nullptr;
+  sigaltstack(&previous, nullptr);  // whoever set it releases it when the thread ends
   return nullptr;
 }
 
