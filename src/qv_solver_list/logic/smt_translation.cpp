@@ -390,11 +390,14 @@ smt_translation::translated smt_translation::application(term_ptr t, mode m) {
   if (!view) {
     return ordinary(t, m);
   }
+  if ((view->t2 == nullptr ? view->oper == Neg : valid_lia_oper(view->oper)) && holds_any(t, no_sum)) {
+    return {opaque(t)};
+  }
   if (view->t2 == nullptr) {
     if (view->oper == Abs && is_real(view->t1)) {
       return {m == mode::abstracting ? absolute(view->t1) : smt_none};
     }
-    return view->oper == Neg && is_number(view->t1) ? calculation(t, *view, m) : ordinary(t, m);
+    return view->oper == Neg && is_number(view->t1) ? calculation(*view, m) : ordinary(t, m);
   }
   if (view->oper == Power && is_constant(view->t2, Integer) && view->t2->integer() >= 0 &&
       view->t2->integer() % 2 == 0) {
@@ -404,15 +407,12 @@ smt_translation::translated smt_translation::application(term_ptr t, mode m) {
       return term(make_binOp_term(Power, base->t1, view->t2), m);
     }
   }
-  return valid_lia_oper(view->oper) && is_number(view->t1) && is_number(view->t2) ? calculation(t, *view, m)
+  return valid_lia_oper(view->oper) && is_number(view->t1) && is_number(view->t2) ? calculation(*view, m)
                                                                                   : ordinary(t, m);
 }
 
 // Negation and the four operations. Signs in front of factors are taken together in front of the product.
-smt_translation::translated smt_translation::calculation(term_ptr t, const composed_term& view, mode m) {
-  if (holds_any(t, no_sum)) {
-    return {opaque(t)};
-  }
+smt_translation::translated smt_translation::calculation(const composed_term& view, mode m) {
   const oper_type oper = view.oper;
   const bool unary = view.t2 == nullptr;
   bool negative = unary;

@@ -64,7 +64,7 @@ class smt_translation {
   translated term(term_ptr t, mode m);
   translated new_term(term_ptr t, mode m);
   translated application(term_ptr t, mode m);
-  translated calculation(term_ptr t, const composed_term& view, mode m);
+  translated calculation(const composed_term& view, mode m);
   translated ordinary(term_ptr t, mode m);
   translated list(term_ptr t, mode m);
   smt_term absolute(term_ptr inner);

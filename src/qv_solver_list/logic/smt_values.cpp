@@ -258,9 +258,6 @@ value_kind value_kinds::by_form(term_ptr t) {
         case Decimal:
         case E:
         case Pi:
-        case Infty:
-        case PosInfty:
-        case NegInfty:
           return value_kind::real;
         default:
           return t->constant() == I ? value_kind::complex : value_kind::other;

@@ -19,7 +19,7 @@ namespace vetro {
 enum class value_kind : std::uint8_t {
   real,     // or nothing is known against it
   complex,  // a sum is a sum, but there is no order
-  other,    // a set, a function, a tuple, a truth value ...: no arithmetic
+  other,    // a set, a function, a tuple, a truth value, an infinity: no arithmetic
 };
 
 class value_kinds {
