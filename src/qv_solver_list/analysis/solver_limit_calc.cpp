@@ -21,6 +21,7 @@
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
+#include "term/variables/binding.h"
 
 namespace vetro {
 namespace {
@@ -134,10 +135,11 @@ term_ptr limit_simplifier::inside(term_ptr t) {
   if (is_oper(t->left(), Dom) || is_pred(t->left(), Defined)) {
     return t;
   }
-  if (t->binders().empty()) {
+  const term_list names = touched_names(t);
+  if (names.empty()) {
     return map_children(t, walk_apply | keep_meta, [this](term_ptr part) { return simplify(part); });
   }
-  const solve_data outside = without_mentions(sdata_, t->binders());
+  const solve_data outside = without_mentions(sdata_, names);
   limit_simplifier below(outside);
   term_ptr out = map_children(t, walk_apply | keep_meta, [&below](term_ptr part) { return below.simplify(part); });
   changed_ = changed_ || below.changed();

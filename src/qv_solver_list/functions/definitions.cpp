@@ -9,6 +9,7 @@
 #include "term/reserved.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
+#include "term/variables/binding.h"
 #include "term/variables/free_names.h"
 #include "term/whole_parts.h"
 
@@ -116,7 +117,7 @@ class definition_reader {
  public:
   template <class F>
   void read(term_ptr t, F&& found) {
-    if (t->scope() != nullptr || !t->binders().empty()) {
+    if (t->scope() != nullptr || protects(t)) {
       return;
     }
     if (t->type() == Quant) {

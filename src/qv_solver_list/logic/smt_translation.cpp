@@ -9,6 +9,7 @@
 #include "term/print.h"
 #include "term/report.h"
 #include "term/term_split_combine.h"
+#include "term/variables/binding.h"
 #include "term/whole_parts.h"
 
 namespace vetro {
@@ -61,11 +62,11 @@ applied taken_apart(term_ptr t) {
   return result;
 }
 
-// A scope or a record of bound names stands on the term itself, beside those inside its arguments.
-bool has_spine_meta(term_ptr t) {
+// A scope stands on the term itself, beside those inside its arguments, or the term binds or guards names.
+bool is_closed(term_ptr t) {
   bool found = t->has_meta();
-  for (; t->type() == Apply && t->has(fact_meta); t = t->left()) {
-    found = found || t->left()->has_meta();
+  for (; t->type() == Apply && !found; t = t->left()) {
+    found = t->left()->has_meta() || protects(t);
   }
   return found;
 }
@@ -250,7 +251,7 @@ smt_prop smt_translation::link(term_ptr t, bool may_weaken) {
     return relation(t, parts.head, parts.args);
   }
   // A connective with a scope says less than its parts.
-  return has_spine_meta(t) ? opaque_proposition(t) : connection(parts.head->connect(), parts.args, may_weaken);
+  return is_closed(t) ? opaque_proposition(t) : connection(parts.head->connect(), parts.args, may_weaken);
 }
 
 smt_prop smt_translation::connection(connect_type connect, term_span args, bool may_weaken) {
@@ -276,7 +277,7 @@ smt_prop smt_translation::connection(connect_type connect, term_span args, bool 
 
 smt_prop smt_translation::relation(term_ptr t, term_ptr head, term_span args) {
   const pred_type pred = head->pred();
-  if (has_spine_meta(t) || holds_any(t, no_relation) || is_opaque(head, args[0])) {
+  if (is_closed(t) || holds_any(t, no_relation) || is_opaque(head, args[0])) {
     return opaque_proposition(t);
   }
   const bool binary = args.size() == 2;
@@ -329,7 +330,7 @@ smt_translation::translated smt_translation::term(term_ptr t, mode m) {
 }
 
 smt_translation::translated smt_translation::new_term(term_ptr t, mode m) {
-  if (has_spine_meta(t)) {
+  if (is_closed(t)) {
     return {opaque(t)};
   }
   switch (t->type()) {

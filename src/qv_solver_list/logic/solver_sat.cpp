@@ -2,8 +2,7 @@
 // when these are unsatisfiable.
 //
 // Every term whose head is no connective is an atom, quantified formulas included. Two terms are one atom when they are
-// equal up to bound names, or when they are written alike (the same structure, names and scopes, whatever is recorded
-// about implicit binders). Terms that merely print alike in mathematical notation are different atoms.
+// equal up to bound names, scopes included. Terms that merely print alike are different atoms.
 #include <optional>
 #include <unordered_map>
 
@@ -48,33 +47,20 @@ class writing {
 class atom_table {
  public:
   int id(term_ptr atom) {
-    term_ptr written = writing_.of(atom);
-    if (const auto found = by_text_.find(written); found != by_text_.end()) {
-      return found->second;
-    }
-    const int number = id_up_to_names(atom);
-    by_text_.emplace(written, number);
+    int& number = atom->has(fact_binding) ? by_meaning_[atom] : by_text_[writing_.of(atom)];
+    number = number == 0 ? ++count_ : number;
     return number;
   }
   bool contains(term_ptr atom) {
-    return by_text_.count(writing_.of(atom)) != 0 || (atom->has(fact_binding) && by_meaning_.count(atom) != 0);
+    return atom->has(fact_binding) ? by_meaning_.count(atom) != 0 : by_text_.count(writing_.of(atom)) != 0;
   }
   int count() const { return count_; }
 
  private:
-  int id_up_to_names(term_ptr atom) {
-    if (!atom->has(fact_binding)) {
-      return ++count_;
-    }
-    const auto [found, inserted] = by_meaning_.try_emplace(atom, count_ + 1);
-    count_ += inserted ? 1 : 0;
-    return found->second;
-  }
-
   int count_ = 0;
   writing writing_;
-  std::unordered_map<term_ptr, int> by_text_;
-  std::unordered_map<term_ptr, int, alpha_hasher, alpha_equal> by_meaning_;  // of atoms that bind something
+  std::unordered_map<term_ptr, int> by_text_;                                // of atoms that bind nothing
+  std::unordered_map<term_ptr, int, alpha_hasher, alpha_equal> by_meaning_;  // of the others
 };
 
 std::optional<sat_term_type> binary_connective(connect_type connect) {

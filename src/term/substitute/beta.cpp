@@ -40,9 +40,9 @@ bool has_domain(term_ptr lambda) {
 }
 
 // A notation whose meaning depends on where its parts are defined.
-bool looks_at_domains(term_ptr head) {
-  return (head->type() == Oper && (head->oper() == Dom || head->oper() == SetDesc)) ||
-         (head->type() == Pred && head->pred() == Defined);
+bool looks_at_domains(term_ptr t) {
+  const int head = t->type() == Oper ? static_cast<int>(t->oper()) : t->type() == Pred ? t->pred() : t->head();
+  return head == Dom || head == SetDesc || head == Defined;
 }
 
 class beta_normalizer {

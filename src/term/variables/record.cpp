@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <unordered_map>
+#include <unordered_set>
 
 #include "term/compare.h"
 #include "term/variables/binding.h"
@@ -49,6 +50,8 @@ class record_transfer {
     if (written->type() == Lambda || written->type() == Quant) {
       bind_entries(written->vars(), stored->vars());
     }
+    const term_list indices = written_indices(written, stored);
+    bind_entries(indices, binding(stored).indices());
     term_list parts;
     bool alike = true;
     for (std::size_t i = 0; alike && i < written->children().size(); ++i) {
@@ -62,9 +65,44 @@ class record_transfer {
         alike = parts.back() != nullptr;
       }
     }
+    const term_ptr result = alike ? with_record(rebuilt(written, parts), stored) : nullptr;
     stored_names_.leave(outside);
     written_names_.resize(outside.count);
-    return alike ? with_record(rebuilt(written, parts), stored) : nullptr;
+    return result;
+  }
+
+  // What written calls the indices of stored: by position where it has as many, else by where they stand.
+  static term_list written_indices(term_ptr written, term_ptr stored) {
+    const binding of_stored(stored);
+    const binding of_written(written);
+    term_list names;
+    for (std::size_t i = 0; i < of_stored.indices().size(); ++i) {
+      const bool as_many = of_written.indices().size() == of_stored.indices().size();
+      std::unordered_set<term_ptr> met;
+      const term_ptr name =
+          as_many ? of_written.indices()[i] : counterpart(of_stored.indices()[i], stored, written, met);
+      names.push_back(name == nullptr ? of_stored.indices()[i] : name);
+    }
+    return names;
+  }
+
+  // What stands in written at the first place of the name in stored; null where it has no such place.
+  static term_ptr counterpart(term_ptr name, term_ptr stored, term_ptr written, std::unordered_set<term_ptr>& met) {
+    if (stored->bare() == name) {
+      return is_var(written) ? written->bare() : nullptr;
+    }
+    if ((name->name_mask() & ~stored->name_mask()) != 0 || stored->children().size() != written->children().size() ||
+        !met.insert(stored).second) {
+      return nullptr;
+    }
+    for (std::size_t i = 0; i < stored->children().size(); ++i) {
+      const term_ptr a = stored->children()[i];
+      const term_ptr b = written->children()[i];
+      if (const term_ptr found = a == nullptr || b == nullptr ? nullptr : counterpart(name, a, b, met)) {
+        return found;
+      }
+    }
+    return nullptr;
   }
 
   void bind_entries(term_span written, term_span stored) {
@@ -114,6 +152,7 @@ class record_transfer {
     return with_binding(written, renamed(stored->binders()), renamed(stored->guarded()));
   }
 
+  // In the names of written.
   term_list renamed(const term_list& names) const {
     term_list result;
     for (term_ptr name : names) {
