@@ -17,6 +17,7 @@
 #include "term/state.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
+#include "term/whole_parts.h"
 
 namespace vetro {
 namespace {
@@ -30,7 +31,10 @@ term_ptr comparison(pred_type pred, term_ptr left, term_ptr right) { return make
 
 // ---- Memberships.
 
-enum class position : unsigned char { positive, other };
+// Whether a weaker statement still follows where a membership stands; never: not even one that says the same of reals.
+enum class position : unsigned char { positive, other, never };
+
+constexpr whole_part not_finite = whole_part::infinity_value | whole_part::set_size;
 
 using membership_rule = term_ptr (*)(term_ptr element, term_ptr set, position where);
 
@@ -41,8 +45,11 @@ class membership_walk {
   membership_walk(membership_rule rule, term_ptr root) : rule_(rule), known_{walk_memo(root), walk_memo(root)} {}
 
   term_ptr run(term_ptr t, position where) {
+    if (t->scope() != nullptr) {  // holds where its scope does, and is used whole
+      return t;
+    }
     if (is_binary(t, Belong)) {
-      term_ptr lowered = rule_(t->left()->right(), t->right(), where);
+      term_ptr lowered = lowered_members(t->left()->right(), t->right(), where);
       return lowered == nullptr ? t : lowered;
     }
     const auto view = composed_prop_split(t);
@@ -55,6 +62,23 @@ class membership_walk {
   }
 
  private:
+  // x, y ∈ S says the membership of each. A value that is not finite is no real number, so that its comparison says
+  // less than its membership in a set of reals, too.
+  term_ptr lowered_members(term_ptr element, term_ptr set, position where) {
+    const position allowed = holds_any(element, not_finite) && where != position::positive ? position::never : where;
+    if (element->type() != TermList) {
+      return rule_(element, set, allowed);
+    }
+    term_list members;
+    for (term_ptr member : element->elements()) {
+      members.push_back(rule_(member, set, allowed));
+      if (members.back() == nullptr) {
+        return nullptr;
+      }
+    }
+    return and_compose(members);
+  }
+
   term_ptr rebuild(term_ptr t, const composed_prop& view, position where) {
     const bool keeps_left = view.connect == And || view.connect == Or;
     const bool keeps_right = keeps_left || view.connect == Impl;
@@ -83,9 +107,9 @@ constexpr std::array<interval_row, 4> interval_rows = {{
     {IntervalLcRc, Le, Le},
 }};
 
-term_ptr interval_as_comparisons(term_ptr element, term_ptr set, position /*where*/) {
+term_ptr interval_as_comparisons(term_ptr element, term_ptr set, position where) {
   const auto view = composed_term_split(set);
-  if (!view || view->t2 == nullptr) {
+  if (!view || view->t2 == nullptr || where == position::never) {
     return nullptr;
   }
   for (const interval_row& row : interval_rows) {
@@ -102,7 +126,7 @@ term_ptr interval_as_comparisons(term_ptr element, term_ptr set, position /*wher
 term_ptr const_set_as_comparison(term_ptr element, term_ptr set, position where) {
   const auto named = number_set_of(set);
   const auto says = named ? comparison_of(*named) : std::nullopt;
-  if (!says || (named->c != number_class::real && where != position::positive)) {
+  if (!says || where == position::never || (named->c != number_class::real && where != position::positive)) {
     return nullptr;
   }
   return comparison(says->pred, element, mk_integer(says->bound));
