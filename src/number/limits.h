@@ -23,6 +23,9 @@ inline constexpr std::uint64_t solver_factory_calls = 10'000'000;
 // Connectives and atoms of one propositional problem, counted as a tree. A gap of 10,000 assumptions has about 100,000.
 inline constexpr std::size_t propositional_nodes = 1'000'000;
 
+// Inclusions and equations of sets in one question. Each is asked of every element and of a witness for each other.
+inline constexpr std::size_t set_statements = 200;
+
 // Literals that one run of the clause-learning core may look at, counted at each assignment, each return and each
 // resolution. About a second of work; a problem that learns its full quota of clauses needs far less.
 inline constexpr std::uint64_t cdcl_work = 150'000'000;
