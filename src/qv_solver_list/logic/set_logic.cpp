@@ -273,11 +273,12 @@ class set_problem : public propositional_problem {
     return own_atom(make_binPred_prop(Belong, element, set));
   }
 
-  position same_element(term_ptr a, term_ptr b) {
-    return term_eqb(a, b) ? truth() : equality(make_binPred_prop(Eq, a, b), a, b);
-  }
+  position same_element(term_ptr a, term_ptr b) { return equality(make_binPred_prop(Eq, a, b), a, b); }
 
   position equality(term_ptr t, term_ptr left, term_ptr right) {
+    if (term_eqb(left, right)) {
+      return truth();
+    }
     const position atom =
         sets_.contains(left) && sets_.contains(right) ? statement_about(t, left, right, true) : own_atom(t);
     if (known_equalities_.insert(t).second) {

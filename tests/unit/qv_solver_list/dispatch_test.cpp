@@ -104,23 +104,22 @@ TEST_F(dispatch, Splitting) {
 
 TEST_F(dispatch, OneDisjunctIsEnough) {
   // Neither disjunct is propositional from the assumptions; the second unfolds to two of them.
-  const std::initializer_list<std::string_view> assumptions = {"x ∈ A", "x ∈ B"};
-  const run r = solve(assumptions, "x ∈ C ∨ x ∈ A ∩ B");
+  const std::initializer_list<std::string_view> assumptions = {"x ∈ A", "y ∈ B"};
+  const run r = solve(assumptions, "x ∈ C ∨ (x, y) ∈ CartesianProd(A, B)");
   EXPECT_TRUE(r.proved);
   EXPECT_TRUE(r.has("solve or_List\nfee = 1\nBelong(x, C)\n"));
-  EXPECT_FALSE(solve(assumptions, "x ∈ C ∨ x ∈ A ∩ D").proved);
+  EXPECT_FALSE(solve(assumptions, "x ∈ C ∨ (x, y) ∈ CartesianProd(A, D)").proved);
 }
 
 TEST_F(dispatch, EachLayerCostsOneFee) {
-  const std::initializer_list<std::string_view> assumptions = {"x ∈ A", "x ∈ B", "x ∈ C", "x ∈ D"};
-  EXPECT_FALSE(solve(assumptions, "x ∈ A ∩ B", 0).proved);
-  EXPECT_TRUE(solve(assumptions, "x ∈ A ∩ B", 1).proved);
-  EXPECT_FALSE(solve(assumptions, "x ∈ A ∩ B ∩ C", 1).proved);
-  EXPECT_TRUE(solve(assumptions, "x ∈ A ∩ B ∩ C", 2).proved);
-  EXPECT_FALSE(solve(assumptions, "x ∈ A ∩ B ∩ C ∩ D", 2).proved);
-  // A union unfolds to a disjunction, which the battery settles at the next layer.
-  EXPECT_TRUE(solve(assumptions, "x ∈ A ∪ E", 1).proved);
-  EXPECT_FALSE(solve(assumptions, "x ∈ F ∪ E").proved);
+  const std::initializer_list<std::string_view> assumptions = {"a ∈ A", "b ∈ B", "c ∈ C", "d ∈ D"};
+  const std::string two = "CartesianProd(A, B)";
+  const std::string three = "CartesianProd(" + two + ", C)";
+  EXPECT_FALSE(solve(assumptions, "(a, b) ∈ " + two, 0).proved);
+  EXPECT_TRUE(solve(assumptions, "(a, b) ∈ " + two, 1).proved);
+  EXPECT_FALSE(solve(assumptions, "((a, b), c) ∈ " + three, 1).proved);
+  EXPECT_TRUE(solve(assumptions, "((a, b), c) ∈ " + three, 2).proved);
+  EXPECT_FALSE(solve(assumptions, "(((a, b), c), d) ∈ CartesianProd(" + three + ", D)", 2).proved);
 }
 
 TEST_F(dispatch, AssumptionsAreEnrichedForTheBattery) {
