@@ -195,6 +195,21 @@ bool rewrite_in_alpha_eqb(term_ptr a, term_ptr b) {
 
 bool have_equal_scopes(term_ptr a, term_ptr b) { return rewrite_in_alpha_eqb(a->scope(), b->scope()); }
 
+bool source_may_stand_in(term_ptr body, term_ptr source, term_ptr qvar) {
+  free_occurrences occurrences(qvar, true);
+  const auto may_stand = [&](const auto& self, term_ptr t) -> bool {
+    if (instance_collector(qvar, occurrences).collect(source, t)) {
+      return true;
+    }
+    if ((t->type() != Apply && t->type() != TermList) || is_closed_to_rewriting(t)) {
+      return false;
+    }
+    const term_span parts = t->children();
+    return std::any_of(parts.begin(), parts.end(), [&](term_ptr part) { return self(self, part); });
+  };
+  return may_stand(may_stand, body);
+}
+
 bool match_body_rewrite_no_nested_limit(term_ptr from, term_ptr to, const rewrite_sides& sides, std::size_t& hits) {
   body_match match(sides);
   if (!match.exact(from, to) && !match.in_context(from, to)) {

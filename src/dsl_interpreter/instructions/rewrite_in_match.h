@@ -21,6 +21,10 @@ enum class instance_evidence : std::uint8_t { source, both_sides };
 term_ptr find_rule_instance_no_nested_limit(term_ptr from, term_ptr to, const rewrite_sides& pattern, term_ptr qvar,
                                             instance_evidence evidence);
 
+// Whether the source of the rule may stand somewhere in the body, outside of what is closed to rewriting. May say yes
+// too often, and does not depend on how bound variables are called.
+bool source_may_stand_in(term_ptr body, term_ptr source, term_ptr qvar);
+
 // alpha_equivalent where both are there, else whether both are missing.
 bool rewrite_in_alpha_eqb(term_ptr a, term_ptr b);
 

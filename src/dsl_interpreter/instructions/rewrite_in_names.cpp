@@ -6,6 +6,7 @@
 
 #include "term/state.h"
 #include "term/substitute.h"
+#include "term/traverse.h"
 
 namespace vetro {
 namespace {
@@ -17,7 +18,9 @@ term_ptr make_fresh_limit_var_like(term_ptr base) {
 
 }  // namespace
 
-opened_names::opened_names(const forall_equation_rule& rule, const solve_data& sdata) {
+opened_names::opened_names(const forall_equation_rule& rule, const solve_data& sdata, term_ptr from, term_ptr to) {
+  written_.add(from);
+  written_.add(to);
   add_free_names(rule.lhs);
   add_free_names(rule.rhs);
   std::for_each(rule.conditions.begin(), rule.conditions.end(), [this](term_ptr t) { add_free_names(t); });
@@ -47,14 +50,37 @@ term_ptr opened_names::choose(term_ptr from, term_ptr to, term_span parts) {
   for (;;) {
     const term_ptr name = make_fresh_limit_var_like(from);
     const auto occurs = [name](term_ptr part) { return name_occurs(name->name(), part); };
-    if (!taken(name) && std::none_of(parts.begin(), parts.end(), occurs)) {
+    if (!taken(name) && !(written_.contains(name->name()) && std::any_of(parts.begin(), parts.end(), occurs))) {
       return name;
     }
   }
 }
 
-term_ptr rewrite_in_alpha_rename_active_binder(term_ptr old_var, term_ptr new_var, term_ptr t) {
-  return old_var->bare() == new_var->bare() ? t : instantiate_term(old_var, new_var, t);
+term_ptr opened_part::term() const {
+  term_ptr t = t_;
+  for (const renaming* r = renamed_.get(); r != nullptr && t != nullptr; r = r->outer.get()) {
+    const auto is_old = [r](term_ptr node) { return node->bare() == r->old_var; };
+    if (any_subterm(t, walk_children | walk_scope | walk_binders, is_old)) {
+      t = instantiate_term(r->old_var, r->new_var, t);
+    }
+  }
+  return t;
+}
+
+opened_part opened_part::settled_for(term_ptr var) const {
+  for (const renaming* r = renamed_.get(); r != nullptr; r = r->outer.get()) {
+    if (r->old_var == var->bare()) {
+      return settled();
+    }
+  }
+  return *this;
+}
+
+opened_part opened_part::under(term_ptr old_var, term_ptr new_var, term_ptr body) const {
+  if (old_var->bare() == new_var->bare()) {
+    return part(body);
+  }
+  return {body, std::make_shared<const renaming>(renaming{old_var->bare(), new_var->bare(), renamed_})};
 }
 
 }  // namespace vetro

@@ -2,21 +2,24 @@
 // in the rule, in the proof state or around the place.
 #pragma once
 
+#include <memory>
 #include <unordered_set>
+#include <utility>
 
 #include "dsl_interpreter/instructions/rewrite_in_rule.h"
 #include "qv_solver_list/solver.h"
+#include "term/substitute.h"
 
 namespace vetro {
 
 class opened_names {
  public:
-  // The free names of the rule and of the proof state are collected once.
-  opened_names(const forall_equation_rule& rule, const solve_data& sdata);
+  // The free names of the rule and of the proof state, and the names that the two forms hold, are collected once.
+  opened_names(const forall_equation_rule& rule, const solve_data& sdata, term_ptr from, term_ptr to);
 
   // The common name for the binders of two sides: the first one's own where the second has the same and it is not
   // taken, else a fresh one that occurs in none of the parts. Null where a fresh one is needed and `from` is no plain
-  // name.
+  // name. The parts are parts of the two forms.
   term_ptr choose(term_ptr from, term_ptr to, term_span parts);
 
   // Binders in force, from the outside in.
@@ -30,10 +33,39 @@ class opened_names {
   void add_free_names(term_ptr t);
 
   std::unordered_set<term_ptr> free_;
+  name_collection written_;  // anywhere in the two forms
   term_list active_;
 };
 
-// t, a part that its binder binds, with the bound variable under another name; t itself where the names are the same.
-term_ptr rewrite_in_alpha_rename_active_binder(term_ptr old_var, term_ptr new_var, term_ptr t);
+// A part of a form below opened binders. The common names are put in when the part is looked at as a whole: a long body
+// below many binders is not rewritten for each of them.
+class opened_part {
+ public:
+  opened_part(term_ptr t) : t_(t) {}  // NOLINT(google-explicit-constructor): a form without opened binders
+
+  // With the names of the form. Its shape is that of the part.
+  term_ptr written() const { return t_; }
+  // With the common names.
+  term_ptr term() const;
+  // The same part with the common names put in.
+  opened_part settled() const { return term(); }
+  // Settled where the form has a new name for this variable, which the part binds again.
+  opened_part settled_for(term_ptr var) const;
+
+  opened_part part(term_ptr below) const { return {below, renamed_}; }
+  // The body of a binder of old_var, which has the common name new_var.
+  opened_part under(term_ptr old_var, term_ptr new_var, term_ptr body) const;
+
+ private:
+  struct renaming {
+    term_ptr old_var;
+    term_ptr new_var;
+    std::shared_ptr<const renaming> outer;
+  };
+  opened_part(term_ptr t, std::shared_ptr<const renaming> renamed) : t_(t), renamed_(std::move(renamed)) {}
+
+  term_ptr t_;
+  std::shared_ptr<const renaming> renamed_;
+};
 
 }  // namespace vetro

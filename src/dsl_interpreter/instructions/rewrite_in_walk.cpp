@@ -18,59 +18,67 @@ namespace {
 
 class walker {
  public:
-  explicit walker(rewrite_in_state& state) : state_(state), names_(state.rule, state.sdata) {}
+  walker(term_ptr from, term_ptr to, rewrite_in_state& state)
+      : state_(state), names_(state.rule, state.sdata, from, to) {}
 
-  bool walk(term_ptr from, term_ptr to) { return rewrite_in_alpha_eqb(from, to) || walk_different(from, to); }
+  bool walk(const opened_part& from, const opened_part& to) { return equal(from, to) || walk_different(from, to); }
 
  private:
-  // The same for two forms that are not equal: what is known of a node need not be found out again for the largest of
+  static bool equal(const opened_part& from, const opened_part& to) {
+    return rewrite_in_alpha_eqb(from.term(), to.term());
+  }
+
+  // The same for two parts that are not equal: what is known of a node need not be found out again for the largest of
   // its parts, so that a long term below many binders is compared once.
-  bool walk_different(term_ptr from, term_ptr to) {
-    if (from == to) {
-      return true;
+  bool walk_different(const opened_part& from, const opened_part& to) {
+    const term_ptr a = from.written();
+    const term_ptr b = to.written();
+    if (a == nullptr || b == nullptr) {
+      return a == b;
     }
-    if (from == nullptr || to == nullptr || from->type() != to->type() || !have_equal_scopes(from, to)) {
+    if (a->type() != b->type() || !same_scope(from, to)) {
       return false;
     }
-    if (is_context(from) || is_context(to)) {
+    if (is_context(a) || is_context(b)) {
       return walk_context(from, to);
     }
-    if (is_closed_to_rewriting(from) || is_closed_to_rewriting(to)) {
+    if (is_closed_to_rewriting(a) || is_closed_to_rewriting(b)) {
       return false;
     }
-    switch (from->type()) {
+    switch (a->type()) {
       case Apply:
       case TermList:
-        return walk_parts(from->children(), to->children());
+        return walk_parts(from, to);
       case Lambda:
       case Quant:
         return walk_binding(from, to);
       default:
-        return false;
+        return equal(from, to);  // where the binders around were different and did not matter
     }
   }
 
-  bool walk_lists(term_span from, term_span to) {
-    return std::equal(from.begin(), from.end(), to.begin(), to.end(),
-                      [this](term_ptr a, term_ptr b) { return walk(a, b); });
+  static bool same_scope(const opened_part& from, const opened_part& to) {
+    return equal(from.part(from.written()->scope()), to.part(to.written()->scope()));
   }
 
   // Parts of two different nodes. The largest is left to the last: where all others are equal, it is different.
-  bool walk_parts(term_span from, term_span to) {
-    if (from.size() != to.size() || from.empty()) {
-      return from.size() == to.size();
+  bool walk_parts(const opened_part& from, const opened_part& to) {
+    const term_span a = from.written()->children();
+    const term_span b = to.written()->children();
+    if (a.size() != b.size() || a.empty()) {
+      return a.size() == b.size();
     }
-    const auto by_size = [](term_ptr a, term_ptr b) { return a->size() < b->size(); };
-    const auto largest = static_cast<std::size_t>(std::max_element(from.begin(), from.end(), by_size) - from.begin());
-    std::vector<bool> equal(from.size(), true);
+    const auto by_size = [](term_ptr x, term_ptr y) { return x->size() < y->size(); };
+    const auto largest = static_cast<std::size_t>(std::max_element(a.begin(), a.end(), by_size) - a.begin());
+    std::vector<bool> same(a.size(), true);
     bool all_others = true;
-    for (std::size_t i = 0; i < from.size(); ++i) {
-      equal[i] = i != largest && rewrite_in_alpha_eqb(from[i], to[i]);
-      all_others = all_others && (i == largest || equal[i]);
+    for (std::size_t i = 0; i < a.size(); ++i) {
+      same[i] = i != largest && equal(from.part(a[i]), to.part(b[i]));
+      all_others = all_others && (i == largest || same[i]);
     }
-    equal[largest] = !all_others && rewrite_in_alpha_eqb(from[largest], to[largest]);
-    for (std::size_t i = 0; i < from.size(); ++i) {
-      if (!equal[i] && !walk_different(from[i], to[i])) {
+    same[largest] = !all_others && equal(from.part(a[largest]), to.part(b[largest]));
+    for (std::size_t i = 0; i < a.size(); ++i) {
+      if (!same[i] && !walk_different(from.part(a[i]), to.part(b[i]))) {
         return false;
       }
     }
@@ -94,13 +102,24 @@ class walker {
     return false;
   }
 
-  bool walk_context(term_ptr from, term_ptr to) {
+  bool walk_context(const opened_part& from, const opened_part& to) {
     const std::size_t outside = names_.count();
     const bool fits = state_.context == rewrite_in_limit ? walk_limit(from, to)
                       : state_.context == rewrite_in_sum ? walk_sum(from, to)
                                                          : walk_setdesc(from, to);
     names_.leave_to(outside);
     return fits;
+  }
+
+  // The node as one of its contexts, settled where it binds a name again that an opened binder around it had.
+  template <class View>
+  static std::optional<View> view_of(opened_part& node, std::optional<View> (*look)(term_ptr)) {
+    std::optional<View> view = look(node.written());
+    if (view) {
+      node = node.settled_for(view->var);
+      view = look(node.written());
+    }
+    return view;
   }
 
   rewrite_sides pattern() const { return sides_in_direction(state_.rule, state_.direction); }
@@ -116,54 +135,63 @@ class walker {
     state_.execute_log->write(text + "\n");
   }
 
-  // Both bodies under one name for their variable, which is then in force. False where there is none.
+  // The common name for the variables of two nodes, which is then in force; null where there is none.
   template <class View>
-  bool bring_together(View& from, View& to, term_list parts) {
-    parts.push_back(from.body);
-    parts.push_back(to.body);
+  term_ptr open(const View& from, const View& to, term_span parts) {
     const term_ptr name = names_.choose(from.var, to.var, parts);
-    if (name == nullptr) {
-      return false;
+    if (name != nullptr) {
+      names_.enter(name);
     }
-    from.body = rewrite_in_alpha_rename_active_binder(from.var, name, from.body);
-    to.body = rewrite_in_alpha_rename_active_binder(to.var, name, to.body);
-    names_.enter(name);
-    return from.body != nullptr && to.body != nullptr;
+    return name;
+  }
+
+  bool source_may_stand_in(const opened_part& body) const {
+    return vetro::source_may_stand_in(body.written(), pattern().source, state_.rule.qvar);
   }
 
   // ---- Limits.
 
-  bool walk_limit(term_ptr from_term, term_ptr to_term) {
-    auto from = limit_context_of(from_term);
-    auto to = limit_context_of(to_term);
-    if (!from || !to || from->op != to->op || !rewrite_in_alpha_eqb(from->point, to->point)) {
+  bool walk_limit(opened_part from, opened_part to) {
+    auto a = view_of(from, limit_context_of);
+    auto b = view_of(to, limit_context_of);
+    if (!a || !b || a->op != b->op || !equal(from.part(a->point), to.part(b->point))) {
       return false;
     }
-    if (!is_var(from->var) || !is_var(to->var)) {
+    if (!is_var(a->var) || !is_var(b->var)) {
       return fail("unsupported limit context for rewrite_in limit");
     }
-    if (!bring_together(*from, *to, {from->point, to->point})) {
-      return fail("not enough memory while alpha-renaming limit binder");
+    const term_ptr name = open(*a, *b, term_list{a->point, a->body, b->point, b->body});
+    opened_part from_body = from.under(a->var, name, a->body);
+    opened_part to_body = to.under(b->var, name, b->body);
+    if (source_may_stand_in(from_body)) {
+      from_body = from_body.settled();
+      to_body = to_body.settled();
+      if (from_body.written() == nullptr || to_body.written() == nullptr) {
+        return fail("not enough memory while alpha-renaming limit binder");
+      }
+      const limit_context old_form{a->op, name, from.part(a->point).term(), from_body.written()};
+      if (try_rewrite_direct_limit_body(old_form, to_body.written())) {
+        return true;
+      }
     }
-    from->var = to->var = names_.newest();
-    return try_rewrite_direct_limit_body(*from, *to) || walk_different(from->body, to->body);
+    return walk_different(from_body, to_body);
   }
 
   // The rule may be used at any one value of its variable: at the first place that looks like a use of it, at the first
   // where both of its sides stand, else at the variable of the limit.
-  bool try_rewrite_direct_limit_body(const limit_context& from, const limit_context& to) {
+  bool try_rewrite_direct_limit_body(const limit_context& from, term_ptr to) {
     const rewrite_sides sides = pattern();
     const term_ptr var = state_.rule.qvar;
     const term_ptr values[] = {
-        find_rule_instance_no_nested_limit(from.body, to.body, sides, var, instance_evidence::source),
-        find_rule_instance_no_nested_limit(from.body, to.body, sides, var, instance_evidence::both_sides), from.var};
+        find_rule_instance_no_nested_limit(from.body, to, sides, var, instance_evidence::source),
+        find_rule_instance_no_nested_limit(from.body, to, sides, var, instance_evidence::both_sides), from.var};
     for (std::size_t i = 0; i < std::size(values); ++i) {
       if (values[i] == nullptr || std::find(values, values + i, values[i]) != values + i) {
         continue;
       }
       const rewrite_sides use = instance(values[i]);
       std::size_t hits = 0;
-      if (!match_body_rewrite_no_nested_limit(from.body, to.body, use, hits) || hits == 0) {
+      if (!match_body_rewrite_no_nested_limit(from.body, to, use, hits) || hits == 0) {
         continue;
       }
       if (!solve_all_eventual_conditions(from, values[i], state_)) {
@@ -177,26 +205,36 @@ class walker {
 
   // ---- Sums.
 
-  bool walk_sum(term_ptr from_term, term_ptr to_term) {
-    auto from = sum_context_of(from_term);
-    auto to = sum_context_of(to_term);
-    if (!from || !to) {
+  bool walk_sum(opened_part from, opened_part to) {
+    const auto a = view_of(from, sum_context_of);
+    const auto b = view_of(to, sum_context_of);
+    if (!a || !b) {
       return fail("unsupported sum context for rewrite_in sum; expected sum_{ var = lower }^{ upper }");
     }
-    if (!rewrite_in_alpha_eqb(from->lower, to->lower) || !rewrite_in_alpha_eqb(from->upper, to->upper)) {
+    if (!equal(from.part(a->lower), to.part(b->lower)) || !equal(from.part(a->upper), to.part(b->upper))) {
       return false;
     }
-    if (!bring_together(*from, *to, {from->lower, from->upper, to->lower, to->upper})) {
-      return fail("not enough memory while alpha-renaming sum binder");
+    const term_ptr name = open(*a, *b, term_list{a->lower, a->upper, a->body, b->lower, b->upper, b->body});
+    opened_part from_body = from.under(a->var, name, a->body);
+    opened_part to_body = to.under(b->var, name, b->body);
+    if (source_may_stand_in(from_body)) {
+      from_body = from_body.settled();
+      to_body = to_body.settled();
+      if (from_body.written() == nullptr || to_body.written() == nullptr) {
+        return fail("not enough memory while alpha-renaming sum binder");
+      }
+      const sum_context old_form{name, from.part(a->lower).term(), from.part(a->upper).term(), from_body.written()};
+      if (try_rewrite_direct_sum_body(old_form, to_body.written())) {
+        return true;
+      }
     }
-    from->var = to->var = names_.newest();
-    return try_rewrite_direct_sum_body(*from, *to) || walk_different(from->body, to->body);
+    return walk_different(from_body, to_body);
   }
 
-  bool try_rewrite_direct_sum_body(const sum_context& from, const sum_context& to) {
+  bool try_rewrite_direct_sum_body(const sum_context& from, term_ptr to) {
     const rewrite_sides sides = instance(from.var);
     std::size_t hits = 0;
-    if (!match_body_rewrite_no_nested_limit(from.body, to.body, sides, hits) || hits == 0 ||
+    if (!match_body_rewrite_no_nested_limit(from.body, to, sides, hits) || hits == 0 ||
         !solve_all_sum_conditions(from, state_)) {
       return false;
     }
@@ -206,38 +244,44 @@ class walker {
 
   // ---- Set descriptions.
 
-  bool walk_setdesc(term_ptr from_term, term_ptr to_term) {
-    auto from = set_context_of(from_term);
-    auto to = set_context_of(to_term);
-    if (!from || !to) {
+  bool walk_setdesc(opened_part from, opened_part to) {
+    const auto a = view_of(from, set_context_of);
+    const auto b = view_of(to, set_context_of);
+    if (!a || !b) {
       return fail(
           "unsupported setdesc context for rewrite_in setdesc; expected SetDesc(body, TermList(...)) with one Var "
           "binder");
     }
-    const term_ptr own_var = from->var;
-    term_list conditions = from->conditions;
-    conditions.insert(conditions.end(), to->conditions.begin(), to->conditions.end());
-    if (!bring_together(*from, *to, conditions)) {
+    term_list parts = a->conditions;
+    parts.insert(parts.end(), b->conditions.begin(), b->conditions.end());
+    parts.push_back(a->body);
+    parts.push_back(b->body);
+    const term_ptr name = open(*a, *b, parts);
+    const set_context old_form = opened(from, *a, name);
+    const set_context new_form = opened(to, *b, name);
+    if (old_form.body == nullptr || new_form.body == nullptr) {
       return fail("not enough memory while alpha-renaming set description binder");
     }
-    rename_conditions(*from);
-    rename_conditions(*to);
-    if (try_rewrite_direct_setdesc(*from, *to, own_var)) {
+    if (try_rewrite_direct_setdesc(old_form, new_form, a->var)) {
       return true;
     }
-    if (state_.first_failed_condition != nullptr) {
+    if (state_.first_failed_condition != nullptr || old_form.conditions.size() != new_form.conditions.size()) {
       return false;
     }
-    const bool bodies = walk(from->body, to->body);
-    const bool lists = walk_lists(from->conditions, to->conditions);
-    return bodies && lists;
+    bool fits = walk(old_form.body, new_form.body);
+    for (std::size_t i = 0; i < old_form.conditions.size(); ++i) {
+      fits = walk(old_form.conditions[i], new_form.conditions[i]) && fits;
+    }
+    return fits;
   }
 
-  void rename_conditions(set_context& view) {
-    for (term_ptr& condition : view.conditions) {
-      condition = rewrite_in_alpha_rename_active_binder(view.var, names_.newest(), condition);
+  // The set under the common name of its variable.
+  static set_context opened(const opened_part& set, const set_context& view, term_ptr name) {
+    set_context result{name, set.under(view.var, name, view.body).term(), {}};
+    for (term_ptr condition : view.conditions) {
+      result.conditions.push_back(set.under(view.var, name, condition).term());
     }
-    view.var = names_.newest();
+    return result;
   }
 
   bool try_rewrite_direct_setdesc(const set_context& from, const set_context& to, term_ptr own_var) {
@@ -303,11 +347,13 @@ class walker {
 
   // ---- Quantifiers and functions on the way.
 
-  bool walk_binding(term_ptr from, term_ptr to) {
-    const bool same_kind = from->type() == Quant ? from->quant() == to->quant()
-                                                 : lambda_var_type_list_eqb(from->var_types(), to->var_types()) &&
-                                                       (from->condition() == nullptr) == (to->condition() == nullptr);
-    if (!same_kind || from->vars().size() != to->vars().size()) {
+  bool walk_binding(const opened_part& from, const opened_part& to) {
+    const term_ptr a = from.written();
+    const term_ptr b = to.written();
+    const bool same_kind = a->type() == Quant ? a->quant() == b->quant()
+                                              : lambda_var_type_list_eqb(a->var_types(), b->var_types()) &&
+                                                    (a->condition() == nullptr) == (b->condition() == nullptr);
+    if (!same_kind || a->vars().size() != b->vars().size()) {
       return false;
     }
     const std::size_t outside = names_.count();
@@ -316,29 +362,25 @@ class walker {
     return fits;
   }
 
-  // Enters the variables from the left to the right; what stands behind one is brought to its common name before the
-  // next is looked at.
-  bool open_entries(term_ptr from, term_ptr to) {
-    for (std::size_t left = from->vars().size(); left > 0; --left) {
-      const auto a = entry_of(from->vars().front());
-      const auto b = entry_of(to->vars().front());
-      if (!a || !b || !same_domain(*a, *b)) {
+  // Enters the variables from the left to the right; each stands over the entries behind it.
+  bool open_entries(opened_part from, opened_part to) {
+    for (std::size_t left = from.written()->vars().size(); left > 0; --left) {
+      const auto a = first_entry(from);
+      const auto b = first_entry(to);
+      if (!a || !b || a->relation != b->relation || !equal(from.part(a->domain), to.part(b->domain))) {
         return false;
       }
-      const term_ptr behind[] = {behind_first_entry(from), behind_first_entry(to)};
-      const term_ptr name = names_.choose(a->var, b->var, behind);
-      from = rewrite_in_alpha_rename_active_binder(a->var, name, behind[0]);
-      to = rewrite_in_alpha_rename_active_binder(b->var, name, behind[1]);
-      if (from == nullptr || to == nullptr) {
-        return fail("not enough memory while alpha-renaming explicit binders");
-      }
-      names_.enter(name);
+      const term_list behind{behind_first_entry(from.written()), behind_first_entry(to.written())};
+      const term_ptr name = open(*a, *b, behind);
+      from = from.under(a->var, name, behind[0]);
+      to = to.under(b->var, name, behind[1]);
     }
-    if (from->type() == TermList) {  // condition and body of a function
-      return rewrite_in_alpha_eqb(from->elements()[0], to->elements()[0]) &&
-             walk_different(from->elements()[1], to->elements()[1]);
+    if (from.written()->type() != TermList) {
+      return walk_different(from, to);
     }
-    return walk_different(from, to);
+    const term_span a = from.written()->elements();  // condition and body of a function
+    const term_span b = to.written()->elements();
+    return equal(from.part(a[0]), to.part(b[0])) && walk_different(from.part(a[1]), to.part(b[1]));
   }
 
   // A plain variable, or one that an entry such as x ∈ S gives a domain. Others are not opened: their variables have no
@@ -363,8 +405,13 @@ class walker {
     return quantifier_entry{relation->left, relation->pred, relation->right};
   }
 
-  static bool same_domain(const quantifier_entry& a, const quantifier_entry& b) {
-    return a.relation == b.relation && rewrite_in_alpha_eqb(a.domain, b.domain);
+  static std::optional<quantifier_entry> first_entry(opened_part& node) {
+    const auto entry = entry_of(node.written()->vars().front());
+    if (!entry) {
+      return std::nullopt;
+    }
+    node = node.settled_for(entry->var);
+    return entry_of(node.written()->vars().front());
   }
 
   // What the first variable of a quantifier or function stands over.
@@ -388,6 +435,8 @@ class walker {
 
 }  // namespace
 
-bool rewrite_in_walk(term_ptr from, term_ptr to, rewrite_in_state& state) { return walker(state).walk(from, to); }
+bool rewrite_in_walk(term_ptr from, term_ptr to, rewrite_in_state& state) {
+  return walker(from, to, state).walk(from, to);
+}
 
 }  // namespace vetro

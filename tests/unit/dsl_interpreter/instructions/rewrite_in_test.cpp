@@ -139,6 +139,13 @@ TEST_F(RewriteIn, NamesNeverMeet) {
                   "forall (y), lim_{x → 0}(g(x)) = y", closed},
                  {"forall (x), x > 0 ⇒ f(x) = g(x)", "forall (x), lim_{x → ∞}(f(x)) = x",
                   "forall (x), lim_{x → ∞}(g(x)) = x", ""},
+                 // A binder on the way has the name of one around it.
+                 {rule, "forall (x), x > 0 ∧ (forall (x), lim_{t → 0}(f(t)) = x)",
+                  "forall (y), y > 0 ∧ (forall (x), lim_{t → 0}(g(t)) = x)", ""},
+                 {rule, "forall (x), x > 0 ∧ (forall (x), lim_{t → 0}(f(t)) = x)",
+                  "forall (y), y > 0 ∧ (forall (x), lim_{t → 0}(g(t)) = y)", closed},
+                 {rule, "forall (x), (forall (t), t > x) ∧ lim_{t → 0}(f(t)) = x",
+                  "forall (t), (forall (x), x > t) ∧ lim_{x → 0}(g(x)) = t", ""},
                  // The upper bound of the integral lies outside of it, the point outside of the limit.
                  {rule,
                   "lim_{x → 0}(f(x) + int_{0}^{x}(x * diff(x))) = c",
