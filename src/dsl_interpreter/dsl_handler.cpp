@@ -35,6 +35,14 @@ void log_failed_instantiation(const dsl_execute_data& data, term_ptr refused) {
   }
 }
 
+void log_value_refused(const dsl_execute_data& data, term_ptr binder) {
+  log_error_text(data, "instantiation failed: '" + pretty(binder) + "' stands for one finite value\n");
+}
+
+void log_pair_refused(const dsl_execute_data& data) {
+  log_error(data, "instantiation failed: a pair would stand in the place of a set, where it reads as an interval\n");
+}
+
 std::string pretty(term_ptr t) {
   std::string text;
   print_term(text, t);

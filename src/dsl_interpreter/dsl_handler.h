@@ -23,6 +23,11 @@ void log_error_text(const dsl_execute_data& data, const std::string& text);
 // The message for an instantiation that came out null; refused is the name that a notation guards, or null.
 void log_failed_instantiation(const dsl_execute_data& data, term_ptr refused);
 
+// The message for a value that is no single finite one, as a variable stands for.
+void log_value_refused(const dsl_execute_data& data, term_ptr binder);
+// The message for a pair that a value brings into the place of a set, where its text would be an interval.
+void log_pair_refused(const dsl_execute_data& data);
+
 // The pretty and the internal form for a message; a null term gives no text and its line on standard error.
 std::string pretty(term_ptr t);
 std::string internal(term_ptr t);

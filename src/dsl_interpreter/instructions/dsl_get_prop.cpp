@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "dsl_interpreter/dsl_handler.h"
+#include "dsl_interpreter/instructions/single_value.h"
+#include "lib/interval_reading.h"
 #include "lib/semantic_term.h"
 #include "term/compare.h"
 #include "term/state.h"
@@ -134,6 +136,10 @@ bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, ter
       result.redundant_flag = redundant_fail;
       return false;
     }
+    if (holds_several_values(pair.sub_term)) {
+      log_value_refused(data, pair.binder);
+      return false;
+    }
     term_ptr placeholder = make_get_prop_placeholder(quantified, pairs);
     substs.push_back({pair.binder, pair.sub_term, placeholder});
   }
@@ -188,6 +194,10 @@ term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, cons
     log_error_text(data, messages.analyze);
     return nullptr;
   }
+  if (reads_pair_as_interval(reduced, analyzed)) {
+    log_pair_refused(data);
+    return nullptr;
+  }
   return dsl_prepare_term_for_substitution(analyzed);
 }
 
@@ -215,9 +225,20 @@ term_ptr instantiate_source(const dsl_execute_data& data, dsl_result& result, te
       log_failed_instantiation(data, refused);
       return nullptr;
     }
+    const auto at_infinity = std::find_if(pairs.begin(), pairs.end(), [](const dsl_sub_pair& pair) {
+      return holds_any(pair.sub_term, whole_part::infinity_value);
+    });
+    if (at_infinity != pairs.end() && holds_any(substituted, whole_part::infinity_value)) {
+      log_value_refused(data, at_infinity->binder);
+      return nullptr;
+    }
     prepared = substituted == nullptr ? nullptr : parsed_static_analyze_term(substituted);
     if (prepared == nullptr) {
       log_error(data, "failed to run static analysis after get_prop substitution\n");
+      return nullptr;
+    }
+    if (reads_pair_as_interval(substituted, prepared)) {
+      log_pair_refused(data);
       return nullptr;
     }
   }

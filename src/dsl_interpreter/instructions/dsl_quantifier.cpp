@@ -3,6 +3,8 @@
 #include <algorithm>
 
 #include "dsl_interpreter/dsl_handler.h"
+#include "dsl_interpreter/instructions/single_value.h"
+#include "lib/interval_reading.h"
 #include "lib/semantic_term.h"
 #include "term/compare.h"
 #include "term/substitute/instantiate.h"
@@ -68,6 +70,10 @@ term_ptr instantiate_pairs(const dsl_execute_data& data, dsl_result& result, ter
       report_pair(data, result, "quant var don't have '%s'\n", pair.binder);
       return nullptr;
     }
+    if (messages.not_a_name == nullptr && !has_one_value(pair.sub_term)) {
+      log_value_refused(data, pair.binder);
+      return nullptr;
+    }
     if (messages.not_a_name != nullptr) {
       if (!is_var(pair.sub_term)) {
         report_pair(data, result, messages.not_a_name, pair.sub_term);
@@ -128,6 +134,10 @@ dsl_result execute_exists(dsl_execute_data& data) {
   term_ptr analyzed = parsed_static_analyze_term(working);
   if (analyzed == nullptr) {
     log_error(data, "Error: Failed to run static analysis after exists instantiation\n");
+    return result;
+  }
+  if (reads_pair_as_interval(working, analyzed)) {
+    log_pair_refused(data);
     return result;
   }
   term_ptr goal = dsl_prepare_term_for_substitution(analyzed);

@@ -196,7 +196,7 @@ bool rewrite_in_alpha_eqb(term_ptr a, term_ptr b) {
 bool have_equal_scopes(term_ptr a, term_ptr b) { return rewrite_in_alpha_eqb(a->scope(), b->scope()); }
 
 bool source_may_stand_in(term_ptr body, term_ptr source, term_ptr qvar) {
-  free_occurrences occurrences(qvar, true);
+  free_occurrences occurrences(qvar, free_occurrences::in_scopes::yes);
   const auto may_stand = [&](const auto& self, term_ptr t) -> bool {
     if (instance_collector(qvar, occurrences).collect(source, t)) {
       return true;

@@ -10,6 +10,7 @@
 #include <unordered_set>
 #include <utility>
 
+#include "lib/interval_reading.h"
 #include "lib/semantic_term.h"
 #include "qv_solver_list/algebra/expression_reader.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
@@ -393,7 +394,10 @@ bool matches_in_context(rewrite_check& check, term_ptr from, term_ptr to) {
     return false;
   }
   term_ptr analyzed = parsed_static_analyze_term(candidate);
-  term_ptr bound = analyzed == nullptr ? nullptr : copy_term_with_binders(analyzed);
+  if (analyzed == nullptr || reads_pair_as_interval(candidate, analyzed)) {
+    return false;
+  }
+  term_ptr bound = copy_term_with_binders(analyzed);
   return bound != nullptr && check.equal(bound, to);
 }
 

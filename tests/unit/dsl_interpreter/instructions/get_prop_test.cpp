@@ -170,5 +170,21 @@ TEST(GetPropSums, BetaReductionReplacesStarts) {
   EXPECT_EQ(s.step("get_prop (hypothesis 1: {x = x}) as (hypothesis 2: {sum_{i = 3}^{n}(i) = a})"), success);
 }
 
+TEST(GetPropValues, StandForOneFiniteNumber) {
+  script_run s(gap_of({"forall (y), y - y = 0", "forall (a), lim_{x → a}(1) = 1", "forall (S), 1 ∈ S ⇒ S ⊆ T"},
+                      "exists (y), y > c"));
+  const auto get = [&s](const std::string& number, const std::string& pair, const std::string& as) {
+    return s.step("get_prop (hypothesis " + number + ": {1 = 1}) " + pair + " as (hypothesis 4: {" + as + "})");
+  };
+  const outcome refused_y = failed("instantiation failed: 'y' stands for one finite value\n");
+  EXPECT_EQ(get("1", "(y := {±1})", "±1 - ±1 = 0"), refused_y);
+  EXPECT_EQ(get("1", "(y := {bigO_{x → 0}(x)})", "bigO_{x → 0}(x) - bigO_{x → 0}(x) = 0"), refused_y);
+  EXPECT_EQ(get("1", "(y := {∞})", "∞ - ∞ = 0"), refused_y);
+  EXPECT_EQ(s.step("exists (y := {∞})"), refused_y);
+  EXPECT_EQ(get("3", "(S := {(0, 2)})", "1 ∈ (0, 2) ⇒ (0, 2) ⊆ T"),
+            failed("instantiation failed: a pair would stand in the place of a set, where it reads as an interval\n"));
+  EXPECT_EQ(get("2", "(a := {∞})", "lim_{x → ∞}(1) = 1"), success) << "an infinite point is no infinite value";
+}
+
 }  // namespace
 }  // namespace vetro::test

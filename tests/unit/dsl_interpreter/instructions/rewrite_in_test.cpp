@@ -99,6 +99,7 @@ TEST_F(RewriteIn, LimitBodies) {
            "right_to_left"},
           {"forall (x), p(x) = (0, x)", "lim_{x → 1}(h(2 ∈ p(x))) = c", "lim_{x → 1}(h(2 ∈ (0, x))) = c", closed},
           {rule, "lim_{x → 0}(f(±x)) = c", "lim_{x → 0}(g(±x)) = c", closed},
+          {"forall (k), sum_{i = k}^{9}(i) = s(k)", "lim_{k → 0}(sum_{i = k}^{9}(i)) = c", "lim_{k → 0}(s(k)) = c", ""},
           // On the way: everything that binds by a name; nothing that is more than its value.
           {rule, "p = 1 ∧ ¬(lim_{x → 0}(f(x)) = c)", "p = 1 ∧ ¬(lim_{x → 0}(g(x)) = c)", ""},
           {rule, "lim_{x → 0}(lim_{y → 0}(f(y)) + x) = c", "lim_{x → 0}(lim_{t → 0}(g(t)) + x) = c", ""},
@@ -292,6 +293,7 @@ TEST_F(RewriteIn, SetDescriptions) {
           // What is rewritten in a condition rests on the other conditions only.
           {big_value, "{ x | x ∈ S, f(x) > 1 } = A", "{ x | x ∈ S, g(x) > 1 } = A", not_implied("f(x) > 1")},
           {big_value, "{ x | f(x) > 1, f(x) < 9 } = A", "{ x | f(x) > 1, g(x) < 9 } = A", ""},
+          {big_value, "{ f(x) * x | x ∈ S ∧ f(x) > 1 } = A", "{ g(x) * x | x ∈ S ∧ f(x) > 1 } = A", ""},
           {rule, "{ x | x ∈ S ∧ f(x) > 1 } = A", "{ x | x ∈ S, f(x) > 1 } = A", closed},
           {rule, "{ x | x ∈ S ∧ f(x) > 1 } = A", "{ x | (x ∈ S ∧ g(x) > 1) } = A", ""},
           {rule, "{ f(x) | x > 0 } = A", "{ g(x) | x > 1 } = A", closed},

@@ -87,6 +87,14 @@ TEST(RewriteRule, StandsForOneValue) {
   }
 }
 
+TEST(RewriteRule, PairIsNoInterval) {
+  script_run s(gap_of({"p = (0, 1)"}, "x ∈ p"));
+  EXPECT_EQ(s.step("rewrite (left_to_right, equation) (hypothesis 1: {p = (0, 1)}) from (GOAL: {x ∈ p}) to (GOAL: {x ∈ "
+                   "(0, 1)})")
+                .flag,
+            exe_fail);
+}
+
 TEST_F(Rewrite, PremiseOfTheRuleIsNotAsked) {
   s.gap.goal = formula("x = 1 ∧ z = 1");
   EXPECT_EQ(goal_to("5", "y = 1 ∧ z = 1", "left_to_right, iff"), success);
