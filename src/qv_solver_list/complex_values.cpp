@@ -6,6 +6,7 @@
 #include "qv_solver_list/constant_analysis.h"
 #include "qv_solver_list/value_facts.h"
 #include "term/term_split_combine.h"
+#include "term/traverse.h"
 #include "term/walk_tools.h"
 
 namespace vetro {
@@ -17,22 +18,56 @@ bool in_a_real_set(assumption_facts& facts, term_ptr t) {
   return real;
 }
 
+bool holds_complex_set(term_ptr t) {
+  return any_subterm(t, walk_children, [](term_ptr node) { return is_constant(node, ComplexSet); });
+}
+
+// Whether t puts what stands on its left side into a set that may hold complex numbers: the set of complex numbers, one
+// that is built from it, or, where the assumptions speak of that set otherwise, any set that is not known to be real.
+bool puts_into_complex(const prop& t, bool sets_may_be_complex) {
+  if (t.pred != Belong && t.pred != Subset) {
+    return false;
+  }
+  const bool may_be = sets_may_be_complex && !(t.right->type() == Const && facts_of_set(t.right->constant()).real());
+  return may_be || holds_complex_set(t.right);
+}
+
 }  // namespace
 
 complex_values::complex_values(assumption_facts& facts) : facts_(&facts) {
   if (facts.below() != nullptr) {
     const auto& below = facts.below()->table<complex_values>();
     named_ = below.named_;
+    sets_may_be_complex_ = below.sets_may_be_complex_;
     names_ = below.names_;
   }
+  // An assumption that speaks of the set other than as t ∈ Complex may name a set of complex numbers.
   for (term_ptr t : facts.own()) {
     const auto view = t == nullptr || t->has_meta() ? std::nullopt : pred_split(t);
-    if (view && view->pred == Belong && is_constant(view->right, ComplexSet) && !in_a_real_set(facts, view->left)) {
-      named_.insert(view->left->bare());
-      names_ |= view->left->name_mask();
+    const bool plain = view && view->pred == Belong && is_constant(view->right, ComplexSet);
+    sets_may_be_complex_ = sets_may_be_complex_ || (t != nullptr && !plain && holds_complex_set(t));
+  }
+  for (assumption_facts* layer = &facts; layer != nullptr; layer = sets_may_be_complex_ ? layer->below() : nullptr) {
+    for (term_ptr t : layer->own()) {
+      const auto view = t == nullptr || t->has_meta() ? std::nullopt : pred_split(t);
+      if (view && puts_into_complex(*view, sets_may_be_complex_) && !in_a_real_set(facts, view->left)) {
+        name_complex(view->left);
+      }
     }
   }
   spread();
+}
+
+// The term, and each name in it: z, w ∈ Complex speaks of z and w, and 2 * z = 1 + i of z.
+void complex_values::name_complex(term_ptr t) {
+  named_.insert(t->bare());
+  names_ |= t->name_mask();
+  any_subterm(t, walk_children, [this](term_ptr node) {
+    if (node->type() == Var && !in_a_real_set(*facts_, node)) {
+      named_.insert(node->bare());
+    }
+    return false;
+  });
 }
 
 // Equations carry it from one side to the other, also those of the layers below once something new is complex.
@@ -46,8 +81,7 @@ void complex_values::spread() {
         }
         term_ptr other = may_be_complex(fact.left) ? fact.right : fact.left;
         if (!solver_const_expr_is_closed(other) && !in_a_real_set(*facts_, other)) {
-          named_.insert(other->bare());
-          names_ |= other->name_mask();
+          name_complex(other);
           known_.clear();
           grown = true;
         }

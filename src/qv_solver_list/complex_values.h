@@ -22,9 +22,11 @@ class complex_values {
   bool holds_complex(term_ptr t);
   bool is_named(term_ptr t) const;
   void spread();
+  void name_complex(term_ptr t);
 
   assumption_facts* facts_;
   std::unordered_set<term_ptr> named_;  // bare
+  bool sets_may_be_complex_ = false;    // some set with a name of its own may hold complex numbers
   std::uint64_t names_ = 0;             // bits of the names in them
   std::unordered_map<term_ptr, bool> known_;
 };

@@ -449,6 +449,10 @@ bool solve_all_eventual_conditions(const limit_context& view, term_ptr instance,
   const auto atom_holds = [&conditions](term_ptr c) { return conditions.atom_holds(c); };
   return std::all_of(state.rule.conditions.begin(), state.rule.conditions.end(), [&](term_ptr condition) {
     const term_ptr instantiated = instantiate_term(state.rule.qvar, instance, condition);
+    if (instantiated == nullptr) {
+      state.remember_failed_condition(condition, "side condition is not eventually true in this limit context");
+      return false;
+    }
     return all_conjuncts_hold(instantiated, state, "side condition is not an automatically solvable eventual condition",
                               atom_holds);
   });
@@ -459,6 +463,10 @@ bool solve_all_sum_conditions(const sum_context& view, rewrite_in_state& state) 
   const auto atom_holds = [&conditions](term_ptr c) { return conditions.atom_holds(c); };
   return std::all_of(state.rule.conditions.begin(), state.rule.conditions.end(), [&](term_ptr condition) {
     const term_ptr instantiated = instantiate_term(state.rule.qvar, view.var, condition);
+    if (instantiated == nullptr) {
+      state.remember_failed_condition(condition, "side condition is not true on the whole sum range");
+      return false;
+    }
     return all_conjuncts_hold(instantiated, state, "side condition is not automatically true on the whole sum range",
                               atom_holds);
   });
@@ -475,7 +483,8 @@ bool solve_all_setdesc_conditions_from_flat(term_ptr var, const term_list& flat,
     if (instantiated != nullptr && solve_setdesc_condition_with_local_assumptions(instantiated, flat, local)) {
       return true;
     }
-    state.remember_failed_condition(instantiated, "side condition is not implied by set description conditions");
+    state.remember_failed_condition(instantiated == nullptr ? condition : instantiated,
+                                    "side condition is not implied by set description conditions");
     return false;
   });
 }

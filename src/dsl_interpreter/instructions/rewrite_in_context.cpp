@@ -74,7 +74,7 @@ std::optional<set_context> set_context_of(term_ptr t) {
     return std::nullopt;
   }
   const binding b(t);
-  if (b.indices().size() != 1) {
+  if (b.indices().size() != 1 || !is_var(b.indices().front())) {
     return std::nullopt;
   }
   return set_context{b.indices().front(), view->element, {view->conditions.begin(), view->conditions.end()}};

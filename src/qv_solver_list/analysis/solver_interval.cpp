@@ -109,9 +109,9 @@ void interval_problem::add_constraints_from_atom(term_ptr atom, bool negated) {
 void interval_problem::add_pred_constraint(pred_type pred, term_ptr l, term_ptr r, bool asserted) {
   const auto lhs = reader_.parse_expr(l);
   const auto rhs = reader_.parse_expr(r);
-  // Between a number and what has no value of its own, the difference says no more than the other side.
-  const bool with_number =
-      (graph_.is_number(lhs) && !graph_.is_constant(rhs)) || (graph_.is_number(rhs) && !graph_.is_constant(lhs));
+  // Between a number and a variable the difference says no more than the variable; between a number and an expression
+  // it may be the difference that another relation speaks of.
+  const bool with_number = (graph_.is_number(lhs) && is_var(r)) || (graph_.is_number(rhs) && is_var(l));
   const auto diff = with_number ? interval_graph::no_node : reader_.parse_expr(make_binOp_term(Minus, l, r));
   graph_.relate(pred, lhs, rhs, diff, asserted);
 }

@@ -4,6 +4,7 @@
 
 #include "term/kinds.h"
 #include "term/term_split_combine.h"
+#include "term/traverse.h"
 
 namespace vetro {
 namespace {
@@ -178,7 +179,10 @@ void value_kinds::visit_application(term_ptr head, term_ptr t) {
   }
   const use_row* row = row_of(uses, number_of(head));
   const bool membership = head->type() == Pred && (head->pred() == Belong || head->pred() == NotBelong);
-  const bool complex = membership && is_constant(t->right(), ComplexSet);
+  const bool inclusion = head->type() == Pred && head->pred() == Subset;
+  const bool complex = (membership || inclusion) && any_subterm(t->right(), walk_children, [](term_ptr part) {
+                         return is_constant(part, ComplexSet);
+                       });
   for (term_ptr node = t; node->type() == Apply; node = node->left()) {
     --count;
     const bool last = node == t;
@@ -188,6 +192,14 @@ void value_kinds::visit_application(term_ptr head, term_ptr t) {
       mark(node->right(), value_kind::other);
     } else if (complex) {
       mark(node->right(), value_kind::complex);
+    }
+    if (complex && !last) {  // each name in a list or an enumeration of elements
+      any_subterm(node->right(), walk_children, [this](term_ptr part) {
+        if (part->type() == Var) {
+          mark(part, value_kind::complex);
+        }
+        return false;
+      });
     }
   }
   if (const auto view = pred_split(t); view && (view->pred == Eq || view->pred == Neq || view->pred == IdentEq)) {

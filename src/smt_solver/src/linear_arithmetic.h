@@ -31,7 +31,7 @@ class linear_arithmetic {
   using sum_id = std::int32_t;
   enum class answer : unsigned char { feasible, conflict, exhausted };
 
-  explicit linear_arithmetic(budget& work) : work_(work), tableau_(work), graph_(work) {}
+  explicit linear_arithmetic(budget& work) : tableau_(work), graph_(work) {}
 
   // The sum of a primitive form; the same one for the same terms. At any time.
   sum_id sum(const linear_terms& terms);
@@ -79,7 +79,6 @@ class linear_arithmetic {
   int variable_of(atom_id unknown);
   difference difference_of(const linear_terms& terms);
 
-  budget& work_;
   simplex tableau_;
   difference_graph graph_;
   bool started_ = false;

@@ -371,5 +371,13 @@ TEST_F(RewriteIn, RulesAndReferences) {
   EXPECT_EQ(map_problem("(x := {x})"), "");
 }
 
+// Nothing but another name may stand for x below the derivative sign.
+TEST_F(RewriteIn, PremisesThatCannotBeInstantiated) {
+  expect_all("limit",
+             {{"forall (x), (x^2)' > 0 ⇒ f(x) = g(x)", "lim_{n → +∞}(f(n + 1)) = c", "lim_{n → +∞}(g(n + 1)) = c",
+               "rewrite_in limit failed: cannot prove side condition (side condition is not eventually true "
+               "in this limit context):\nx^{2}' > 0\n"}});
+}
+
 }  // namespace
 }  // namespace vetro::test
