@@ -29,7 +29,7 @@ json read_case(const std::string& name) {
   return read_json(fs::path(VETRO_CASES_FOLDER) / name / "expected_result.json");
 }
 
-TEST(ResultSchema, FitsEveryDocument) {
+TEST(result_schema, fits_every_document) {
   const json schema = read_schema();
   ASSERT_NE(schema, nullptr);
   int documents = 0;
@@ -85,7 +85,7 @@ void expect_each_fault_found(cJSON* document, const char* list) {
   EXPECT_EQ(faults_after(document, list, [](cJSON*) {}), "");
 }
 
-TEST(ResultSchema, RefusesBrokenDocuments) {
+TEST(result_schema, refuses_broken_documents) {
   const json branches = read_case("branches");
   expect_each_fault_found(branches.get(), nullptr);
   expect_each_fault_found(branches.get(), "steps");
@@ -94,7 +94,7 @@ TEST(ResultSchema, RefusesBrokenDocuments) {
   expect_each_fault_found(admits.get(), "admits");
 }
 
-TEST(ResultSchema, RefusesValuesOutsideTheLists) {
+TEST(result_schema, refuses_values_outside_the_lists) {
   const json schema = read_schema();
   const json document = read_case("branches");
   const auto refuses = [&](cJSON* object, const char* key, const char* text) {

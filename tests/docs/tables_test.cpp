@@ -142,7 +142,7 @@ struct promise {
   int rows = 0;
 };
 
-TEST(Documents, TablesTellTheTruth) {
+TEST(documents, tables_tell_the_truth) {
   match_init(read_pattern);
   install_solvers(solver_registry());
   promise promises[] = {{"| Text | Internal form |", 2, check_internal_form},

@@ -15,7 +15,7 @@ struct instance {
   bool follows;
 };
 
-TEST(Binding, Instances) {
+TEST(binding, instances) {
   const instance table[] = {
       // A value is not caught by what names an index, whatever the form.
       {"forall (x), sum_{i = 1 ∨ i = 2}(x) = 2 * x", "(x := {i})", "sum_{i = 1 ∨ i = 2}(i) = 2 * i", false},
@@ -85,7 +85,7 @@ TEST(Binding, Instances) {
   }
 }
 
-TEST(Binding, Witnesses) {
+TEST(binding, witnesses) {
   script_run caught(gap_of({}, "exists (x), sum_{i < n}(x) = n * x"));
   EXPECT_EQ(caught.step("exists (x := {i})").flag, exe_fail);
   EXPECT_EQ(caught.step("exists (x := {y})"), success);
@@ -103,7 +103,7 @@ struct question {
   bool proved;
 };
 
-TEST(Binding, Consequences) {
+TEST(binding, consequences) {
   const question table[] = {
       // Names that nothing says to be indices are no names to choose.
       {"", "sum_{i mod n = 1}(i) = sum_{i mod m = 1}(i)", false},
@@ -176,7 +176,7 @@ struct rewriting {
   bool follows;
 };
 
-TEST(Binding, Rewriting) {
+TEST(binding, rewriting) {
   const rewriting table[] = {
       {"x = 3", "(x^2)' = y", "(3^2)' = y", false},
       {"x = 3", "(x^2)' = x", "(x^2)' = 3", true},

@@ -7,7 +7,7 @@
 namespace vetro::test {
 namespace {
 
-TEST(Engine, stops_behind_the_finishing_instruction) {
+TEST(engine, stops_behind_the_finishing_instruction) {
   run r(gap_of({"x > 0"}, "x > 0"));
   EXPECT_EQ(r.execute({admit("y > 0"), autosolve({1}), autosolve({99})}), exe_finish);
   ASSERT_EQ(r.data.summary.steps.size(), 2U);
@@ -22,7 +22,7 @@ TEST(Engine, stops_behind_the_finishing_instruction) {
   EXPECT_EQ(r.error_text, "");
 }
 
-TEST(Engine, stops_at_a_failure_and_records_it) {
+TEST(engine, stops_at_a_failure_and_records_it) {
   run r(gap_of({"x > 0"}, "y > 0"));
   EXPECT_EQ(r.execute({admit("z > 0"), autosolve({1}, "EqbSolver"), admit("z > 1")}), exe_fail);
   ASSERT_EQ(r.data.summary.steps.size(), 2U);
@@ -32,14 +32,14 @@ TEST(Engine, stops_at_a_failure_and_records_it) {
   EXPECT_EQ(r.gap.assu_num(), 2);
 }
 
-TEST(Engine, is_a_success_when_the_list_ends_with_the_goal_open) {
+TEST(engine, is_a_success_when_the_list_ends_with_the_goal_open) {
   run r(gap_of({}, "y > 0"));
   EXPECT_EQ(r.execute({admit("z > 0")}), exe_success);
   EXPECT_TRUE(proof_gap_full_is_pending(r.gap));
   EXPECT_EQ(r.execute({}), exe_success);
 }
 
-TEST(Engine, fails_every_instruction_on_a_finished_gap) {
+TEST(engine, fails_every_instruction_on_a_finished_gap) {
   run r(gap_of({"x > 0"}, "x > 0"));
   proof_gap_full_mark_finished(r.gap);
   EXPECT_EQ(r.execute({autosolve({1})}), exe_fail);
@@ -48,7 +48,7 @@ TEST(Engine, fails_every_instruction_on_a_finished_gap) {
   EXPECT_EQ(r.step(1).redundant_flag, redundant_ignore);
 }
 
-TEST(Engine, reads_a_split_as_a_changed_goal_and_pictures_the_first_branch) {
+TEST(engine, reads_a_split_as_a_changed_goal_and_pictures_the_first_branch) {
   run r(gap_of({"x > 0 ∨ x < 0"}, "x ≠ 0"));
   r.data.keep_texts = true;
   EXPECT_EQ(r.execute({case_analysis(1), admit("y = 0")}), exe_gap_split);
@@ -61,7 +61,7 @@ TEST(Engine, reads_a_split_as_a_changed_goal_and_pictures_the_first_branch) {
   EXPECT_EQ(r.gap.assum.front(), formula("x > 0 ∨ x < 0"));
 }
 
-TEST(Engine, counts_repeated_inputs_of_one_list_whatever_their_line) {
+TEST(engine, counts_repeated_inputs_of_one_list_whatever_their_line) {
   run r(gap_of({}, "y > 0"));
   r.data.keep_texts = true;
   r.execute({admit("x = 0", 1), admit("x = 1", 2), admit("x = 0", 30), block("x = 2", {admit("x = 0", 5)}, 4)});
@@ -73,7 +73,7 @@ TEST(Engine, counts_repeated_inputs_of_one_list_whatever_their_line) {
   EXPECT_EQ(r.gap.assu_num(), 3) << "a repeated instruction is executed like any other";
 }
 
-TEST(Engine, tells_blocks_with_other_inner_lines_apart) {
+TEST(engine, tells_blocks_with_other_inner_lines_apart) {
   run r(gap_of({}, "x = 0"));
   r.data.keep_texts = true;
   const auto proof = [](int line) { return block("y = y", {admit("y = y", line), autosolve({1})}); };
@@ -83,7 +83,7 @@ TEST(Engine, tells_blocks_with_other_inner_lines_apart) {
   EXPECT_TRUE(r.step(3).repeated_input);
 }
 
-TEST(Engine, signature_is_the_text_behind_the_line_number) {
+TEST(engine, signature_is_the_text_behind_the_line_number) {
   EXPECT_EQ(instruction_signature_from_text("12. \t apply x"), "apply x");
   EXPECT_EQ(instruction_signature_from_text("12 apply 3. x"), "apply 3. x");
   EXPECT_EQ(instruction_signature_from_text("1.. x"), ". x");
@@ -91,7 +91,7 @@ TEST(Engine, signature_is_the_text_behind_the_line_number) {
   EXPECT_EQ(instruction_signature_from_text(""), "");
 }
 
-TEST(Engine, keeps_texts_and_gaps_only_where_they_are_read) {
+TEST(engine, keeps_texts_and_gaps_only_where_they_are_read) {
   run silent(gap_of({"x > 0"}, "y > 0"));
   silent.execute({admit("z > 0"), admit("z > 0")});
   EXPECT_EQ(silent.step(1).gap_before, nullptr);
@@ -107,7 +107,7 @@ TEST(Engine, keeps_texts_and_gaps_only_where_they_are_read) {
   EXPECT_EQ(kept.step(2).gap_after->assu_num(), 3);
 }
 
-TEST(Engine, names_steps_by_their_place_in_the_blocks) {
+TEST(engine, names_steps_by_their_place_in_the_blocks) {
   run r(gap_of({"x > 0"}, "x > 0"));
   const dsl_instruction inner = block("x > 0", {admit("y = 1"), autosolve({1})});
   r.execute({admit("y = 0"), block("x > 0", {inner, autosolve({1})})});
@@ -125,7 +125,7 @@ TEST(Engine, names_steps_by_their_place_in_the_blocks) {
   EXPECT_EQ(dsl_trace_make_step_id(r.data, 5), std::string(128, '7'));
 }
 
-TEST(Engine, sees_what_a_step_changed_up_to_bound_names) {
+TEST(engine, sees_what_a_step_changed_up_to_bound_names) {
   const proof_gap_full before = gap_of({"x > 0", "forall (a), a = a"}, "forall (a), a < b");
   proof_gap_full after = gap_of({"x > 0", "forall (c), c = c"}, "forall (c), c < b");
   EXPECT_FALSE(goal_changed_between(before, after));
@@ -148,7 +148,7 @@ TEST(Engine, sees_what_a_step_changed_up_to_bound_names) {
   EXPECT_FALSE(goal_changed_between(proof_gap_full{}, proof_gap_full{}));
 }
 
-TEST(Engine, gives_the_solvers_the_selected_hypotheses) {
+TEST(engine, gives_the_solvers_the_selected_hypotheses) {
   run r(gap_of({"x = 1", "x = 2", "x = 3"}, "x = 4"));
   const solve_data all = dsl_data_to_solve_data_all(r.data);
   EXPECT_EQ(all.assum, r.gap.assum);
@@ -170,7 +170,7 @@ TEST(Engine, gives_the_solvers_the_selected_hypotheses) {
   }
 }
 
-TEST(Engine, autosolve_uses_only_what_is_selected) {
+TEST(engine, autosolve_uses_only_what_is_selected) {
   run without(gap_of({"x > 0"}, "x > 0"));
   EXPECT_EQ(without.execute({autosolve({}, "EqbSolver")}), exe_fail);
   EXPECT_FALSE(without.gap.finished);

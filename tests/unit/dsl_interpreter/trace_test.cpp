@@ -19,7 +19,7 @@ std::string step_text(const dsl_content& content, bool internal = false) {
   return r.execute_text;
 }
 
-class TraceOfInstruction : public testing::Test {
+class trace_of_instruction_test : public testing::Test {
  protected:
   const dsl_term hypothesis = hypothesis_ref(2, "x > 1");
   const dsl_term goal = goal_ref("y = 3");
@@ -30,7 +30,7 @@ class TraceOfInstruction : public testing::Test {
   const dsl_sub_list pairs = {{formula("a"), formula("2")}, {formula("b"), formula("x + 1")}};
 };
 
-TEST_F(TraceOfInstruction, shows_header_and_fields) {
+TEST_F(trace_of_instruction_test, shows_header_and_fields) {
   const std::pair<dsl_content, const char*> rows[] = {
       {dsl_get_prop{external, pairs, hypothesis},
        "[7] get_prop @alg:6 as H2\n  source: @alg:6: b = b\n  subst: a := 2, b := x + 1\n  expected_as: H2: x > 1\n"},
@@ -68,7 +68,7 @@ TEST_F(TraceOfInstruction, shows_header_and_fields) {
   }
 }
 
-TEST_F(TraceOfInstruction, lets_internal_lines_run_into_what_follows) {
+TEST_F(trace_of_instruction_test, lets_internal_lines_run_into_what_follows) {
   const std::string x_gt_1 = "x > 1", internal = print_term_internal_to_string(formula(x_gt_1));
   EXPECT_EQ(step_text(dsl_apply{hypothesis}, true),
             "[7] apply H2\n  source: H2: x > 1\n  source H2 internal: " + internal);
@@ -81,7 +81,7 @@ TEST_F(TraceOfInstruction, lets_internal_lines_run_into_what_follows) {
             step_text(dsl_assert{hypothesis, {}, dsl_assert_auto}));
 }
 
-TEST(Trace, opens_with_the_gap_at_top_level_only) {
+TEST(trace, opens_with_the_gap_at_top_level_only) {
   run r(gap_of({"x > 0", "y > 0"}, "x + y > 0"));
   dsl_trace_print_initial_context(r.data);
   EXPECT_EQ(r.execute_text,
@@ -117,7 +117,7 @@ std::string result_text(const proof_gap_full& before, const proof_gap_full& afte
   return r.execute_text;
 }
 
-TEST(Trace, tells_the_effects_of_a_step) {
+TEST(trace, tells_the_effects_of_a_step) {
   const proof_gap_full start = gap_of({"x > 0", "y > 0"}, "x = 1");
   proof_gap_full finished = start;
   proof_gap_full_mark_finished(finished);
@@ -135,7 +135,7 @@ TEST(Trace, tells_the_effects_of_a_step) {
             "  result: success\n  effect: update H1: x > 9\n");
 }
 
-TEST(Trace, puts_internal_forms_behind_effects_in_fast_mode_only) {
+TEST(trace, puts_internal_forms_behind_effects_in_fast_mode_only) {
   const proof_gap_full start = gap_of({}, "x = 1");
   const proof_gap_full after = gap_of({"z > 0"}, "x = 2");
   EXPECT_EQ(result_text(start, after, exe_success, fast_mode, true),
@@ -147,7 +147,7 @@ TEST(Trace, puts_internal_forms_behind_effects_in_fast_mode_only) {
   EXPECT_EQ(debug.find("added internal"), std::string::npos);
 }
 
-TEST(Trace, shows_gaps_before_and_after_in_the_checking_modes) {
+TEST(trace, shows_gaps_before_and_after_in_the_checking_modes) {
   const proof_gap_full before = gap_of({"x > 0"}, "x = 1");
   proof_gap_full after = gap_of({}, "x = 2");
   proof_gap_full_mark_finished(after);
@@ -167,14 +167,14 @@ TEST(Trace, shows_gaps_before_and_after_in_the_checking_modes) {
   EXPECT_NE(internal.find("\n\n      Method:\n  gap after:\n"), std::string::npos);
 }
 
-TEST(Trace, announces_each_step_on_standard_output) {
+TEST(trace, announces_each_step_on_standard_output) {
   testing::internal::CaptureStdout();
   dsl_trace_print_instruction_progress("2.3", admit("x = 0"));
   dsl_trace_print_instruction_progress("4", autosolve({}));
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "== Step 2.3 | assert ==\n== Step 4 | autosolve ==\n");
 }
 
-TEST(Trace, knows_every_name_and_answers_unknown_outside) {
+TEST(trace, knows_every_name_and_answers_unknown_outside) {
   EXPECT_STREQ(dsl_trace_type_name(GET_PROP_INST), "get_prop");
   EXPECT_STREQ(dsl_trace_type_name(SOLVER_INST), "solver");
   EXPECT_STREQ(dsl_exe_code_name(exe_gap_split), "gap_split");

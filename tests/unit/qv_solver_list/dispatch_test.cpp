@@ -44,7 +44,7 @@ class dispatch : public solver_test {
   }
 };
 
-TEST_F(dispatch, AnAssumptionIsProvedByTheFirstSolver) {
+TEST_F(dispatch, an_assumption_is_proved_by_the_first_solver) {
   const run r = solve({"a = 1", "forall (x), x > y"}, "forall (z), z > y");
   EXPECT_TRUE(r.proved);
   EXPECT_EQ(r.lines,
@@ -52,7 +52,7 @@ TEST_F(dispatch, AnAssumptionIsProvedByTheFirstSolver) {
   EXPECT_FALSE(solve({"a = 1", "forall (x), x > y"}, "forall (y), y > y", 0).proved);
 }
 
-TEST_F(dispatch, ReflexiveRelations) {
+TEST_F(dispatch, reflexive_relations) {
   EXPECT_TRUE(solver_reflexivity(read("sum_{i = 1}^{n}(i) = sum_{j = 1}^{n}(j)"), {}));
   EXPECT_TRUE(solver_reflexivity(read("a ≥ a"), {}));
   EXPECT_TRUE(solver_reflexivity(read("a ≤ a"), {}));
@@ -65,7 +65,7 @@ TEST_F(dispatch, ReflexiveRelations) {
   EXPECT_FALSE(solver_reflexivity(nullptr, {}));
 }
 
-TEST_F(dispatch, ProgressOfAFailedRun) {
+TEST_F(dispatch, progress_of_a_failed_run) {
   // Nothing can be split, so the battery runs once; the filter prints nothing.
   const run r = solve({}, "x ∈ A ∩ B", 1);
   EXPECT_FALSE(r.proved);
@@ -81,7 +81,7 @@ TEST_F(dispatch, ProgressOfAFailedRun) {
   EXPECT_TRUE(r.lines.ends_with("after zero step process\nx ∈ A\nsolver id: 2's posprocess\n"));
 }
 
-TEST_F(dispatch, ConjunctionsAreFilteredLeafByLeaf) {
+TEST_F(dispatch, conjunctions_are_filtered_leaf_by_leaf) {
   const std::initializer_list<std::string_view> assumptions = {"a = 1", "b = 2"};
   EXPECT_TRUE(solve(assumptions, "(a = 1 ∧ c = c) ∧ b = 2", 0).proved);
   EXPECT_FALSE(solve(assumptions, "(a = 1 ∧ c = d) ∧ b = 2", 0).proved);
@@ -90,7 +90,7 @@ TEST_F(dispatch, ConjunctionsAreFilteredLeafByLeaf) {
   EXPECT_TRUE(r.has("after filter\nc = d\n"));
 }
 
-TEST_F(dispatch, Splitting) {
+TEST_F(dispatch, splitting) {
   EXPECT_EQ(shown(zero_step_process(read("a = 1 ⇔ b = 1"))), "a = 1 ⇒ b = 1; b = 1 ⇒ a = 1");
   EXPECT_EQ(shown(zero_step_process(read("(a = 1 ⇔ b = 1) ∧ c = 1"))), "a = 1 ⇔ b = 1; c = 1");
   EXPECT_EQ(shown(zero_step_process(read("a < b ≤ c"))), "b ≤ c; a < b");
@@ -102,7 +102,7 @@ TEST_F(dispatch, Splitting) {
   EXPECT_FALSE(solve({"a < b", "c ≤ b"}, "a < b ≤ c").proved);
 }
 
-TEST_F(dispatch, OneDisjunctIsEnough) {
+TEST_F(dispatch, one_disjunct_is_enough) {
   // Neither disjunct is propositional from the assumptions; the second unfolds to two of them.
   const std::initializer_list<std::string_view> assumptions = {"x ∈ A", "y ∈ B"};
   const run r = solve(assumptions, "x ∈ C ∨ (x, y) ∈ CartesianProd(A, B)");
@@ -111,7 +111,7 @@ TEST_F(dispatch, OneDisjunctIsEnough) {
   EXPECT_FALSE(solve(assumptions, "x ∈ C ∨ (x, y) ∈ CartesianProd(A, D)").proved);
 }
 
-TEST_F(dispatch, EachLayerCostsOneFee) {
+TEST_F(dispatch, each_layer_costs_one_fee) {
   const std::initializer_list<std::string_view> assumptions = {"a ∈ A", "b ∈ B", "c ∈ C", "d ∈ D"};
   const std::string two = "CartesianProd(A, B)";
   const std::string three = "CartesianProd(" + two + ", C)";
@@ -122,13 +122,13 @@ TEST_F(dispatch, EachLayerCostsOneFee) {
   EXPECT_FALSE(solve(assumptions, "(((a, b), c), d) ∈ CartesianProd(" + three + ", D)", 2).proved);
 }
 
-TEST_F(dispatch, AssumptionsAreEnrichedForTheBattery) {
+TEST_F(dispatch, assumptions_are_enriched_for_the_battery) {
   EXPECT_TRUE(select({"x ∈ [0, 1)"}, "x < 1", "EqbSolver").proved);
   EXPECT_FALSE(select({"x ∈ [0, 1]"}, "x < 1", "EqbSolver").proved);
   EXPECT_FALSE(solve({"¬(x ∈ NatPlus)"}, "¬(x ≥ 1)").proved);
 }
 
-TEST_F(dispatch, NamedSolvers) {
+TEST_F(dispatch, named_solvers) {
   const run r = select({"a = 1"}, "a = 1", "EqbSolver");
   EXPECT_TRUE(r.proved);
   EXPECT_EQ(r.lines, "fee = 2\nselected solver: EqbSolver\nEq(a, 1)\n");
@@ -144,7 +144,7 @@ TEST_F(dispatch, NamedSolvers) {
   EXPECT_TRUE(select({"a = 1", "b = 1"}, "a = 1 ∧ b = 1", "").proved);
 }
 
-TEST_F(dispatch, OneStepResults) {
+TEST_F(dispatch, one_step_results) {
   const solve_data sdata = given({"a = 1"});
   const auto evaluate = [&](res_type type, bool ans, term_list list) {
     testing::internal::CaptureStdout();
@@ -160,7 +160,7 @@ TEST_F(dispatch, OneStepResults) {
   EXPECT_TRUE(evaluate(termlist_or, false, {read("b = 1"), read("a = 1")}).first);
 }
 
-TEST_F(dispatch, ASolverThatRunsOutAnswersFalse) {
+TEST_F(dispatch, a_solver_that_runs_out_answers_false) {
   const solver_decide out_of_memory = [](term_ptr, const solve_data&) -> bool { throw std::bad_alloc(); };
   EXPECT_FALSE(call_decision_solver(out_of_memory, read("a = 1"), {}));
   EXPECT_FALSE(call_decision_solver(nullptr, read("a = 1"), {}));
@@ -182,13 +182,13 @@ TEST_F(dispatch, ASolverThatRunsOutAnswersFalse) {
   EXPECT_NE(read("after = 1"), nullptr);  // outside a solver there is no budget
 }
 
-TEST_F(dispatch, NullTargetIsNotProved) {
+TEST_F(dispatch, null_target_is_not_proved) {
   EXPECT_FALSE(solver_manager_dsl(nullptr, given({"a = 1"}), initial_fee));
   EXPECT_FALSE(solver_manager_dsl_with_solver(nullptr, given({"a = 1"}), initial_fee, "EqbSolver"));
   EXPECT_FALSE(solver_eqb(nullptr, given({"a = 1"})));
 }
 
-TEST_F(dispatch, ManyAssumptionsAndConjuncts) {
+TEST_F(dispatch, many_assumptions_and_conjuncts) {
   // 10,000 conjunctions as assumptions, and as many of their parts as one goal.
   solve_data sdata;
   term_ptr goal = nullptr;

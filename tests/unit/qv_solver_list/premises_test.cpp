@@ -9,7 +9,7 @@ namespace {
 
 class assumptions : public solver_test {};
 
-TEST_F(assumptions, TheRecordFollowsTheList) {
+TEST_F(assumptions, the_record_follows_the_list) {
   solve_data sdata = given({"a = 1", "forall (x), x > 0", "p = 1 ∧ q = 1"});
   for (int question = 0; question < 3; ++question) {  // a scan first, a table later
     EXPECT_TRUE(is_assumption(read("forall (y), y > 0"), sdata));
@@ -29,7 +29,7 @@ TEST_F(assumptions, TheRecordFollowsTheList) {
   }
 }
 
-TEST_F(assumptions, LayersSeeWhatIsBelow) {
+TEST_F(assumptions, layers_see_what_is_below) {
   const solve_data sdata = given({"x ∈ IntegerSet", "x > 0"});
   const term_list more = {read("x ∈ PosRealSet"), read("y > x")};
   const solve_data extended = with_assumptions(sdata, more);
@@ -82,7 +82,7 @@ class premises : public solver_test {
   std::array<solver_row, 22> rows_;
 };
 
-TEST_F(premises, AreAskedInTheOrderOfTheTableAndOnce) {
+TEST_F(premises, are_asked_in_the_order_of_the_table_and_once) {
   const solve_data sdata = given({"a > 0 ∧ b > 0"});
   prover deriv(sdata, side_table::deriv);
   EXPECT_TRUE(deriv.positive(mk_var("b")));
@@ -100,7 +100,7 @@ TEST_F(premises, AreAskedInTheOrderOfTheTableAndOnce) {
   EXPECT_TRUE(deriv.under(more).proves(read("d = 1")));
 }
 
-TEST_F(premises, AnAnswerFromMemoryDrawsTheSameNames) {
+TEST_F(premises, an_answer_from_memory_draws_the_same_names) {
   const solve_data sdata;
   put(solver_id::poly_rat, draws_a_name);
   put(solver_id::const_type, nullptr);
@@ -114,7 +114,7 @@ TEST_F(premises, AnAnswerFromMemoryDrawsTheSameNames) {
   EXPECT_EQ(asked, std::vector<solver_id>{});
 }
 
-TEST_F(premises, OneThatNeedsItselfIsOpen) {
+TEST_F(premises, one_that_needs_itself_is_open) {
   const solve_data sdata;
   put(solver_id::numeric_calc, needs_itself);
   put(solver_id::const_type, nullptr);

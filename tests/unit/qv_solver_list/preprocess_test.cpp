@@ -28,7 +28,7 @@ class preprocess : public solver_test {
   }
 };
 
-TEST_F(preprocess, IntervalsBecomeComparisons) {
+TEST_F(preprocess, intervals_become_comparisons) {
   EXPECT_EQ(derived({"x ∈ (a, b)"}), "a < x; x < b");
   EXPECT_EQ(derived({"x ∈ [a, b)"}), "a ≤ x; x < b");
   EXPECT_EQ(derived({"x ∈ (a, b]"}), "a < x; x ≤ b");
@@ -36,14 +36,14 @@ TEST_F(preprocess, IntervalsBecomeComparisons) {
   EXPECT_EQ(derived({"x ∈ A"}), "");
 }
 
-TEST_F(preprocess, ChainsAreCutIntoTheirLinks) {
+TEST_F(preprocess, chains_are_cut_into_their_links) {
   EXPECT_EQ(derived({"a < b ≤ c = d"}), "a < b; b ≤ c; c = d");
   EXPECT_EQ(derived({"x = 1 ∧ 0 < y < 1"}), "x = 1; 0 < y < 1; 0 < y; y < 1");
   EXPECT_EQ(derived({"x = 1 ∨ 0 < y < 1"}), "");
   EXPECT_EQ(derived({"a_1 < a_2 < ... < a_n"}), "");
 }
 
-TEST_F(preprocess, SignedSetsBecomeComparisons) {
+TEST_F(preprocess, signed_sets_become_comparisons) {
   EXPECT_EQ(derived({"n ∈ PosIntegerSet"}), "n ≥ 1");
   EXPECT_EQ(derived({"n ∈ NegIntegerSet"}), shown(make_binPred_prop(Le, mk_var("n"), mk_integer(-1))));
   for (const std::string kind : {"Integer", "Rational", "Real"}) {
@@ -57,7 +57,7 @@ TEST_F(preprocess, SignedSetsBecomeComparisons) {
   }
 }
 
-TEST_F(preprocess, DiscreteSetsAreLoweredOnlyWhereAWeakerStatementFollows) {
+TEST_F(preprocess, discrete_sets_are_lowered_only_where_a_weaker_statement_follows) {
   EXPECT_EQ(lowered("n ∈ NatPlus ∧ (m ∈ Nat ∨ a = 1)"), "n ≥ 1 ∧ (m ≥ 0 ∨ a = 1)");
   EXPECT_EQ(lowered("a = 1 ⇒ n ∈ NatPlus"), "a = 1 ⇒ n ≥ 1");
   // From these the comparison would not follow: x = 1/2 is no positive integer and not below 1 either.
@@ -71,7 +71,7 @@ TEST_F(preprocess, DiscreteSetsAreLoweredOnlyWhereAWeakerStatementFollows) {
   EXPECT_EQ(lowered("x ∈ (0, 1) ⇔ a = 1"), "0 < x ∧ x < 1 ⇔ a = 1");
 }
 
-TEST_F(preprocess, MembershipsThatAreNoPropositionStay) {
+TEST_F(preprocess, memberships_that_are_no_proposition_stay) {
   for (const std::string_view untouched :
        {"sum_{i ∈ [1, n]}(a_i) = 1", "sum_{i ∈ NatPlus}(a_i) = 1", "forall (x ∈ [0, 1]), x = 1",
         "forall (x), x ∈ [0, 1] ⇒ x = 1", "{x | x ∈ [0, 1]} = A"}) {
@@ -80,7 +80,7 @@ TEST_F(preprocess, MembershipsThatAreNoPropositionStay) {
   }
 }
 
-TEST_F(preprocess, TupleEquationsOpen) {
+TEST_F(preprocess, tuple_equations_open) {
   EXPECT_EQ(derived({"(a, b) = (c, d)"}), "a = c; b = d");
   EXPECT_EQ(derived({"(a, b, p) = (c, d, q)"}), "a = c; b = d; p = q");
   EXPECT_EQ(derived({"((a, b), x) = ((c, d), y)"}), "a = c; b = d; x = y");
@@ -90,7 +90,7 @@ TEST_F(preprocess, TupleEquationsOpen) {
   EXPECT_EQ(opened("forall (x), (x, b) = (c, d)"), "forall (x), x = c ∧ b = d");
 }
 
-TEST_F(preprocess, MetadataOfUntouchedPartsStays) {
+TEST_F(preprocess, metadata_of_untouched_parts_stays) {
   const std::string_view text = "sum_{i = 1}^{n}(i) = 1 [@scope n > 0 @] ∧ x ∈ RealPlus";
   term_ptr sum_part = split_connect(read(text), And).front();
   ASSERT_NE(sum_part->scope(), nullptr);
@@ -107,7 +107,7 @@ TEST_F(preprocess, MetadataOfUntouchedPartsStays) {
   }
 }
 
-TEST_F(preprocess, NothingIsHeldTwice) {
+TEST_F(preprocess, nothing_is_held_twice) {
   EXPECT_EQ(derived({"x > 0 ∧ y > 0", "x > 0"}), "y > 0");
   EXPECT_EQ(derived({"x > 0 ∧ y > 0", "y > 0 ∧ x > 0"}), "x > 0; y > 0");
   EXPECT_EQ(derived({"x > 0", "x > 0"}), "");
@@ -115,7 +115,7 @@ TEST_F(preprocess, NothingIsHeldTwice) {
   EXPECT_EQ(derived({"a = 1 ∧ (forall (x), x > 0)", "forall (y), y > 0"}), "a = 1");
 }
 
-TEST_F(preprocess, EnrichmentIsTheSameAtEveryLevel) {
+TEST_F(preprocess, enrichment_is_the_same_at_every_level) {
   const solve_data source = given({"x ∈ [0, 1] ∧ n ∈ NatPlus", "(a, b) = (c, d)", "a = 1"});
   solve_data once;
   solve_data twice;
@@ -126,7 +126,7 @@ TEST_F(preprocess, EnrichmentIsTheSameAtEveryLevel) {
 }
 
 // A record that was made for another list must give what a new one gives.
-TEST_F(preprocess, EnrichmentFollowsAListThatGrowsShrinksAndChanges) {
+TEST_F(preprocess, enrichment_follows_a_list_that_grows_shrinks_and_changes) {
   const term_list pool = {read("x > 0 ∧ y > 0"),
                           read("x > 0"),
                           read("y > 0 ∧ (forall (s), s > 0)"),
@@ -166,7 +166,7 @@ TEST_F(preprocess, EnrichmentFollowsAListThatGrowsShrinksAndChanges) {
   }
 }
 
-TEST_F(preprocess, AGrowingListCostsWhatIsAdded) {
+TEST_F(preprocess, a_growing_list_costs_what_is_added) {
   solve_data source;
   for (int i = 0; i < 4'000; ++i) {
     term_ptr lower = make_binPred_prop(Lt, mk_integer(i), numbered("x", i));
@@ -181,7 +181,7 @@ TEST_F(preprocess, AGrowingListCostsWhatIsAdded) {
   }
 }
 
-TEST_F(preprocess, NullsAndEmptyRecords) {
+TEST_F(preprocess, nulls_and_empty_records) {
   solve_data source;
   solve_data enriched;
   EXPECT_TRUE(solver_preprocess_build_augmented_sdata(source, enriched));
@@ -195,7 +195,7 @@ TEST_F(preprocess, NullsAndEmptyRecords) {
   EXPECT_EQ(solver_preprocess_expand_tuple_equalities(nullptr), nullptr);
 }
 
-TEST_F(preprocess, SharedAndDeepFormulasCostTheirDistinctNodes) {
+TEST_F(preprocess, shared_and_deep_formulas_cost_their_distinct_nodes) {
   term_ptr shared = read("x ∈ [0, 1]");
   for (int level = 0; level < 200; ++level) {
     shared = make_composed_prop(Iff, shared, shared);

@@ -218,7 +218,7 @@ void expect_exact_counters(const sat_data& s) {
   }
 }
 
-TEST(Cdcl, AgreesWithBruteForce) {
+TEST(cdcl, agrees_with_brute_force) {
   std::mt19937 random(1);
   int unsatisfiable = 0;
   for (int round = 0; round < 3000; ++round) {
@@ -242,7 +242,7 @@ TEST(Cdcl, AgreesWithBruteForce) {
   EXPECT_GT(unsatisfiable, 500);
 }
 
-TEST(Cdcl, TakesTheSameWayAsAScanOfAllClauses) {
+TEST(cdcl, takes_the_same_way_as_a_scan_of_all_clauses) {
   std::mt19937 random(2);
   std::size_t learnt = 0;
   int exhausted = 0;
@@ -279,7 +279,7 @@ TEST(Cdcl, TakesTheSameWayAsAScanOfAllClauses) {
   EXPECT_GT(exhausted, 5);
 }
 
-TEST(Cdcl, DecidesInOrderAndTrue) {
+TEST(cdcl, decides_in_order_and_true) {
   sat_data s = problem(4, {{-1, -3}});
   EXPECT_EQ(cdcl_solver(s), cdcl_sat);
   EXPECT_EQ(s.v_data.value, (std::vector<std::int8_t>{1, 1, 0, 1}));
@@ -288,13 +288,13 @@ TEST(Cdcl, DecidesInOrderAndTrue) {
   EXPECT_EQ(solve(0, {}), cdcl_sat);
 }
 
-TEST(Cdcl, ConflictAtLevelZeroLearnsNothing) {
+TEST(cdcl, conflict_at_level_zero_learns_nothing) {
   sat_data s = problem(2, {{1}, {-1, 2}, {-2}});
   EXPECT_EQ(cdcl_solver(s), cdcl_unsat);
   EXPECT_EQ(s.cl_size(), 3);
 }
 
-TEST(Cdcl, KeepsTheDecisionNotTheFirstCut) {
+TEST(cdcl, keeps_the_decision_not_the_first_cut) {
   // 1 forces 2, 2 forces 3 and 4, which exclude each other: the first cut would be 2, and come first.
   sat_data s = problem(4, {{-1, 2}, {-2, 3}, {-2, 4}, {-3, -4}});
   EXPECT_EQ(cdcl_solver(s), cdcl_sat);
@@ -306,7 +306,7 @@ TEST(Cdcl, KeepsTheDecisionNotTheFirstCut) {
   EXPECT_EQ(s.v_data.ancient[0], 4);
 }
 
-TEST(Cdcl, ReturnsToTheSecondHighestLevel) {
+TEST(cdcl, returns_to_the_second_highest_level) {
   sat_data s = problem(5, {{-1, -4, 5}, {-1, -4, -5}});
   EXPECT_EQ(bcp(s), -1);
   for (int v = 0; v < 3; ++v) {
@@ -324,7 +324,7 @@ TEST(Cdcl, ReturnsToTheSecondHighestLevel) {
 }
 
 // Up to the first conflict and back again in single steps, with a recount of all clauses after each.
-TEST(Cdcl, CountersAreExactAfterEveryStep) {
+TEST(cdcl, counters_are_exact_after_every_step) {
   std::mt19937 random(4);
   int returned = 0;
   for (int round = 0; round < 200; ++round) {
@@ -353,14 +353,14 @@ TEST(Cdcl, CountersAreExactAfterEveryStep) {
   EXPECT_GT(returned, 50);
 }
 
-TEST(Cdcl, NothingLearntEndsTheSearch) {
+TEST(cdcl, nothing_learnt_ends_the_search) {
   const sat_data s = problem(1, {{1}});
   testing::internal::CaptureStdout();
   EXPECT_EQ(conflict_analysis({}, s), -1);
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "error, empty learnt clause");
 }
 
-TEST(Cdcl, RepeatedAndOpposedLiterals) {
+TEST(cdcl, repeated_and_opposed_literals) {
   sat_data s = problem(2, {{-1, -1, -2}, {1, 1}, {2, -2}, {2, 2}});
   EXPECT_EQ(s.cl_size(), 3);
   EXPECT_EQ(s.cl_data[0].state, -2);
@@ -368,7 +368,7 @@ TEST(Cdcl, RepeatedAndOpposedLiterals) {
   EXPECT_EQ(cdcl_solver(s), cdcl_unsat);
 }
 
-TEST(Cdcl, CapacityIsEightTimesTheClauses) {
+TEST(cdcl, capacity_is_eight_times_the_clauses) {
   const clause_list clauses = pigeonhole(6);
   sat_data s = problem(7 * 6, clauses);
   EXPECT_EQ(s.cl_maxsize, 8 * static_cast<int>(clauses.size()));
@@ -383,7 +383,7 @@ TEST(Cdcl, CapacityIsEightTimesTheClauses) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "");
 }
 
-TEST(Cdcl, Pigeonholes) {
+TEST(cdcl, pigeonholes) {
   for (int holes = 4; holes <= 7; ++holes) {
     sat_data s = problem((holes + 1) * holes, pigeonhole(holes));
     s.cl_maxsize = 1 << 20;
@@ -394,7 +394,7 @@ TEST(Cdcl, Pigeonholes) {
   }
 }
 
-TEST(Cdcl, RandomUnsatisfiableThreeClauses) {
+TEST(cdcl, random_unsatisfiable_three_clauses) {
   std::mt19937 random(3);
   int refuted = 0;
   for (int round = 0; round < 10; ++round) {
@@ -407,7 +407,7 @@ TEST(Cdcl, RandomUnsatisfiableThreeClauses) {
   EXPECT_EQ(refuted, 10);
 }
 
-TEST(Cdcl, CostFollowsClauseLength) {
+TEST(cdcl, cost_follows_clause_length) {
   // Long chains of implications that nothing contradicts: every literal is looked at a few times, no more.
   const int length = 100000;
   clause_list chain = {{1}};

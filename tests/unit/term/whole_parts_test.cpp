@@ -14,7 +14,7 @@ namespace {
 
 using enum whole_part;
 
-TEST(WholeParts, AreFoundByKind) {
+TEST(whole_parts, are_found_by_kind) {
   reset_state();
   struct row {
     std::string_view text;

@@ -14,7 +14,7 @@
 namespace vetro::test {
 namespace {
 
-class apply : public testing::Test {
+class apply_chains : public testing::Test {
  protected:
   void SetUp() override {
     reset_state();
@@ -37,7 +37,7 @@ class apply : public testing::Test {
   }
 };
 
-TEST_F(apply, LeavesThePremisesBeforeTheFirstRestThatMeetsTheGoal) {
+TEST_F(apply_chains, leaves_the_premises_before_the_first_rest_that_meets_the_goal) {
   constexpr std::string_view chain = "a = 1 ⇒ (b = 1 ⇒ (c = 1 ⇒ d = 1))";
   EXPECT_EQ(left_to_show(chain, "d = 1"), "a = 1 ∧ b = 1 ∧ c = 1");
   EXPECT_EQ(left_to_show(chain, "c = 1 ⇒ d = 1"), "a = 1 ∧ b = 1");
@@ -64,7 +64,7 @@ term_ptr goal_by_scan(term_ptr hypothesis, term_ptr goal) {
   return lambda_condition_from_list(premises);
 }
 
-TEST_F(apply, StopsWhereAScanOfAllRestsStops) {
+TEST_F(apply_chains, stops_where_a_scan_of_all_rests_stops) {
   std::mt19937 random(5);
   const auto below = [&random](unsigned bound) { return static_cast<int>(random() % bound); };
   const auto atom = [&] {
@@ -95,7 +95,7 @@ TEST_F(apply, StopsWhereAScanOfAllRestsStops) {
   }
 }
 
-TEST_F(apply, EndsOnChainsOfHardQuestions) {
+TEST_F(apply_chains, ends_on_chains_of_hard_questions) {
   // The goal is beyond the limit of propositional reasoning, so that no question is decided; equality still is.
   term_ptr hard = formula("a = 1");
   for (int level = 0; level < 20; ++level) {

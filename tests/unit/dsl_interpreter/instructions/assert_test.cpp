@@ -5,7 +5,7 @@
 namespace vetro::test {
 namespace {
 
-TEST(Assert, SolversProveOrTheStepFailsSilently) {
+TEST(assert, solvers_prove_or_the_step_fails_silently) {
   script_run s(gap_of({"a = 1"}, "z = 1"), strong_check_mode);
   EXPECT_EQ(s.step("assert (hypothesis 99: {2 * x = x + x})"), success)
       << "the number is for the reader, in every mode";
@@ -16,7 +16,7 @@ TEST(Assert, SolversProveOrTheStepFailsSilently) {
   EXPECT_TRUE(s.data.admits.empty());
 }
 
-TEST(Assert, BlockLeavesItsPropositionOnly) {
+TEST(assert, block_leaves_its_proposition_only) {
   script_run s(gap_of({"a = 1"}, "z = 1"), strong_check_mode);
   EXPECT_EQ(s.step("assert (hypothesis 2: {forall (x), x = x}) by proof {\n"
                    "get_forall (GOAL: {forall (x), x = x}) (x := {u})\n"
@@ -31,7 +31,7 @@ TEST(Assert, BlockLeavesItsPropositionOnly) {
   EXPECT_EQ(s.data.summary.steps.size(), 1U);
 }
 
-TEST(Assert, BlockThatProvesNothing) {
+TEST(assert, block_that_proves_nothing) {
   const outcome not_proved = failed("execute_assert: proof block did not prove the asserted hypothesis\n");
   script_run s(gap_of({"a = 1 ∨ b = 1", "c = 1"}, "c = 1"));
   const auto block_of = [&s](const std::string& steps) {
@@ -61,7 +61,7 @@ TEST(Assert, BlockThatProvesNothing) {
             "execute_assert: manual assert proof has no proof body\n");
 }
 
-TEST(Assert, AdmitsAreRecordedWhereTheyStood) {
+TEST(assert, admits_are_recorded_where_they_stood) {
   script_run s(gap_of({"a = 1"}, "z = 1"));
   EXPECT_EQ(s.step("assert (hypothesis 77: {b = 1}) by admit"), success);
   EXPECT_EQ(s.step("\n\nassert (hypothesis 3: {c = 1}) by proof {\n"
@@ -90,7 +90,7 @@ TEST(Assert, AdmitsAreRecordedWhereTheyStood) {
   EXPECT_EQ(s.gap.assu_num(), 2);
 }
 
-TEST(Assert, NothingIsAdmittedWithoutAFormula) {
+TEST(assert, nothing_is_admitted_without_a_formula) {
   script_run s(gap_of({}, "z = 1"));
   EXPECT_EQ(s.step("assert (hypothesis 1: {b +}) by admit"),
             failed("execute_assert: failed to record admitted proposition\n"));

@@ -24,7 +24,7 @@ outcome replace_in_goal(script_run& run, const replacing& r) {
                   ") from (GOAL: {c = c}) to (GOAL: {" + r.new_form + "})");
 }
 
-TEST(AutoReplace, PlacesAndReasons) {
+TEST(auto_replace, places_and_reasons) {
   const std::string not_equal = "Auto-replace failed: cannot simplify ";
   const replacing table[] = {
       {"(x + 1)^2", "x^2 + 2 * x + 1", "(x + 1)^2 > 0", "x^2 + 2 * x + 1 > 0", ""},
@@ -68,7 +68,7 @@ TEST(AutoReplace, PlacesAndReasons) {
                                            "which does not match the to_prop:\nx > 0"));
 }
 
-TEST(AutoReplace, SourceAndTarget) {
+TEST(auto_replace, source_and_target) {
   script_run run(gap_of({"x + x > 0", "c = 1"}, "x + x > 1"));
   const auto step = [&run](const std::string& from, const std::string& to) {
     return run.step("autoreplace (hypothesis 2: {c = 1}) from (x + x) to (2 * x) from " + from + " to " + to);
@@ -88,7 +88,7 @@ TEST(AutoReplace, SourceAndTarget) {
   EXPECT_EQ(run.hypothesis(3), "2 * x > 0");
 }
 
-TEST(NotNormalize, SameNegationForm) {
+TEST(not_normalize, same_negation_form) {
   script_run run(gap_of({}, "¬(forall (x), x > 0)"));
   const auto step = [&run](const std::string& from, const std::string& to) {
     return run.step("not_normalize from (GOAL: {" + from + "}) to (GOAL: {" + to + "})");

@@ -12,9 +12,9 @@ constexpr const char* library =
     "Thm 6. (twice)\nforall (x), x + 0 = x\n"
     "Thm 7. (values)\nforall (f)(x), f(x) = f(x + 0)\n";
 
-class GetProp : public testing::Test {
+class get_prop_test : public testing::Test {
  protected:
-  explicit GetProp(dsl_execute_mode mode = fast_mode)
+  explicit get_prop_test(dsl_execute_mode mode = fast_mode)
       : s(gap_of({"x > 0", "forall (u), forall (v), u < v"}, "z = 1"), mode, library) {}
 
   // The third hypothesis from a source, the pairs and the formula behind as.
@@ -25,42 +25,42 @@ class GetProp : public testing::Test {
   script_run s;
 };
 
-class GetPropStrong : public GetProp {
+class get_prop_strong_test : public get_prop_test {
  protected:
-  GetPropStrong() : GetProp(strong_check_mode) {}
+  get_prop_strong_test() : get_prop_test(strong_check_mode) {}
 };
 
-TEST_F(GetProp, ValuesGoInAtTheSameTime) {
+TEST_F(get_prop_test, values_go_in_at_the_same_time) {
   EXPECT_EQ(third("(theorem 3: {x +})", "(x := {y}) (y := {x})", "y < x ⇒ ¬(x < y)"), success);
   EXPECT_EQ(s.hypothesis(3), "y < x ⇒ ¬x < y");
   EXPECT_EQ(s.gap.assu_num(), 3);
 }
 
-TEST_F(GetProp, QuantifierKeepsTheOtherVariables) {
+TEST_F(get_prop_test, quantifier_keeps_the_other_variables) {
   EXPECT_EQ(third("(theorem 3: {x = x})", "(x := {y + 1})", "forall (t), y + 1 < t ⇒ ¬(t < y + 1)"), success);
   EXPECT_EQ(s.hypothesis(3), "forall (t), y + 1 < t ⇒ ¬t < y + 1") << "in the script's wording";
   EXPECT_EQ(s.step("get_prop (hypothesis 2: {x = x}) (v := {2}) as (hypothesis 4: {forall (u), u < 2})"), success)
       << "directly nested quantifiers are one";
 }
 
-TEST_F(GetProp, CapturesNothing) {
+TEST_F(get_prop_test, captures_nothing) {
   EXPECT_EQ(third("(theorem 3: {x = x})", "(x := {y})", "forall (y), y < y ⇒ ¬(y < y)").flag, exe_fail);
   EXPECT_EQ(third("(theorem 3: {x = x})", "(x := {y})", "forall (w), y < w ⇒ ¬(w < y)"), success);
 }
 
-TEST_F(GetProp, WithoutPairsTheSourceMayBeAnything) {
+TEST_F(get_prop_test, without_pairs_the_source_may_be_anything) {
   EXPECT_EQ(third("(hypothesis 1: {x +})", "", "x > 0"), success);
   EXPECT_EQ(s.step("get_prop (hypothesis 2: {x +}) as (hypothesis 4: {forall (p)(q), p < q})"), success);
   EXPECT_EQ(s.step("get_prop (hypothesis 1: {x +}) (x := {1}) as (hypothesis 5: {1 > 0})"),
             failed("invalid term for get_prop instantiation\nx > 0\n"));
 }
 
-TEST_F(GetProp, FunctionValuesAreBetaReduced) {
+TEST_F(get_prop_test, function_values_are_beta_reduced) {
   EXPECT_EQ(third("(theorem 7: {x = x})", "(f := {fun t . t^2}) (x := {3})", "3^2 = (fun s . s^2)(3 + 0)"), success);
   EXPECT_EQ(s.hypothesis(3), "3^{2} = (3 + 0)^{2}");
 }
 
-TEST_F(GetProp, SourceThatIsNotThere) {
+TEST_F(get_prop_test, source_that_is_not_there) {
   const auto of_source = [this](const std::string& source) { return third(source, "", "x > 0"); };
   EXPECT_EQ(of_source("(hypothesis 0: {x > 0})"),
             failed("Invalid hypothesis number: 0, current proof gap has 2 hypotheses\n"));
@@ -72,7 +72,7 @@ TEST_F(GetProp, SourceThatIsNotThere) {
   EXPECT_EQ(s.gap.assu_num(), 2);
 }
 
-TEST_F(GetProp, NameDecidesWhereTheNumberDoesNotFit) {
+TEST_F(get_prop_test, name_decides_where_the_number_does_not_fit) {
   const auto of_source = [this](const std::string& source) {
     return third(source, "(x := {1}) (y := {2})", "1 < 2 ⇒ ¬(2 < 1)");
   };
@@ -98,7 +98,7 @@ TEST_F(GetProp, NameDecidesWhereTheNumberDoesNotFit) {
       << "where the number fits, the formula is for the reader";
 }
 
-TEST_F(GetPropStrong, ChecksEachPair) {
+TEST_F(get_prop_strong_test, checks_each_pair) {
   const auto with = [this](const std::string& pairs) { return third("(theorem 3: {x +})", pairs, "x = x"); };
   EXPECT_EQ(with("(z := {1})"), failed("quant var don't have 'z'\n", redundant_fail));
   EXPECT_EQ(with("(x := {1}) (x := {2})"), failed("duplicate substitution for quant var 'x'\n", redundant_fail));
@@ -107,7 +107,7 @@ TEST_F(GetPropStrong, ChecksEachPair) {
             failed("quant var don't have 'w'\n", redundant_fail));
 }
 
-TEST_F(GetPropStrong, TargetIsComparedInEveryMode) {
+TEST_F(get_prop_strong_test, target_is_compared_in_every_mode) {
   const std::string line = "get_prop (hypothesis 1: {x > 0}) as ";
   EXPECT_EQ(s.step(line + "(GOAL: {x > 0})"),
             failed("get_prop requires an explicit target hypothesis in 'as (...)'\n", redundant_fail));
@@ -132,7 +132,7 @@ TEST_F(GetPropStrong, TargetIsComparedInEveryMode) {
       << "what is stored is not what was written";
 }
 
-TEST_F(GetProp, PlaceholdersOnlyRise) {
+TEST_F(get_prop_test, placeholders_only_rise) {
   const std::int64_t before = state().placeholder_counter;
   EXPECT_EQ(third("(theorem 3: {x = x})", "(x := {qvar" + std::to_string(before) + "}) (y := {1})",
                   "qvar" + std::to_string(before) + " < 1 ⇒ ¬(1 < qvar" + std::to_string(before) + ")"),
@@ -141,7 +141,7 @@ TEST_F(GetProp, PlaceholdersOnlyRise) {
   EXPECT_EQ(state().placeholder_counter, before + 3);
 }
 
-TEST(GetPropSums, StartsKeepTheirMeaning) {
+TEST(get_prop_sums, starts_keep_their_meaning) {
   script_run s(
       gap_of({"forall (x), sum_{i = x}^{x}(i) = x", "forall (S)(f), sum_{i ∈ S}(f(i) + 1) = g(sum_{i ∈ S}(f(i)))",
               "forall (x), exists (y), forall (k), x = y + k - k", "forall (y), { x + y | x > y } = A"},
@@ -164,13 +164,13 @@ TEST(GetPropSums, StartsKeepTheirMeaning) {
 }
 
 // Both functions list the start of their sum among the bound names; beta reduction replaces it all the same.
-TEST(GetPropSums, BetaReductionReplacesStarts) {
+TEST(get_prop_sums, beta_reduction_replaces_starts) {
   script_run s(gap_of({"(fun c, i . sum_{i = c}^{n}(i))(3)(1) = a"}, "z = 1"));
   EXPECT_EQ(s.step("get_prop (hypothesis 1: {x = x}) as (hypothesis 2: {sum_{i = c}^{n}(i) = a})").flag, exe_fail);
   EXPECT_EQ(s.step("get_prop (hypothesis 1: {x = x}) as (hypothesis 2: {sum_{i = 3}^{n}(i) = a})"), success);
 }
 
-TEST(GetPropValues, StandForOneFiniteNumber) {
+TEST(get_prop_values, stand_for_one_finite_number) {
   script_run s(gap_of({"forall (y), y - y = 0", "forall (a), lim_{x → a}(1) = 1", "forall (S), 1 ∈ S ⇒ S ⊆ T"},
                       "exists (y), y > c"));
   const auto get = [&s](const std::string& number, const std::string& pair, const std::string& as) {

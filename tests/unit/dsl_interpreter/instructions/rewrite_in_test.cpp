@@ -46,7 +46,7 @@ struct rewriting {
 };
 
 // One step on a fresh proof state.
-class RewriteIn : public testing::Test {
+class rewrite_in_test : public testing::Test {
  protected:
   static std::string error_of(const std::string& context, const rewriting& r) {
     reset_state();
@@ -74,7 +74,7 @@ class RewriteIn : public testing::Test {
 constexpr const char* rule = "forall (x), f(x) = g(x)";
 constexpr const char* positive_rule = "forall (x), x > 0 ⇒ f(x) = g(x)";
 
-TEST_F(RewriteIn, LimitBodies) {
+TEST_F(rewrite_in_test, limit_bodies) {
   const std::string closed = not_obtained("limit");
   expect_all(
       "limit",
@@ -122,7 +122,7 @@ TEST_F(RewriteIn, LimitBodies) {
       });
 }
 
-TEST_F(RewriteIn, NamesNeverMeet) {
+TEST_F(rewrite_in_test, names_never_meet) {
   const std::string closed = not_obtained("limit");
   expect_all("limit",
              {
@@ -161,7 +161,7 @@ TEST_F(RewriteIn, NamesNeverMeet) {
              });
 }
 
-TEST_F(RewriteIn, EventualPremises) {
+TEST_F(rewrite_in_test, eventual_premises) {
   const auto with = [](const char* premise) { return "forall (x), " + std::string(premise) + " ⇒ f(x) = g(x)"; };
   struct row {
     const char* premise;
@@ -230,7 +230,7 @@ TEST_F(RewriteIn, EventualPremises) {
                       });
 }
 
-TEST_F(RewriteIn, Sums) {
+TEST_F(rewrite_in_test, sums) {
   const std::string closed = not_obtained("sum");
   const char* at_least_one = "forall (k), k ≥ 1 ⇒ f(k) = g(k)";
   const char* at_most_n = "forall (k), k ≤ n ⇒ f(k) = g(k)";
@@ -275,7 +275,7 @@ TEST_F(RewriteIn, Sums) {
       });
 }
 
-TEST_F(RewriteIn, SetDescriptions) {
+TEST_F(rewrite_in_test, set_descriptions) {
   const std::string closed = not_obtained("setdesc");
   const char* big_value = "forall (x), f(x) > 1 ⇒ f(x) = g(x)";
   const std::string other_binder =
@@ -307,7 +307,7 @@ TEST_F(RewriteIn, SetDescriptions) {
       "(x := {x})");
 }
 
-TEST_F(RewriteIn, RulesAndReferences) {
+TEST_F(rewrite_in_test, rules_and_references) {
   const std::string from = "lim_{t → 0}(f(t)) = c";
   const std::string to = "lim_{t → 0}(g(t)) = c";
   const std::string no_forall =
@@ -372,7 +372,7 @@ TEST_F(RewriteIn, RulesAndReferences) {
 }
 
 // Nothing but another name may stand for x below the derivative sign.
-TEST_F(RewriteIn, PremisesThatCannotBeInstantiated) {
+TEST_F(rewrite_in_test, premises_that_cannot_be_instantiated) {
   expect_all("limit",
              {{"forall (x), (x^2)' > 0 ⇒ f(x) = g(x)", "lim_{n → +∞}(f(n + 1)) = c", "lim_{n → +∞}(g(n + 1)) = c",
                "rewrite_in limit failed: cannot prove side condition (side condition is not eventually true "

@@ -10,9 +10,9 @@ constexpr const char* note =
     "could capture or change the meaning of free variables. For rewriting under a limit binder with a forall equation, "
     "use rewrite_in limit.\n";
 
-class Rewrite : public testing::Test {
+class rewrite_test : public testing::Test {
  protected:
-  Rewrite()
+  rewrite_test()
       : s(gap_of({"a = b", "f(a) > 0", "p = 1 ⇔ q = 1", "c = 1 ⇒ x = y", "c = 1 ⇒ (x = 1 ⇔ y = 1)", "a < b"},
                  "forall (t), t + a > g(a)"),
           strong_check_mode) {}
@@ -26,7 +26,7 @@ class Rewrite : public testing::Test {
   script_run s;
 };
 
-TEST_F(Rewrite, InstallsTheWrittenForm) {
+TEST_F(rewrite_test, installs_the_written_form) {
   EXPECT_EQ(goal_to("1", "forall (u), u + b > g(b)").flag, exe_fail) << "the forms have the same bound names";
   s.execute_text.clear();
   EXPECT_EQ(goal_to("1", "forall (t), t + a > g(b)"), success) << "one place of two";
@@ -41,7 +41,7 @@ TEST_F(Rewrite, InstallsTheWrittenForm) {
   EXPECT_EQ(goal_to("1", "forall (t), t + b > g(b)", "right_to_left, equation"), success);
 }
 
-TEST_F(Rewrite, WrittenOldFormMustBeTheRealOne) {
+TEST_F(rewrite_test, written_old_form_must_be_the_real_one) {
   const std::string rule = "rewrite (left_to_right, equation) (hypothesis 99: {a = b}) from ";
   const std::string goal = "current_goal: forall (t), t + a > g(a)\n";
   EXPECT_EQ(s.step(rule + "(GOAL: {a = a}) to (GOAL: {b = b})"),
@@ -59,7 +59,7 @@ TEST_F(Rewrite, WrittenOldFormMustBeTheRealOne) {
       << "the old form may have other bound names, and the rule comes next";
 }
 
-TEST_F(Rewrite, RuleIsAnEquationOrAnEquivalence) {
+TEST_F(rewrite_test, rule_is_an_equation_or_an_equivalence) {
   const std::string from_to = " from (hypothesis 2: {f(a) > 0}) to (hypothesis 2: {f(b) > 0})";
   const auto with = [this, from_to](const std::string& kind, const std::string& rule) {
     return s.step("rewrite (left_to_right, " + kind + ") " + rule + from_to);
@@ -78,7 +78,7 @@ TEST_F(Rewrite, RuleIsAnEquationOrAnEquivalence) {
   EXPECT_EQ(with("equation", "(hypothesis 1: {q +})"), success);
 }
 
-TEST(RewriteRule, StandsForOneValue) {
+TEST(rewrite_rule, stands_for_one_value) {
   script_run s(gap_of({"x = bigO_{x → 0}(x)", "p = 1 ⇒ x = bigO_{x → 0}(x)", "x = ±1", "x > 0"}, "z = 1"));
   for (const std::string rule : {"1", "2", "3"}) {
     EXPECT_EQ(s.step("rewrite (left_to_right, equation) (hypothesis " + rule +
@@ -87,7 +87,7 @@ TEST(RewriteRule, StandsForOneValue) {
   }
 }
 
-TEST(RewriteRule, PairIsNoInterval) {
+TEST(rewrite_rule, pair_is_no_interval) {
   script_run s(gap_of({"p = (0, 1)"}, "x ∈ p"));
   EXPECT_EQ(s.step("rewrite (left_to_right, equation) (hypothesis 1: {p = (0, 1)}) from (GOAL: {x ∈ p}) to (GOAL: {x ∈ "
                    "(0, 1)})")
@@ -95,13 +95,13 @@ TEST(RewriteRule, PairIsNoInterval) {
             exe_fail);
 }
 
-TEST_F(Rewrite, PremiseOfTheRuleIsNotAsked) {
+TEST_F(rewrite_test, premise_of_the_rule_is_not_asked) {
   s.gap.goal = formula("x = 1 ∧ z = 1");
   EXPECT_EQ(goal_to("5", "y = 1 ∧ z = 1", "left_to_right, iff"), success);
   EXPECT_EQ(goal_to("4", "x = 1 ∧ z = 1"), success);
 }
 
-TEST_F(Rewrite, FailureShowsTheRulesOwnSides) {
+TEST_F(rewrite_test, failure_shows_the_rules_own_sides) {
   s.gap.goal = formula("q = 1");
   EXPECT_EQ(goal_to("3", "p = 2", "right_to_left, iff"),
             failed("The target form cannot be obtained by subterm rewriting with the hypothesis iff.\n"
@@ -115,7 +115,7 @@ TEST_F(Rewrite, FailureShowsTheRulesOwnSides) {
   EXPECT_EQ(s.goal(), "q = 1");
 }
 
-TEST_F(Rewrite, ResultGoesWhereItMay) {
+TEST_F(rewrite_test, result_goes_where_it_may) {
   const auto second_to = [this](const std::string& to) {
     return s.step("rewrite (left_to_right, equation) (hypothesis 1: {a = b}) from (hypothesis 2: {f(a) > 0}) to " + to);
   };
@@ -135,7 +135,7 @@ TEST_F(Rewrite, ResultGoesWhereItMay) {
   EXPECT_EQ(s.gap.assu_num(), 7);
 }
 
-TEST_F(Rewrite, OnlyWhatStandsInTheGapIsRewritten) {
+TEST_F(rewrite_test, only_what_stands_in_the_gap_is_rewritten) {
   const auto refused = failed("rewrite to hypothesis is only allowed when rewriting from a hypothesis.\n");
   const std::string rule = "rewrite (left_to_right, equation) (hypothesis 1: {a = b}) from ";
   for (const std::string from : {"(theorem 1: {h(a) = 1})", "(obvious: {h(a) = 1})"}) {

@@ -8,7 +8,7 @@ namespace {
 
 // ---- exists, get_exists, get_forall.
 
-TEST(Exists, TakesWitnessesInTurn) {
+TEST(exists, takes_witnesses_in_turn) {
   script_run s(gap_of({}, "exists (x)(y), x < y"));
   EXPECT_EQ(s.step("exists (x := {3})"), success);
   EXPECT_EQ(s.goal(), "exists (y), 3 < y");
@@ -18,7 +18,7 @@ TEST(Exists, TakesWitnessesInTurn) {
   EXPECT_EQ(s.goal(), "3 < a + b");
 }
 
-TEST(Exists, ChecksEachPair) {
+TEST(exists, checks_each_pair) {
   const auto of_pairs = [](std::string_view goal, const std::string& pairs) {
     script_run s(gap_of({}, goal), strong_check_mode);
     const outcome result = s.step("exists " + pairs);
@@ -42,7 +42,7 @@ TEST(Exists, ChecksEachPair) {
   EXPECT_EQ(s.step("exists (x := {1})"), failed("Error: No current goal to instantiate exists quantifier\n"));
 }
 
-TEST(Exists, WitnessKeepsItsMeaning) {
+TEST(exists, witness_keeps_its_meaning) {
   script_run s(gap_of({}, "exists (n), forall (m), n ≥ m"));
   EXPECT_EQ(s.step("exists (n := {m + 1})"), success);
   EXPECT_FALSE(term_eqb(s.gap.goal, formula("forall (m), m + 1 ≥ m")));
@@ -55,7 +55,7 @@ TEST(Exists, WitnessKeepsItsMeaning) {
             failed("instantiation failed: a pair would stand in the place of a set, where it reads as an interval\n"));
 }
 
-TEST(GetExists, NamesWhatTheSourcePromises) {
+TEST(get_exists, names_what_the_source_promises) {
   const char* library = "Thm 3. (archimedes)\nforall (x), exists (n), n > x\nThm 4. (root)\nexists (x), x^2 = 2\n";
   script_run s(gap_of({"exists (x)(y), x < y"}, "z = 1"), strong_check_mode, library);
   EXPECT_EQ(s.step("get_exists (hypothesis 1: {exists (u)(v), u < v}) (y := {b})"), strong_success);
@@ -70,7 +70,7 @@ TEST(GetExists, NamesWhatTheSourcePromises) {
   EXPECT_EQ(s.hypothesis(4), "a < b");
 }
 
-TEST(GetExists, RejectsASourceThatIsNotThere) {
+TEST(get_exists, rejects_a_source_that_is_not_there) {
   script_run s(gap_of({"exists (x), x = 1"}, "z = 1"), fast_mode, "Thm 2. (one)\nexists (x), x = 1\n");
   const auto of_source = [&s](const std::string& source) { return s.step("get_exists " + source + " (x := {a})"); };
   const char* range = "Invalid target hypothesis number: %lld, current proof gap has 1 hypotheses\n";
@@ -84,7 +84,7 @@ TEST(GetExists, RejectsASourceThatIsNotThere) {
   EXPECT_EQ(s.gap.assu_num(), 1);
 }
 
-TEST(GetExists, ChecksEachPair) {
+TEST(get_exists, checks_each_pair) {
   script_run s(gap_of({"exists (x)(y), x < y + b_k", "p = 1"}, "f(g) = 1"), strong_check_mode);
   const auto with = [&s](const std::string& pairs) {
     return s.step("get_exists (hypothesis 1: {exists (x)(y), x < y + b_k}) " + pairs);
@@ -108,7 +108,7 @@ TEST(GetExists, ChecksEachPair) {
   EXPECT_EQ(s.hypothesis(3), "x < y + b_{k}");
 }
 
-TEST(GetExists, SetOfAnEntryCounts) {
+TEST(get_exists, set_of_an_entry_counts) {
   script_run s(gap_of({"exists (x), x = 1", "forall (y ∈ S), y > 0"}, "q = 1"));
   const auto named = [&s](const std::string& name) {
     return s.step("get_exists (hypothesis 1: {exists (x), x = 1}) (x := {" + name + "})").flag;
@@ -117,7 +117,7 @@ TEST(GetExists, SetOfAnEntryCounts) {
   EXPECT_EQ(named("y"), exe_success);
 }
 
-TEST(GetForall, FixesVariables) {
+TEST(get_forall, fixes_variables) {
   script_run s(gap_of({"a = 1"}, "forall (x)(y), x + y = y + a"), strong_check_mode);
   EXPECT_EQ(s.step("get_forall (GOAL: {forall (x)(y), x + y = y + a}) (y := {u})"), strong_success);
   EXPECT_EQ(s.goal(), "forall (x), x + u = u + a");
@@ -130,7 +130,7 @@ TEST(GetForall, FixesVariables) {
   EXPECT_EQ(s.goal(), "v + u = u + a");
 }
 
-TEST(GetForall, ChecksReferenceAndPairs) {
+TEST(get_forall, checks_reference_and_pairs) {
   script_run s(gap_of({"a_n = 1"}, "forall (x)(y), x < y"), strong_check_mode);
   const auto with = [&s](const std::string& pairs) {
     const outcome result = s.step("get_forall (GOAL: {forall (x)(y), x < y}) " + pairs);
@@ -155,7 +155,7 @@ TEST(GetForall, ChecksReferenceAndPairs) {
 }
 
 // The start of a sum is a variable like any other, although the text of a formula lists it among the bound ones.
-TEST(Quantifiers, StartsOfSumsAreFree) {
+TEST(quantifiers, starts_of_sums_are_free) {
   const auto stale = [](const std::string& kind, const std::string& name) {
     return failed(
         kind + " replacement var '" + name + "' must be fresh among free variables in the current proof gap\n",
@@ -171,7 +171,7 @@ TEST(Quantifiers, StartsOfSumsAreFree) {
   EXPECT_TRUE(term_eqb(s.gap.goal, formula("sum_{i = d}^{n}(i) = 5")));
 }
 
-TEST(Quantifiers, StartsOfSumsAreReplaced) {
+TEST(quantifiers, starts_of_sums_are_replaced) {
   script_run starts(gap_of({}, "forall (k)(m), sum_{i = k}^{n}(i) = sum_{i = m}^{n}(i)"));
   EXPECT_EQ(starts.step("get_forall (GOAL: {x = 1}) (k := {c}) (m := {d})"), success);
   EXPECT_FALSE(solver_manager_dsl(starts.gap.goal, {}, initial_fee)) << "the two starts are different names";
@@ -192,7 +192,7 @@ TEST(Quantifiers, StartsOfSumsAreReplaced) {
 }
 
 // What a notation binds was decided under the quantifier. At the top of a formula the same text may say more.
-TEST(Quantifiers, OpeningKeepsWhatIsBound) {
+TEST(quantifiers, opening_keeps_what_is_bound) {
   script_run s(gap_of({"exists (y), { x + y | x > y } = A", "exists (S), { x | x ∈ S } = A"},
                       "forall (y), { x + y | x > y } = A"));
   EXPECT_EQ(s.step("get_exists (hypothesis 1: {x = x}) (y := {c})"), success);
@@ -208,7 +208,7 @@ TEST(Quantifiers, OpeningKeepsWhatIsBound) {
 }
 
 // A notation that speaks of a name without binding it: the name may change, nothing else may take its place.
-TEST(Quantifiers, WhatIsGuardedIsNotReplaced) {
+TEST(quantifiers, what_is_guarded_is_not_replaced) {
   script_run s(gap_of({}, "exists (x), (x^2)' = 2 * x"));
   EXPECT_EQ(s.step("exists (x := {3})"),
             failed("instantiation failed: a notation speaks of 'x' without telling whether it binds it\n"));
@@ -216,7 +216,7 @@ TEST(Quantifiers, WhatIsGuardedIsNotReplaced) {
   EXPECT_TRUE(term_eqb(s.gap.goal, formula("(t^2)' = 2 * t")));
 }
 
-TEST(Quantifiers, ResultIsTheFormulaRetyped) {
+TEST(quantifiers, result_is_the_formula_retyped) {
   script_run s(gap_of({"exists (c), lim_{x → c}(f(x)) = c"}, "forall (n), sum_{i = 1}^{n}(i) = n * (n + 1) / 2"));
   EXPECT_EQ(s.step("get_forall (GOAL: {x = 1}) (n := {m})"), success);
   EXPECT_TRUE(term_eqb(s.gap.goal, formula("sum_{i = 1}^{m}(i) = m * (m + 1) / 2")));
@@ -226,7 +226,7 @@ TEST(Quantifiers, ResultIsTheFormulaRetyped) {
 
 // ---- get_condition, use_condition.
 
-TEST(GetCondition, MovesPremises) {
+TEST(get_condition, moves_premises) {
   script_run s(gap_of({"z = 1"}, "a = 1 ⇒ (forall (x), x = b) ⇒ c = 1"), strong_check_mode);
   s.gap.goal = formula("a = 1 ⇒ ((forall (x), x = b) ⇒ c = 1)");
   EXPECT_EQ(s.step("get_condition (hypothesis 2: {a = 1}) (hypothesis 77: {forall (y), y = b}) in "
@@ -237,7 +237,7 @@ TEST(GetCondition, MovesPremises) {
   EXPECT_EQ(s.hypothesis(3), "forall (x), x = b") << "the goal's own wording";
 }
 
-TEST(GetCondition, FailsWithWhatItMovedSoFar) {
+TEST(get_condition, fails_with_what_it_moved_so_far) {
   const std::string_view goal = "a = 1 ⇒ (b = 1 ⇒ c = 1)";
   const auto with = [goal](const std::string& conditions, int moved) {
     script_run s(gap_of({"z = 1"}, goal));
@@ -269,7 +269,7 @@ TEST(GetCondition, FailsWithWhatItMovedSoFar) {
   EXPECT_EQ(s.goal(), "b = 1 ⇒ c = 1");
 }
 
-TEST(UseCondition, DischargesPremises) {
+TEST(use_condition, discharges_premises) {
   script_run s(gap_of({"x = 1 ⇒ (2 * y = y + y ⇒ z = 1)", "x = 1", "f(1 + x) = 2", "f(x + 1) = 2 ⇒ w = 1"}, "z = 1"),
                strong_check_mode);
   EXPECT_EQ(s.step("use_condition (hypothesis 2: {x = 1}) (obvious: {2 * y = y + y}) in "
@@ -284,7 +284,7 @@ TEST(UseCondition, DischargesPremises) {
   EXPECT_EQ(s.hypothesis(6), "w = 1");
 }
 
-TEST(UseCondition, ChecksInOrder) {
+TEST(use_condition, checks_in_order) {
   script_run s(gap_of({"x = 1 ⇒ y = 1", "z = 1"}, "y = 1"));
   const auto with = [&s](const std::string& conditions, const std::string& target) {
     const outcome result = s.step("use_condition " + conditions + " in " + target + " as (hypothesis 3: {y = 1})");
@@ -307,7 +307,7 @@ TEST(UseCondition, ChecksInOrder) {
             failed("Target hypothesis is not long enough to match all conditions\n"));
 }
 
-TEST(UseCondition, DeclaredFormulasCountInStrongModeOnly) {
+TEST(use_condition, declared_formulas_count_in_strong_mode_only) {
   const char* line = "use_condition (hypothesis 2: {x = 2}) in (hypothesis 1: {q = 1}) as (hypothesis 3: {y = 1})";
   script_run strong(gap_of({"x = 1 ⇒ y = 1", "x = 1"}, "y = 1"), strong_check_mode);
   EXPECT_EQ(strong.step(line), (outcome{exe_success,
@@ -321,7 +321,7 @@ TEST(UseCondition, DeclaredFormulasCountInStrongModeOnly) {
 
 // ---- destruct_and, case_analysis, or_intro, apply.
 
-TEST(DestructAnd, AppendsThePartsLeftToRight) {
+TEST(destruct_and, appends_the_parts_left_to_right) {
   script_run s(gap_of({"a = 1 ∧ (b = 1 ∧ c = 1)"}, "c = 1"), strong_check_mode);
   EXPECT_EQ(s.step("destruct_and (hypothesis 1: {a = 1 ∧ (b = 1 ∧ c = 1)}) as (hypothesis 2: {a = 1}) "
                    "(hypothesis 3: {b = 1}) (hypothesis 4: {c = 1})"),
@@ -338,7 +338,7 @@ TEST(DestructAnd, AppendsThePartsLeftToRight) {
   EXPECT_EQ(s.gap.assu_num(), 7);
 }
 
-TEST(DestructAnd, ChecksInOrder) {
+TEST(destruct_and, checks_in_order) {
   script_run s(gap_of({"a = 1 ∧ b = 1", "c = 1"}, "c = 1"));
   EXPECT_EQ(s.step("destruct_and (GOAL: {c = 1}) as (hypothesis 3: {a = 1})"),
             failed("execute_destruct_and: source must be a hypothesis.\n"));
@@ -357,7 +357,7 @@ TEST(DestructAnd, ChecksInOrder) {
   EXPECT_EQ(s.gap.assu_num(), 3) << "what was appended before the failure stays";
 }
 
-TEST(CaseAnalysis, GivesOneGapForEachPart) {
+TEST(case_analysis, gives_one_gap_for_each_part) {
   script_run s(gap_of({"z = 1", "a = 1 ∨ b = 1 ∨ c = 1"}, "d = 1"), strong_check_mode);
   EXPECT_EQ(s.step("case_analysis (hypothesis 2: {z = 2})"), (outcome{exe_gap_split, "", redundant_ignore}));
   ASSERT_EQ(s.data.split_gaps.size(), 3U);
@@ -375,7 +375,7 @@ TEST(CaseAnalysis, GivesOneGapForEachPart) {
             failed("execute_case_analysis: the hypothesis must be a HYPOTHESIS.\n"));
 }
 
-TEST(OrIntro, SplitsTheTopOnly) {
+TEST(or_intro, splits_the_top_only) {
   script_run s(gap_of({}, "a = 1 ∨ b = 1 ∨ c = 1"), strong_check_mode);
   EXPECT_EQ(s.step("or_intro left"), strong_success);
   EXPECT_EQ(s.goal(), "a = 1 ∨ b = 1");
@@ -387,7 +387,7 @@ TEST(OrIntro, SplitsTheTopOnly) {
   EXPECT_EQ(s.step("or_intro left"), failed("execute_or_intro: current proof gap has no goal.\n"));
 }
 
-TEST(Apply, ReducesTheGoalToThePremises) {
+TEST(apply, reduces_the_goal_to_the_premises) {
   const std::string_view rule = "a = 1 ⇒ (b = 1 ⇒ (c = 1 ⇒ d = 1))";
   const auto remaining = [rule](std::string_view goal) {
     script_run s(gap_of({rule}, goal), strong_check_mode);
@@ -401,7 +401,7 @@ TEST(Apply, ReducesTheGoalToThePremises) {
   EXPECT_EQ(remaining("d = 2"), "hypothesis's conclusion does not match current goal\n1");
 }
 
-TEST(Apply, FinishesAndFails) {
+TEST(apply, finishes_and_fails) {
   script_run s(gap_of({"forall (x), x = b", "a = 1"}, "forall (y), y = b"), strong_check_mode);
   EXPECT_EQ(s.step("apply (theorem 1: {forall (x), x = b})"),
             failed("apply instruction can only be used with hypotheses, not theorems or other terms\n"));

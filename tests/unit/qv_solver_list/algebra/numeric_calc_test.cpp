@@ -14,7 +14,7 @@ namespace {
 
 class numeric_calc_test : public solver_test {};
 
-TEST_F(numeric_calc_test, Simplifies) {
+TEST_F(numeric_calc_test, simplifies) {
   struct row {
     std::string_view term;
     std::string_view expected;
@@ -70,7 +70,7 @@ int sign_of(term_ptr value) {
 
 // The values at all multiples of π / 120 that have one obey the laws that tie them together: up to their sign by
 // squares, because nested roots are not multiplied out, and with the signs of the quadrants.
-TEST_F(numeric_calc_test, TrigonometricValuesFitTogether) {
+TEST_F(numeric_calc_test, trigonometric_values_fit_together) {
   const solve_data nothing;
   int with_value = 0;
   const auto holds = [&](term_ptr left, term_ptr right) {

@@ -20,7 +20,7 @@ class root_form_test : public solver_test {
   static std::string core(std::string_view text) { return shown(root_normalizer(nullptr).rootfrac_core(read(text))); }
 };
 
-TEST_F(root_form_test, IsCanonical) {
+TEST_F(root_form_test, is_canonical) {
   struct row {
     std::string_view product;
     std::string_view expected;
@@ -185,7 +185,7 @@ class random_product {
   std::mt19937 random_;
 };
 
-TEST_F(root_form_test, KeepsTheValue) {
+TEST_F(root_form_test, keeps_the_value) {
   random_product random(7);
   int compared = 0;
   for (int i = 0; i < 5'000; ++i) {
@@ -209,7 +209,7 @@ TEST_F(root_form_test, KeepsTheValue) {
   EXPECT_GT(compared, 2'000);
 }
 
-TEST_F(root_form_test, LargeExponentsAndSharedPartsAreCheap) {
+TEST_F(root_form_test, large_exponents_and_shared_parts_are_cheap) {
   EXPECT_EQ(core("x^1000000000 / x^999999999"), "x");
   EXPECT_EQ(core("x^1000000000 * sqrtn(2, x)"), "x^{1000000000} * sqrtn(2, x)");
   EXPECT_EQ(core("2^1000000000"), "2^{1000000000}");

@@ -34,7 +34,7 @@ class shape_simpl : public solver_test {
   static std::string unfolded(std::string_view text) { return shown(solver_not_unfold_term(read(text))); }
 };
 
-TEST_F(shape_simpl, InnermostDifferences) {
+TEST_F(shape_simpl, innermost_differences) {
   EXPECT_EQ(left_of("f(a) + g(b) = f(a) + g(d)"), "b = d");
   EXPECT_EQ(left_of("f(a) + g(b) = f(c) + g(d)"), "false") << "both operands differ";
   EXPECT_EQ(left_of("h(f(a) + g(b)) = h(f(c) + g(d))"), "f(a) + g(b) = f(c) + g(d)");
@@ -45,7 +45,7 @@ TEST_F(shape_simpl, InnermostDifferences) {
   EXPECT_EQ(left_of("{ f(a) } = { f(b) }"), "a = b");
 }
 
-TEST_F(shape_simpl, DecidedWithoutADifference) {
+TEST_F(shape_simpl, decided_without_a_difference) {
   EXPECT_EQ(left_of("f(a) = f(a)"), "true");
   EXPECT_EQ(left_of("sum_{i = 1}^{n}(i) = sum_{j = 1}^{n}(j)"), "true");
   EXPECT_EQ(left_of("x = 1"), "false");
@@ -57,7 +57,7 @@ TEST_F(shape_simpl, DecidedWithoutADifference) {
   EXPECT_EQ(testing::internal::GetCapturedStdout(), "error in shape_simpl, null input\n");
 }
 
-TEST_F(shape_simpl, NoDifferenceLeavesItsBinder) {
+TEST_F(shape_simpl, no_difference_leaves_its_binder) {
   EXPECT_EQ(left_of("sum_{i = 1}^{n}(i) = sum_{i = 1}^{m}(i)"), "n = m");
   EXPECT_EQ(left_of("sum_{i = 1}^{n}(f(a)) = sum_{i = 1}^{n}(f(b))"), "a = b");
   EXPECT_EQ(left_of("sum_{i = 1}^{n}(i) = sum_{i = 1}^{n}(1)"), "false") << "i = 1 says nothing outside of the sum";
@@ -72,7 +72,7 @@ TEST_F(shape_simpl, NoDifferenceLeavesItsBinder) {
   EXPECT_EQ(left_of("f(x) + bigO_{x → 0}(a) = f(x) + bigO_{x → 0}(c)"), "a = c");
 }
 
-TEST_F(shape_simpl, RewritingCountsPlaces) {
+TEST_F(shape_simpl, rewriting_counts_places) {
   EXPECT_EQ(hits("f(a) + a", "f(b) + b", "a", "b"), 2U);
   EXPECT_EQ(hits("f(a) + a", "f(a) + b", "a", "b"), 1U);
   EXPECT_EQ(hits("f(a) + a", "f(a) + a", "a", "b"), 0U) << "something has to be replaced";
@@ -91,14 +91,14 @@ TEST_F(shape_simpl, RewritingCountsPlaces) {
   EXPECT_EQ(count, 0U);
 }
 
-TEST_F(shape_simpl, RewritingInContext) {
+TEST_F(shape_simpl, rewriting_in_context) {
   EXPECT_EQ(hits("f(a + a)", "f((b + 1) + (b - 1))", "a", "b"), 2U) << "equal as a whole, not place by place";
   EXPECT_EQ(hits("f(a + a)", "f((b + 1) + b)", "a", "b"), 0U);
   EXPECT_EQ(hits("f(a + (a + c))", "f((b + c) + (b + 0))", "a", "b"), 0U) << "only places of the rule may differ";
   EXPECT_EQ(hits("x ∈ p", "x ∈ (0, 1)", "p", "(0, 1)"), 0U) << "a pair would be read as an interval there";
 }
 
-TEST_F(shape_simpl, RewritingCapturesNothing) {
+TEST_F(shape_simpl, rewriting_captures_nothing) {
   EXPECT_EQ(hits("forall (x), x = 0", "forall (x), 1 = 0", "x", "1"), 0U);
   EXPECT_EQ(hits("forall (x), f(a) = x", "forall (x), f(x) = x", "a", "x"), 0U);
   EXPECT_EQ(hits("forall (k), a_k = 0", "forall (k), b = 0", "a_k", "b"), 0U) << "the index counts";
@@ -118,7 +118,7 @@ TEST_F(shape_simpl, RewritingCapturesNothing) {
 }
 
 // Under forall (c) a sum from i = c binds i only, at the top of a formula it binds c, too.
-TEST_F(shape_simpl, SumsThatBindDifferentlyAreDifferent) {
+TEST_F(shape_simpl, sums_that_bind_differently_are_different) {
   const char* sum_c = "sum_{i = c}^{n}(i)";
   EXPECT_EQ(hits("forall (c)(d), sum_{i = c}^{n}(i) = 0", "forall (c)(d), sum_{i = d}^{n}(i) = 0", sum_c,
                  "sum_{i = d}^{n}(i)"),
@@ -133,7 +133,7 @@ TEST_F(shape_simpl, SumsThatBindDifferentlyAreDifferent) {
 }
 
 // What calculation takes out of an index part must not change what is bound.
-TEST_F(shape_simpl, CalculationKeepsBinders) {
+TEST_F(shape_simpl, calculation_keeps_binders) {
   EXPECT_TRUE(poly_rat_eqb(read("sum_{i = k - k}^{n}(k)"), read("sum_{i = 0}^{n}(k)"))) << "a start stands outside";
   EXPECT_FALSE(poly_rat_eqb(read("(x + c - c)'"), read("x'")));
   EXPECT_FALSE(poly_rat_eqb(read("(2 * x + c - c)'"), read("(2 * x)'")));
@@ -143,7 +143,7 @@ TEST_F(shape_simpl, CalculationKeepsBinders) {
   EXPECT_TRUE(poly_rat_eqb(read("sum_{i + k = 1}^{n}(k)"), read("sum_{k + i = 1}^{n}(k)")));
 }
 
-TEST_F(shape_simpl, NegationsMoveInward) {
+TEST_F(shape_simpl, negations_move_inward) {
   EXPECT_EQ(unfolded("¬¬(a = 1)"), "a = 1");
   EXPECT_EQ(unfolded("¬forall (x), exists (y ∈ S), x < y"), "exists (x), forall (y ∈ S), x ≥ y");
   EXPECT_EQ(unfolded("¬(a = 1 ∧ b ≠ 2)"), "a ≠ 1 ∨ b = 2");
@@ -156,7 +156,7 @@ TEST_F(shape_simpl, NegationsMoveInward) {
   EXPECT_EQ(unfolded("existsUnique (x), ¬(x < 1)"), "existsUnique (x), x ≥ 1");
 }
 
-TEST_F(shape_simpl, NegationsThatStay) {
+TEST_F(shape_simpl, negations_that_stay) {
   for (const std::string_view text :
        {"¬Odd(n)", "¬existsUnique (x), x = 1", "¬(a subset b)", "f(¬(a = 1)) = 1", "a < b", "¬False"}) {
     EXPECT_EQ(unfolded(text), shown(read(text)));
@@ -165,7 +165,7 @@ TEST_F(shape_simpl, NegationsThatStay) {
   EXPECT_EQ(solver_not_unfold_term(nullptr), nullptr);
 }
 
-TEST_F(shape_simpl, EquivalencesUnfoldInLinearTime) {
+TEST_F(shape_simpl, equivalences_unfold_in_linear_time) {
   term_ptr tower = read("a = 1");
   const term_ptr link = read("a = 1 ⇔ b = 1")->left()->left();
   for (int i = 0; i < 200; ++i) {

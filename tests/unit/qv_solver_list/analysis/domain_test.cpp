@@ -16,7 +16,7 @@ class domains : public solver_test {
   }
 };
 
-TEST_F(domains, ExactValues) {
+TEST_F(domains, exact_values) {
   struct value_case {
     const char* text;
     const char* value;
@@ -57,7 +57,7 @@ TEST_F(domains, ExactValues) {
   EXPECT_EQ(value("sqrtn(2, 100 / 81)", {.index = 100, .component = 100}), "10/9");
 }
 
-TEST_F(domains, RealStatus) {
+TEST_F(domains, real_status) {
   const auto expect_status = [](solver_const_real_status status, std::initializer_list<const char*> texts) {
     for (const char* text : texts) {
       EXPECT_EQ(solver_const_analyze_real_status(read(text)), status) << text;
@@ -71,7 +71,7 @@ TEST_F(domains, RealStatus) {
                 {"sin(1)", "1 / sin(1)", "1 / (e - 1)", "(e - 1)^(-1)", "sqrtn(2, e - 3)", "x", "x - x"});
 }
 
-TEST_F(domains, ConstantsProve) {
+TEST_F(domains, constants_prove) {
   expect(solver_sgn_pure, true,
          {{{}, "π > e"},
           {{}, "e ≤ π"},
@@ -102,7 +102,7 @@ TEST_F(domains, ConstantsProve) {
           {{}, "sin(1) ∈ RealSet"}});
 }
 
-TEST_F(domains, TypesOfExpressions) {
+TEST_F(domains, types_of_expressions) {
   expect(solver_domain_type, true,
          {{{"n ∈ PosIntegerSet"}, "n + 1 ∈ PosIntegerSet"},
           {{"x ∈ RealSet"}, "x / 2 ∈ RealSet"},
@@ -146,7 +146,7 @@ TEST_F(domains, TypesOfExpressions) {
           {{"x ∈ A"}, "x ∈ A"}});
 }
 
-TEST_F(domains, DeepAndSharedTypes) {
+TEST_F(domains, deep_and_shared_types) {
   const solve_data sdata = given({"x ∈ PosIntegerSet"});
   term_ptr deep = mk_var("x");
   term_ptr shared = mk_var("x");
@@ -168,7 +168,7 @@ class definedness : public solver_test {
   }
 };
 
-TEST_F(definedness, ByOperator) {
+TEST_F(definedness, by_operator) {
   const std::initializer_list<solver_case> defined = {{{}, "x + y * z - 3.5"},
                                                       {{}, "sin(x) * cos(y) + |z|"},
                                                       {{"x > 0"}, "ln(x) + lg(x)"},
@@ -209,7 +209,7 @@ TEST_F(definedness, ByOperator) {
   expect_defined(true, evalbar_domain_policy, {{{}, "arctan(x)"}});
 }
 
-TEST_F(definedness, ThroughFunctions) {
+TEST_F(definedness, through_functions) {
   const std::initializer_list<solver_case> defined = {{{"f = (fun x . x + 1)"}, "f(y)"},
                                                       {{"forall (x), f(x) = 1 / x", "y ≠ 0"}, "f(y)"},
                                                       {{"forall (x), x > 0 ⇒ f(x) = 1", "y > 0"}, "f(y)"},

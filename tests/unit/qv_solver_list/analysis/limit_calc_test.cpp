@@ -16,7 +16,7 @@ class limit_calc : public solver_test {
   static bool proves(const limit_case& c) { return solver_limit_calc(read(c.goal), given(c.given)); }
 };
 
-TEST_F(limit_calc, Proves) {
+TEST_F(limit_calc, proves) {
   const limit_case cases[] = {
       {"lim_{x → +∞}((2 * x + 1) / (x + 3)) = 2"},
       {"lim_{x → ∞}(1 / x) = 0"},
@@ -44,7 +44,7 @@ TEST_F(limit_calc, Proves) {
   }
 }
 
-TEST_F(limit_calc, LeavesOpen) {
+TEST_F(limit_calc, leaves_open) {
   const limit_case cases[] = {
       {"1 = 1"},
       {"lim_{x → -∞}(1 / x) = 0"},
@@ -75,7 +75,7 @@ TEST_F(limit_calc, LeavesOpen) {
   }
 }
 
-TEST_F(limit_calc, SharedTermsAreAskedAboutOnce) {
+TEST_F(limit_calc, shared_terms_are_asked_about_once) {
   std::string nested = "x";
   for (int i = 0; i < 60; ++i) {
     nested = "x * ln(" + nested + ")";

@@ -116,21 +116,21 @@ void expect_a_case_for_each(std::span<const sign_rules::rule> rules, std::initia
   }
 }
 
-TEST_F(signs, EachRuleOfTheFullFamily) {
+TEST_F(signs, each_rule_of_the_full_family) {
   expect_a_case_for_each(full_sign_rules(), full_cases);
   for (const rule_case& c : full_cases) {
     expect(solver_sgn, true, c.proved);
   }
 }
 
-TEST_F(signs, EachRuleOfThePureFamily) {
+TEST_F(signs, each_rule_of_the_pure_family) {
   expect_a_case_for_each(pure_sign_rules(), pure_cases);
   for (const rule_case& c : pure_cases) {
     expect(solver_sgn_pure, true, c.proved);
   }
 }
 
-TEST_F(signs, NearMissesOfBoth) {
+TEST_F(signs, near_misses_of_both) {
   for (const solver_decide solve : {solver_sgn, solver_sgn_pure}) {
     expect(solve, false,
            {{{}, "x > 0"},
@@ -158,7 +158,7 @@ TEST_F(signs, NearMissesOfBoth) {
 }
 
 // A comparison with the same difference answers, whichever way it is written.
-TEST_F(signs, Assumptions) {
+TEST_F(signs, assumptions) {
   expect(solver_sgn_pure, true,
          {{{"x - y > 0"}, "x > y"},
           {{"x > y"}, "x - y > 0"},
@@ -182,14 +182,14 @@ TEST_F(signs, Assumptions) {
 }
 
 // Constants beyond 32 bits neither wrap nor become literals.
-TEST_F(signs, GreatConstants) {
+TEST_F(signs, great_constants) {
   expect(solver_sgn_pure, true, {{{}, "2147483647 + 2147483647 + x^2 > 0"}, {{}, "-2147483647 - 2147483647 < x^2"}});
   expect(solver_sgn, false,
          {{{}, "x + 2147483647 + 2147483647 + 2147483647 > 0"}, {{}, "x - 2147483647 - 2147483647 > 0"}});
 }
 
 // What is no real number or has no single value has no sign.
-TEST_F(signs, NothingIsSaidOfOtherThings) {
+TEST_F(signs, nothing_is_said_of_other_things) {
   for (const solver_decide solve : {solver_sgn, solver_sgn_pure}) {
     expect(solve, false,
            {{{"z ∈ ComplexSet"}, "z^2 + 1 ≠ 0"},
@@ -211,7 +211,7 @@ TEST_F(signs, NothingIsSaidOfOtherThings) {
 }
 
 // The nesting limit counts questions that lie inside one another.
-TEST_F(signs, DepthOfThePureFamily) {
+TEST_F(signs, depth_of_the_pure_family) {
   const solve_data sdata = given({"x > 0"});
   const auto proved = [&](int factors) {
     term_ptr t = mk_var("x");
@@ -226,7 +226,7 @@ TEST_F(signs, DepthOfThePureFamily) {
 }
 
 // Unknown factors, towers and shared parts: each question about each part is answered once.
-TEST_F(signs, DeepAndSharedTermsAnswerAtOnce) {
+TEST_F(signs, deep_and_shared_terms_answer_at_once) {
   term_ptr product = mk_var("x");
   term_ptr tower = mk_var("x");
   term_ptr shared = mk_var("x");

@@ -19,7 +19,7 @@ class continuous_func : public solver_test {
   }
 };
 
-TEST_F(continuous_func, Proves) {
+TEST_F(continuous_func, proves) {
   const continuity_case cases[] = {
       {"ContinuousFuncOn(fun x . x * x + 1, Real)"},
       {"ContinuousFuncOn(fun x . 2^x, Real)"},
@@ -49,7 +49,7 @@ TEST_F(continuous_func, Proves) {
   }
 }
 
-TEST_F(continuous_func, LeavesOpen) {
+TEST_F(continuous_func, leaves_open) {
   const continuity_case cases[] = {
       {"ContinuousFuncOn(fun x . x^2, Real)"},
       {"ContinuousFuncOn(fun x . x^x, (0, 1))"},

@@ -14,7 +14,7 @@ class apply_test : public solver_test {
   }
 };
 
-TEST_F(apply_test, EvaluatesWhereValuesStand) {
+TEST_F(apply_test, evaluates_where_values_stand) {
   struct row {
     std::initializer_list<std::string_view> assumptions;
     std::string_view term;
@@ -48,7 +48,7 @@ TEST_F(apply_test, EvaluatesWhereValuesStand) {
   }
 }
 
-TEST_F(apply_test, FuelIsTheDepthOfUnfolding) {
+TEST_F(apply_test, fuel_is_the_depth_of_unfolding) {
   const solve_data sdata = given({"w = fun h, x . h(h, x + 1)"});
   EXPECT_EQ(evaluated(sdata, "w(w, 0)", 3), "w(w, 0 + 1 + 1 + 1)");
   EXPECT_EQ(evaluated(sdata, "w(w, (fun y . y)(0))", 0), "w(w, 0)");
@@ -57,7 +57,7 @@ TEST_F(apply_test, FuelIsTheDepthOfUnfolding) {
 }
 
 // As trees, all of these have millions of nodes.
-TEST_F(apply_test, SharedPartsAreEvaluatedOnce) {
+TEST_F(apply_test, shared_parts_are_evaluated_once) {
   std::string ten = "h(x)";
   std::string thirty = "x(x)";
   for (int i = 1; i < 30; ++i) {

@@ -25,7 +25,7 @@ class definitions_test : public solver_test {
   }
 };
 
-TEST_F(definitions_test, ResolveToTheFirstUsableOne) {
+TEST_F(definitions_test, resolve_to_the_first_usable_one) {
   struct row {
     std::initializer_list<std::string_view> assumptions;
     std::string_view func;
@@ -79,7 +79,7 @@ TEST_F(definitions_test, ResolveToTheFirstUsableOne) {
   }
 }
 
-TEST_F(definitions_test, KeepTypesAndConditionAsPremisesOfTheApplication) {
+TEST_F(definitions_test, keep_types_and_condition_as_premises_of_the_application) {
   const solve_data sdata = given({"g = fun n: IntegerSet, x: PosRealSet [x > n] . x - n", "k ∈ Integer", "k > 1"});
   prover premises(sdata, side_table::func_apply);
   const term_ptr whole = solver_func_resolve_lambda(read("g"), 2, {}, premises);
@@ -90,7 +90,7 @@ TEST_F(definitions_test, KeepTypesAndConditionAsPremisesOfTheApplication) {
   EXPECT_EQ(shown(solver_func_lambda_premises(behind_one, arguments("k"))), "k ∈ PosRealSet; m ∈ IntegerSet ∧ k > m");
 }
 
-TEST_F(definitions_test, WithoutArgumentsPremisesAreAskedOfAnyValue) {
+TEST_F(definitions_test, without_arguments_premises_are_asked_of_any_value) {
   const solve_data sdata = given({"x > 0", "forall (x), x > 0 ⇒ f(x) = x", "forall (x), x^2 ≥ 0 ⇒ g(x) = x"});
   prover premises(sdata, side_table::cont);
   EXPECT_EQ(solver_func_resolve_lambda(read("f"), 1, {}, premises), nullptr);
@@ -99,7 +99,7 @@ TEST_F(definitions_test, WithoutArgumentsPremisesAreAskedOfAnyValue) {
   EXPECT_TRUE(is_reserved(g->vars()[0]));
 }
 
-TEST_F(definitions_test, PointwiseNeedsPremisesInANeighbourhood) {
+TEST_F(definitions_test, pointwise_needs_premises_in_a_neighbourhood) {
   const solve_data sdata = given({"a > 0", "b ≥ 0", "forall (x), x > 0 ⇒ f(x) = x", "forall (x), x ≥ 0 ⇒ g(x) = x",
                                   "forall (x ∈ Real), h(x) = x", "forall (c)(x), c ≥ 0 ⇒ p(c, x) = c"});
   EXPECT_EQ(value(sdata, "f", "a", true), "a");
@@ -110,7 +110,7 @@ TEST_F(definitions_test, PointwiseNeedsPremisesInANeighbourhood) {
   EXPECT_EQ(value(sdata, "p", "b, a", true), "(null)");
 }
 
-TEST_F(definitions_test, SubstituteAtOnce) {
+TEST_F(definitions_test, substitute_at_once) {
   const term_list params = arguments("x, y");
   const term_list values = arguments("y, x + 1");
   EXPECT_EQ(shown(solver_func_substitute_args(read("x - y"), params, values)), "y - (x + 1)");
@@ -135,7 +135,7 @@ class conditions_test : public definitions_test {
   }
 };
 
-TEST_F(conditions_test, AtAPointAndAroundIt) {
+TEST_F(conditions_test, at_a_point_and_around_it) {
   struct row {
     std::string_view condition;
     std::string_view value;

@@ -20,7 +20,7 @@ class sat : public solver_test {
   }
 };
 
-TEST_F(sat, ValidFormsAndNearMisses) {
+TEST_F(sat, valid_forms_and_near_misses) {
   EXPECT_TRUE(proved({"a = 1 ⇒ b = 2", "a = 1"}, "b = 2"));
   EXPECT_FALSE(proved({"a = 1 ⇒ b = 2", "b = 2"}, "a = 1"));
   EXPECT_TRUE(proved({"a = 1 ⇒ b = 2", "¬(b = 2)"}, "¬(a = 1)"));
@@ -35,7 +35,7 @@ TEST_F(sat, ValidFormsAndNearMisses) {
   EXPECT_FALSE(proved({"a = 1"}, "a = 1 ∧ b = 1"));
 }
 
-TEST_F(sat, OperandsThatAreOneLiteral) {
+TEST_F(sat, operands_that_are_one_literal) {
   EXPECT_TRUE(proved({"a = 1 ⇒ ¬(a = 1)"}, "¬(a = 1)"));
   EXPECT_FALSE(proved({"a = 1 ⇒ ¬(a = 1)"}, "a = 1"));
   EXPECT_TRUE(proved({"a = 1 ⇔ ¬(a = 1)"}, "b = 1"));
@@ -47,7 +47,7 @@ TEST_F(sat, OperandsThatAreOneLiteral) {
   EXPECT_FALSE(proved({"a = 1 ∨ ¬(a = 1)"}, "a = 1"));
 }
 
-TEST_F(sat, AtomsAreOpaque) {
+TEST_F(sat, atoms_are_opaque) {
   EXPECT_TRUE(proved({"forall (x), x > 0"}, "forall (x), x > 0"));
   EXPECT_FALSE(proved({"forall (x), x > 0"}, "exists (x), x > 0"));
   EXPECT_FALSE(proved({"forall (x), x > 0 ∧ x > 1"}, "forall (x), x > 0"));
@@ -59,7 +59,7 @@ TEST_F(sat, AtomsAreOpaque) {
   EXPECT_FALSE(proved({"(a, b) = (c, d)"}, "a = d"));
 }
 
-TEST_F(sat, WhatPrintsAlikeIsNotOneAtom) {
+TEST_F(sat, what_prints_alike_is_not_one_atom) {
   const auto app = [](auto head, std::initializer_list<term_ptr> args) {
     return mk_apply_all(head, term_span(args.begin(), args.size()));
   };
@@ -122,7 +122,7 @@ bool holds(term_ptr t, unsigned values) {
   return false;
 }
 
-TEST_F(sat, AgreesWithTruthTables) {
+TEST_F(sat, agrees_with_truth_tables) {
   random_formulas source(11);
   int followed = 0;
   for (int round = 0; round < 2000; ++round) {
@@ -144,7 +144,7 @@ TEST_F(sat, AgreesWithTruthTables) {
   EXPECT_LT(followed, 1700);
 }
 
-TEST_F(sat, ClausesAreNumberedFromTheOperandsUp) {
+TEST_F(sat, clauses_are_numbered_from_the_operands_up) {
   sat_formula formula;
   const int p = formula.atom(1);
   const int q = formula.atom(2);
@@ -163,7 +163,7 @@ TEST_F(sat, ClausesAreNumberedFromTheOperandsUp) {
   EXPECT_EQ(s.cl_maxsize, 8 * 7);
 }
 
-TEST_F(sat, TenThousandAssumptionsOfWhichFewMatter) {
+TEST_F(sat, ten_thousand_assumptions_of_which_few_matter) {
   term_list assumptions;
   for (int i = 0; i < 10000; ++i) {
     term_ptr lower = make_binPred_prop(Lt, mk_integer(i), numbered("x", i));
@@ -177,7 +177,7 @@ TEST_F(sat, TenThousandAssumptionsOfWhichFewMatter) {
   EXPECT_TRUE(follows(assumptions, read("c = 1")));
 }
 
-TEST_F(sat, FormulasBeyondEveryMeasureEnd) {
+TEST_F(sat, formulas_beyond_every_measure_end) {
   term_ptr nested = read("a = 1");
   for (int level = 0; level < 100; ++level) {  // 2^100 leaves as a tree
     nested = make_composed_prop(Iff, nested, nested);

@@ -14,7 +14,7 @@ class saturation : public solver_test {
 };
 
 // Each row does what its law says, in the order of the ids.
-TEST_F(saturation, EachLawHoldsOfItsRow) {
+TEST_F(saturation, each_law_holds_of_its_row) {
   int next = 0;
   for (const set_law& row : set_laws()) {
     EXPECT_EQ(static_cast<int>(row.id), next++);
@@ -33,7 +33,7 @@ TEST_F(saturation, EachLawHoldsOfItsRow) {
 }
 
 // A list is in a difference when each member is, and not when the list as a whole is no part of the other set.
-TEST_F(saturation, Lists) {
+TEST_F(saturation, lists) {
   EXPECT_EQ(unfolded("x, y ∈ A \\ B"), shown(term_list{read("x ∈ A \\ B"), read("y ∈ A \\ B")}));
   EXPECT_EQ(unfolded("x, y ∈ A ∩ B"), shown(term_list{read("x, y ∈ A"), read("x, y ∈ B")}));
   EXPECT_EQ(unfolded("x, y ∈ PowerSet(A)"), shown(term_list{read("x ∈ PowerSet(A)"), read("y ∈ PowerSet(A)")}));
@@ -42,7 +42,7 @@ TEST_F(saturation, Lists) {
       solver_manager_dsl(read("x, y ∈ A \\ B"), given({"x ∈ A", "y ∈ A", "¬(x ∈ B)", "¬(y ∈ B)"}), initial_fee));
 }
 
-TEST_F(saturation, NoRule) {
+TEST_F(saturation, no_rule) {
   for (const std::string_view goal :
        {"y ∈ CartesianProd(A, B)", "y ∈ InverseBinRel(R)", "y ∈ Composition(R, S)", "x ∈ A", "a = b", "(a, b) = c",
         "(a, b, c) = (p, q, r)", "x notin A ∩ B", "A ∩ B subset C", "x ∈ RealPlus", "FiniteSet(A)", "¬(x ∈ A ∩ B)",
@@ -55,7 +55,7 @@ TEST_F(saturation, NoRule) {
   EXPECT_TRUE(set_equiv_saturation(nullptr).empty());
 }
 
-TEST_F(saturation, BoundNamesCaptureNothing) {
+TEST_F(saturation, bound_names_capture_nothing) {
   // Some set that holds qvar0 and is in F: not some set that holds itself.
   EXPECT_EQ(unfolded("qvar0 ∈ SetUnion(F)"), shown(read("exists (qvar1), qvar0 ∈ qvar1 ∧ qvar1 ∈ F")));
   EXPECT_EQ(unfolded("x ∈ SetUnion({qvar0, qvar1})"),
@@ -64,7 +64,7 @@ TEST_F(saturation, BoundNamesCaptureNothing) {
             shown(read("exists (qvar2), (qvar1, qvar2) ∈ R ∧ (qvar2, y) ∈ S")));
 }
 
-TEST_F(saturation, ResultsAreRead) {
+TEST_F(saturation, results_are_read) {
   // What comes out is a term like any that is read, so that an assumption of that text closes it.
   const term_list result = set_equiv_saturation(read("x ∈ SetUnion(F)"));
   ASSERT_EQ(result.size(), 1U);

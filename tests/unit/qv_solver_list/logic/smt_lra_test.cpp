@@ -7,9 +7,9 @@
 namespace vetro {
 namespace {
 
-using SmtLra = solver_test;
+using smt_lra_test = solver_test;
 
-TEST_F(SmtLra, ValuesWithoutOrderOrArithmetic) {
+TEST_F(smt_lra_test, values_without_order_or_arithmetic) {
   expect(solver_smt_lra, false,
          {
              {{"z ∈ Complex"}, "|z| = z ∨ |z| = -z"},
@@ -33,7 +33,7 @@ TEST_F(SmtLra, ValuesWithoutOrderOrArithmetic) {
          });
 }
 
-TEST_F(SmtLra, MoreThanAValue) {
+TEST_F(smt_lra_test, more_than_a_value) {
   expect(solver_smt_lra, false,
          {
              {{"x = 3"}, "(x^2)' = (3^2)'"},
@@ -55,7 +55,7 @@ TEST_F(SmtLra, MoreThanAValue) {
          });
 }
 
-TEST_F(SmtLra, NamesAreTheirStructure) {
+TEST_F(smt_lra_test, names_are_their_structure) {
   expect(solver_smt_lra, false,
          {
              {{"`x*y` * z = 1"}, "x * y * z = 1"},
@@ -69,7 +69,7 @@ TEST_F(SmtLra, NamesAreTheirStructure) {
 }
 
 // Parts without translation weaken an assumption only where that is right, and never a goal.
-TEST_F(SmtLra, WhatIsLeftOut) {
+TEST_F(smt_lra_test, what_is_left_out) {
   expect(solver_smt_lra, false,
          {
              {{"x > 0 ∨ (forall (t), t > 0)"}, "x > 0"},
