@@ -94,12 +94,34 @@ class membership_walk {
   std::array<walk_memo, 2> known_;  // by position
 };
 
+constexpr enrichment_law laws[] = {
+    {enrichment_rule::open_interval, "x ∈ (a, b) ⇒ a < x ∧ x < b"},
+    {enrichment_rule::left_closed_interval, "x ∈ [a, b) ⇒ a ≤ x ∧ x < b"},
+    {enrichment_rule::right_closed_interval, "x ∈ (a, b] ⇒ a < x ∧ x ≤ b"},
+    {enrichment_rule::closed_interval, "x ∈ [a, b] ⇒ a ≤ x ∧ x ≤ b"},
+    {enrichment_rule::positive_integers, "x ∈ NatPlus ⇒ x ≥ 1"},
+    {enrichment_rule::negative_integers, "x ∈ NegIntegerSet ⇒ x ≤ -1"},
+    {enrichment_rule::nonpositive_integers, "x ∈ NonPosIntegerSet ⇒ x ≤ 0"},
+    {enrichment_rule::nonnegative_integers, "x ∈ Nat ⇒ x ≥ 0"},
+    {enrichment_rule::positive_rationals, "x ∈ RationalPlus ⇒ x > 0"},
+    {enrichment_rule::negative_rationals, "x ∈ NegRationalSet ⇒ x < 0"},
+    {enrichment_rule::nonpositive_rationals, "x ∈ NonPosRationalSet ⇒ x ≤ 0"},
+    {enrichment_rule::nonnegative_rationals, "x ∈ NonNegRationalSet ⇒ x ≥ 0"},
+    {enrichment_rule::positive_reals, "x ∈ RealPlus ⇒ x > 0"},
+    {enrichment_rule::negative_reals, "x ∈ NegRealSet ⇒ x < 0"},
+    {enrichment_rule::nonpositive_reals, "x ∈ NonPosRealSet ⇒ x ≤ 0"},
+    {enrichment_rule::nonnegative_reals, "x ∈ NonNegRealSet ⇒ x ≥ 0"},
+    {enrichment_rule::members_of_list, "x, y ∈ RealPlus ⇒ x > 0 ∧ y > 0"},
+    {enrichment_rule::tuple_equation, "(a, b) = (c, d) ⇒ a = c ∧ b = d"},
+};
+
 struct interval_row {
   oper_type interval;
   pred_type lower;  // lower(lo, elem)
   pred_type upper;  // upper(elem, hi)
 };
 
+// The first four laws.
 constexpr std::array<interval_row, 4> interval_rows = {{
     {IntervalLoRo, Lt, Lt},
     {IntervalLcRo, Le, Lt},
@@ -122,7 +144,8 @@ term_ptr interval_as_comparisons(term_ptr element, term_ptr set, position where)
   return nullptr;
 }
 
-// A comparison says as much as the membership of a real, where the set is one of reals.
+// The laws of number sets; term/number_set.h knows their comparisons. A comparison says as much as the membership of a
+// real, where the set is one of reals.
 term_ptr const_set_as_comparison(term_ptr element, term_ptr set, position where) {
   const auto named = number_set_of(set);
   const auto says = named ? comparison_of(*named) : std::nullopt;
@@ -252,6 +275,8 @@ enriched_list& list_to_follow(const term_list& assum) {
 }
 
 }  // namespace
+
+std::span<const enrichment_law> enrichment_laws() { return laws; }
 
 bool solver_preprocess_build_augmented_sdata(const solve_data& src, solve_data& dst) {
   dst = src;

@@ -117,7 +117,12 @@ term_list long_order_split(term_ptr t) {
     rest = outer->left;
   }
   links.push_back(rest);
-  return links;
+  // What stands in the place of the dots is said by the chain as a whole.
+  const bool dotted = t->has(fact_ellipsis) && std::any_of(links.begin(), links.end(), [](term_ptr link) {
+                        const std::optional<prop> view = pred_split(link);
+                        return view && (is_constant(view->left, Ellipsis) || is_constant(view->right, Ellipsis));
+                      });
+  return dotted ? term_list{t} : links;
 }
 
 // ---- The reader's steps.

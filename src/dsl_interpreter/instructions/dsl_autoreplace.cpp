@@ -5,7 +5,7 @@
 #include "dsl_interpreter/instructions/replacement.h"
 #include "lib/interval_reading.h"
 #include "lib/semantic_term.h"
-#include "qv_solver_list/algebra/solver_shape_simpl.h"
+#include "qv_solver_list/logic/negation.h"
 #include "term/compare.h"
 #include "term/pattern_match.h"
 #include "term/term_split_combine.h"

@@ -1,6 +1,6 @@
 // not_normalize replaces the goal by another one with the same negation normal form.
 #include "dsl_interpreter/dsl_handler.h"
-#include "qv_solver_list/algebra/solver_shape_simpl.h"
+#include "qv_solver_list/logic/negation.h"
 #include "term/compare.h"
 
 namespace vetro {

@@ -2,7 +2,7 @@
 // gives. The script states both forms; the handler checks that one arises from the other by binder-safe subterm
 // replacement.
 #include "dsl_interpreter/dsl_handler.h"
-#include "qv_solver_list/algebra/solver_shape_simpl.h"
+#include "qv_solver_list/algebra/subterm_rewrite.h"
 #include "term/compare.h"
 #include "term/term_split_combine.h"
 #include "term/variables/binding.h"

@@ -26,88 +26,26 @@ term_ptr strip(term_ptr t, std::unordered_map<term_ptr, term_ptr>& done) {
   return plain;
 }
 
-// SetDesc applied to two arguments.
-bool describes_set(term_ptr t) { return is_apply(t) && is_apply(t->left()) && is_oper(t->left()->left(), SetDesc); }
-
-// Set descriptions beyond this size count as depending on their domain unseen.
-constexpr std::uint32_t most_nodes_searched = 10'000;
-
-bool is_number(term_ptr t) { return t->type() == Const && (t->constant() == Integer || t->constant() == Decimal); }
-
-// A quotient by something else than a number, or a power that may stand for one.
-bool may_be_undefined(term_ptr t) {
-  const auto view = composed_term_split(t);
-  if (!view || view->t2 == nullptr) {
-    return false;
-  }
-  switch (view->oper) {
-    case Div:
-    case Frac:
-      return !is_number(view->t2);
-    case Power:
-      return !is_number(view->t2) || view->t2->constant() != Integer || view->t2->integer() < 0;
-    default:
-      return false;
-  }
-}
-
-bool is_zero(term_ptr t) {
-  const auto number = number_literal(t);
-  return number && number->is_zero();
-}
-
-// The application of something that may not be defined everywhere: ln(x), f(x), a_n.
-bool may_be_partial(term_ptr t) {
-  if (!is_apply(t) || is_apply(t->left())) {
-    return false;
-  }
-  term_ptr head = t->left();
-  if (head->type() != Oper) {
-    return head->type() != Pred && head->type() != Connect;
-  }
-  switch (head->oper()) {
-    case Plus:
-    case Neg:
-    case Minus:
-    case Mult:
-    case Div:
-    case Frac:
-    case Power:
-    case Abs:
-    case Sgn:
-    case Floor:
-    case Ceil:
-    case Sin:
-    case Cos:
-    case SetDesc:
-    case SetEnum:
-    case Tuple:
-      return false;
-    default:
-      return true;
-  }
-}
-
-// Arithmetic by which another part can vanish: a difference, a negation, an operand 0.
-bool may_cancel(term_ptr t) {
-  const auto view = composed_term_split(t);
-  if (!view) {
-    return false;
-  }
-  switch (view->oper) {
-    case Neg:
-    case Minus:
-      return true;
-    case Plus:
-    case Mult:
-    case Div:
-    case Frac:
-    case Power:
-      return view->t2 != nullptr && (is_zero(view->t1) || is_zero(view->t2));
-    default:
-      return false;
-  }
-}
+constexpr total_operator total_rows[] = {
+    {Plus, "{ x | x + y - y > 0 } = { x | x > 0 }"},
+    {Neg, "{ x | x > -x + x } = { x | x > 0 }"},
+    {Minus, "{ x | x > x - x } = { x | x > 0 }"},
+    {Mult, "{ x | x > 0 * (x * x) } = { x | x > 0 }"},
+    {Abs, "{ x | x > |x| - |x| } = { x | x > 0 }"},
+    {Sgn, "{ x | x > sgn(x) - sgn(x) } = { x | x > 0 }"},
+    {Floor, "{ x | x > floor(x) - floor(x) } = { x | x > 0 }"},
+    {Ceil, "{ x | x > ceil(x) - ceil(x) } = { x | x > 0 }"},
+    {Sin, "{ x | x > sin(x) - sin(x) } = { x | x > 0 }"},
+    {Cos, "{ x | x > cos(x) - cos(x) } = { x | x > 0 }"},
+    {Arctan, "{ x | x > arctan(x) - arctan(x) } = { x | x > 0 }"},
+    {Sinh, "{ x | x > sinh(x) - sinh(x) } = { x | x > 0 }"},
+    {Cosh, "{ x | x > cosh(x) - cosh(x) } = { x | x > 0 }"},
+    {Tanh, "{ x | x > tanh(x) - tanh(x) } = { x | x > 0 }"},
+    {Cbrt, "{ x | x > cbrt(x) - cbrt(x) } = { x | x > 0 }"},
+    {SetEnum, "{ x | 0 * f_1({ x }) > y } = { x | 0 * f_1({ x + 0 }) > y }"},
+    {SetDesc, "{ x | 0 * f_1({ z | z > x }) > y } = { x | 0 * f_1({ z | z > x + 0 }) > y }"},
+    {Tuple, "{ x | (x, y) = (z, y) } = { x | (x + 0, y) = (z, y) }"},
+};
 
 bool is_differential(term_ptr t) { return is_apply(t) && (is_oper(t->left(), PD) || is_oper(t->left(), D)); }
 
@@ -149,6 +87,14 @@ bool holds_second_order(term_ptr t) {
 
 }  // namespace
 
+bool is_plain_proposition(term_ptr t) {
+  if (!is_apply(t) || t->has_meta() || is_dotted_list(t)) {
+    return false;
+  }
+  term_ptr head = spine_of(t).head;
+  return head->type() == Pred || head->type() == Connect;
+}
+
 bool is_conditional_proposition(term_ptr t) { return t->scope() != nullptr && is_proposition(t); }
 
 term_ptr written_form(term_ptr t) {
@@ -186,13 +132,53 @@ bool divides_by_differentials(const composed_term& view) {
   return first_order ? holds_second_order(view.t1) : is_product_with_differential(divisor);
 }
 
-bool depends_on_domain(term_ptr t) {
-  if (is_pred(t->left(), Defined) || is_oper(t->left(), Dom)) {
-    return true;
+bool depends_on_writing(term_ptr t) { return is_pred(t->left(), Defined) || is_oper(t->left(), Dom); }
+
+bool describes_set(term_ptr t) { return is_apply(t) && is_apply(t->left()) && is_oper(t->left()->left(), SetDesc); }
+
+std::span<const total_operator> total_operators() { return total_rows; }
+
+partiality partiality_of(term_ptr t) {
+  term_ptr head = spine_of(t).head;
+  if (head->type() != Oper) {
+    return head->type() == Pred || head->type() == Connect ? partiality::none : partiality::function;
   }
-  return describes_set(t) &&
-         (t->size() > most_nodes_searched || any_subterm(t, walk_children, may_be_undefined) ||
-          (any_subterm(t, walk_children, may_be_partial) && any_subterm(t, walk_children, may_cancel)));
+  const auto view = composed_term_split(t);
+  const bool binary = view && view->t2 != nullptr;
+  if (binary && (head->oper() == Div || head->oper() == Frac)) {
+    const auto divisor = number_literal(view->t2);
+    return divisor && !divisor->is_zero() ? partiality::none : partiality::divisor;
+  }
+  if (binary && head->oper() == Power) {
+    const auto exponent = integer_literal(view->t2);
+    return exponent && *exponent > 0 ? partiality::none : partiality::power;
+  }
+  const bool total = std::any_of(std::begin(total_rows), std::end(total_rows),
+                                 [head](const total_operator& row) { return row.oper == head->oper(); });
+  return total ? partiality::none : partiality::function;
+}
+
+bool may_lack_value(term_ptr t) {
+  term_list open{t};
+  std::unordered_set<term_ptr> opened;
+  while (!open.empty()) {
+    term_ptr part = open.back();
+    open.pop_back();
+    if (part == nullptr || part->children().empty() || !opened.insert(part).second) {
+      continue;
+    }
+    if (part->type() != Apply) {
+      open.insert(open.end(), part->children().begin(), part->children().end());
+      continue;
+    }
+    if (partiality_of(part) != partiality::none) {
+      return true;
+    }
+    const spine whole = spine_of(part);
+    open.push_back(whole.head);
+    open.insert(open.end(), whole.args.begin(), whole.args.end());
+  }
+  return false;
 }
 
 }  // namespace vetro

@@ -13,6 +13,7 @@
 //   value leaf(term_ptr)                     a name, constant or symbol, without metadata
 //   value opaque(term_ptr)                   a term that is compared as it is written
 //   value compound(compound_kind, span<const value>, bool special)
+//   bool arrange(vector<value>&)             in an order that equal lists share, without repetitions; false on failure
 //   value sum(span<const signed_value<value>>)
 //   value product(span<const value>)
 //   value quotient(const value&, const value&)
@@ -27,8 +28,10 @@
 #pragma once
 
 #include <algorithm>
+#include <array>
 #include <cstdint>
 #include <span>
+#include <string_view>
 #include <unordered_map>
 #include <unordered_set>
 #include <vector>
@@ -53,6 +56,12 @@ enum class compound_kind : std::uint8_t {
   several_product,
   several_quotient,
   several_power,
+  proposition,    // head, arguments
+  described_set,  // element, conditions, each with where it is defined
+  defined_at,     // the value of an expression, then the parts that may lack a value
+  // Such parts: a divisor; the base and the exponent of a power.
+  divisor,
+  raised,
 };
 
 constexpr whole_part several_valued = whole_part::landau | whole_part::several_values | whole_part::indefinite_integral;
@@ -68,16 +77,33 @@ struct signed_value {
 // proposition. Binders stay: { x + y | x > y } ranges over x alone where y is bound outside.
 term_ptr written_form(term_ptr t);
 
-// A proposition with a side condition.
+// A proposition with a side condition; and a relation or connective with its arguments, without one.
 bool is_conditional_proposition(term_ptr t);
+bool is_plain_proposition(term_ptr t);
 
 // A list with an ellipsis among its members: 1 + 2 + ... + n, f(1, ..., n), { a, ..., b }, up to the member behind the
 // ellipsis. What is added behind that is no part of it.
 bool is_dotted_list(term_ptr t);
 
-// The value of the application depends on where its parts are defined, so that x/x must not become 1 in it, nor
-// ln(x) - ln(x) 0: { x | x/x = 1 } is without 0. Such a term is compared as it is written.
-bool depends_on_domain(term_ptr t);
+// The domain or definedness of an expression as it is written, which no calculation keeps: Dom(x/x) is not Dom(1).
+bool depends_on_writing(term_ptr t);
+
+// { element | conditions }, applied to both.
+bool describes_set(term_ptr t);
+
+// How an application may lack a value where its arguments have theirs.
+enum class partiality : std::uint8_t { none, divisor, power, function };
+partiality partiality_of(term_ptr t);
+
+// Whether some expression in t may lack a value: a quotient, f(x), ln(x), a_n.
+bool may_lack_value(term_ptr t);
+
+// The operators that give a value for all arguments, with a law that holds of the set because of it.
+struct total_operator {
+  oper_type oper;
+  std::string_view law;
+};
+std::span<const total_operator> total_operators();
 
 // A quotient (Div, Frac) by differentials, or a power of them that stands for one, that is a symbol and no number that
 // cancels: by a partial differential, as the product of pdiff(x)/pdiff(y), pdiff(y)/pdiff(z) and pdiff(z)/pdiff(x) is
@@ -101,8 +127,90 @@ class expression_reader {
     return result;
   }
 
+  // The value of t together with where its expressions are defined. Two terms with the same are equal everywhere: x/x
+  // differs from 1 here, and ln(x) - ln(x) from 0, but 1/(x + 1) is 1/(1 + x).
+  value read_everywhere(term_ptr t) {
+    if (const auto known = everywhere_.find(t); known != everywhere_.end()) {
+      return known->second;
+    }
+    value result = domain_.gave_up() ? domain_.failed() : read_everywhere_new(t);
+    if (!domain_.gave_up()) {
+      everywhere_.emplace(t, result);
+    }
+    return result;
+  }
+
  private:
   using addends = std::vector<signed_value<value>>;
+
+  value read_everywhere_new(term_ptr t) {
+    const bool listed = t->type() == TermList && !is_dotted_list(t);
+    if (!listed && !is_plain_proposition(t)) {
+      return with_partial_parts(t);
+    }
+    std::vector<value> parts;
+    if (listed) {
+      for (term_ptr element : t->elements()) {
+        parts.push_back(read_everywhere(element));
+      }
+      return domain_.compound(compound_kind::list, parts, is_special(t));
+    }
+    const spine whole = spine_of(t);
+    parts.push_back(read(whole.head));
+    for (term_ptr argument : whole.args) {
+      parts.push_back(read_everywhere(argument));
+    }
+    return domain_.compound(compound_kind::proposition, parts, is_special(t));
+  }
+
+  value with_partial_parts(term_ptr t) {
+    std::vector<value> parts;
+    std::unordered_set<term_ptr> visited;
+    collect_partial_parts(t, parts, visited);
+    const value own = read(t);
+    if (parts.empty()) {
+      return own;
+    }
+    if (!domain_.arrange(parts)) {
+      return domain_.failed();
+    }
+    parts.insert(parts.begin(), own);
+    return domain_.compound(compound_kind::defined_at, parts, is_special(t));
+  }
+
+  // Of the expression and of its operands; what is bound inside a part stays in that part, as it is written.
+  void collect_partial_parts(term_ptr t, std::vector<value>& parts, std::unordered_set<term_ptr>& visited) {
+    if (!is_apply(t) || !visited.insert(t).second) {
+      return;
+    }
+    if (binding(t).touches_names() && may_lack_value(t)) {
+      parts.push_back(domain_.opaque(written_form(t)));
+      return;
+    }
+    switch (partiality_of(t)) {
+      case partiality::none:
+        break;
+      case partiality::divisor:
+        parts.push_back(read_compound(compound_kind::divisor, std::array{t->right()}, is_special(t)));
+        break;
+      case partiality::power:
+        parts.push_back(
+            read_compound(compound_kind::raised, std::array{t->left()->right(), t->right()}, is_special(t)));
+        break;
+      case partiality::function:
+        parts.push_back(read(t));
+        break;
+    }
+    for (term_ptr node = t; node->type() == Apply; node = node->left()) {
+      if (node->right()->type() == TermList) {
+        for (term_ptr element : node->right()->elements()) {
+          collect_partial_parts(element, parts, visited);
+        }
+      } else {
+        collect_partial_parts(node->right(), parts, visited);
+      }
+    }
+  }
 
   value read_new(term_ptr t) {
     if (is_conditional_proposition(t) || is_dotted_list(t)) {
@@ -168,14 +276,21 @@ class expression_reader {
   }
 
   value read_application(term_ptr t) {
-    if (depends_on_domain(t)) {
+    if (depends_on_writing(t)) {
       return domain_.opaque(written_form(t));
     }
-    const term_ptr parts[] = {t->left(), t->right()};
     const bool special = is_special(t);
-    const value application = read_compound(compound_kind::application, parts, special);
+    const value application =
+        describes_set(t) ? read_set_description(t, special)
+                         : read_compound(compound_kind::application, std::array{t->left(), t->right()}, special);
     const term_list names = touched_names(t);
     return names.empty() ? application : read_binding(application, names, special);
+  }
+
+  // Whether an element is in the set depends on where the conditions are defined.
+  value read_set_description(term_ptr t, bool special) {
+    const value parts[] = {read_everywhere(t->left()->right()), read_everywhere(t->right())};
+    return domain_.compound(compound_kind::described_set, parts, special);
   }
 
   // Calculation may take a variable out of an index part, and what the operator binds must not change by that:
@@ -286,6 +401,7 @@ class expression_reader {
   }
 
   Domain& domain_;
+  std::unordered_map<term_ptr, value> everywhere_;
 };
 
 }  // namespace vetro

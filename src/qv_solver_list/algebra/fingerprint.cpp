@@ -208,6 +208,14 @@ fingerprint fingerprint_compound(compound_kind kind, std::span<const fingerprint
   return known ? fingerprint::of_hash(hash) : fingerprint{.is_square = true};
 }
 
+// Without a value, a part makes the whole have none, in whatever place.
+bool fingerprint_domain::arrange(std::vector<value>& parts) {
+  std::sort(parts.begin(), parts.end(), [](const value& a, const value& b) { return a.value < b.value; });
+  const auto same = [](const value& a, const value& b) { return a.has_value && b.has_value && a.value == b.value; };
+  parts.erase(std::unique(parts.begin(), parts.end(), same), parts.end());
+  return true;
+}
+
 fingerprint fingerprint_leaf(term_ptr t) { return fingerprint::of_hash(mix(t->hash()) + 5); }
 
 fingerprint fingerprint_opaque(term_ptr t) { return fingerprint::of_hash(mix(t->hash()) + 6); }

@@ -63,6 +63,7 @@ class fingerprint_domain {
   static value compound(compound_kind kind, std::span<const value> parts, bool /*special*/) {
     return fingerprint_compound(kind, parts);
   }
+  static bool arrange(std::vector<value>& parts);
   static value sum(std::span<const signed_value<value>> addends) { return fingerprint_sum(addends); }
   static value product(std::span<const value> factors) { return fingerprint_product(factors); }
   static value quotient(const value& n, const value& d) { return fingerprint_quotient(n, d); }

@@ -21,6 +21,8 @@ class poly_rat_comparisons {
   poly_rat_comparisons();
   ~poly_rat_comparisons();
   bool equal(term_ptr a, term_ptr b);
+  // Equal, and defined at the same places: x/x is not 1.
+  bool equal_everywhere(term_ptr a, term_ptr b);
 
  private:
   std::unique_ptr<rational_forms> forms_;

@@ -118,6 +118,19 @@ rational_domain::value rational_domain::compound(compound_kind kind, std::span<c
   return atom(F_ATOM, words, fingerprint_compound(kind, prints), special);
 }
 
+bool rational_domain::arrange(std::vector<value>& parts) {
+  for (const value& part : parts) {
+    if (!form_number(part)) {
+      return false;
+    }
+  }
+  std::sort(parts.begin(), parts.end(), [](const value& a, const value& b) { return a->number < b->number; });
+  parts.erase(
+      std::unique(parts.begin(), parts.end(), [](const value& a, const value& b) { return a->number == b->number; }),
+      parts.end());
+  return true;
+}
+
 // ---- Arithmetic.
 
 rational_domain::value rational_domain::sum(std::span<const signed_value<value>> addends) {
@@ -341,6 +354,14 @@ bool rational_forms::equal(term_ptr a, term_ptr b) {
   return ask({a, b}, [&] {
     const rational_domain::value left = reader_.read(a);
     const rational_domain::value right = reader_.read(b);
+    return domain_.equal(left, right);
+  });
+}
+
+bool rational_forms::equal_everywhere(term_ptr a, term_ptr b) {
+  return ask({a, b}, [&] {
+    const rational_domain::value left = reader_.read_everywhere(a);
+    const rational_domain::value right = reader_.read_everywhere(b);
     return domain_.equal(left, right);
   });
 }

@@ -51,6 +51,7 @@ class rational_domain {
   value leaf(term_ptr t);
   value opaque(term_ptr t);
   value compound(compound_kind kind, std::span<const value> parts, bool special);
+  bool arrange(std::vector<value>& parts);
   value sum(std::span<const signed_value<value>> addends);
   value product(std::span<const value> factors);
   value quotient(const value& numerator, const value& denominator);
@@ -104,6 +105,8 @@ class rational_forms {
   std::string text(term_ptr t);
 
   bool equal(term_ptr a, term_ptr b);
+  // Equal, and defined at the same places.
+  bool equal_everywhere(term_ptr a, term_ptr b);
   // a1 - a2 = b1 - b2, so that an equation or comparison of the first two says the same of the others. What is no
   // single finite value is not moved across: both sides differ by the same finite expression.
   bool equal_differences(term_ptr a1, term_ptr a2, term_ptr b1, term_ptr b2);

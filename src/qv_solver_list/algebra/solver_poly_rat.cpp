@@ -88,6 +88,17 @@ bool poly_rat_comparisons::equal(term_ptr a, term_ptr b) {
   return !certainly_open(print_of(a), print_of(b)) && forms_->equal(a, b);
 }
 
+bool poly_rat_comparisons::equal_everywhere(term_ptr a, term_ptr b) {
+  if (a == nullptr || b == nullptr) {
+    return false;
+  }
+  if (term_eqb(a, b)) {
+    return true;
+  }
+  limit_memory(a, b);
+  return !certainly_open(print_of(a), print_of(b)) && forms_->equal_everywhere(a, b);
+}
+
 // Of several values each is another one, so that equal sides are no reason for ≤ between them.
 bool solver_poly_rat_eqb(term_ptr target, const solve_data& /*sdata*/) {
   const auto relation = pred_split(target);

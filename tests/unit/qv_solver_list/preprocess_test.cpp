@@ -211,5 +211,32 @@ TEST_F(preprocess, shared_and_deep_formulas_cost_their_distinct_nodes) {
   EXPECT_NE(solver_preprocess_expand_shared_membership(deep), deep);
 }
 
+// Each assumption gives what its law says, in the order of the ids, and nothing else.
+TEST_F(preprocess, each_law_holds_of_its_assumption) {
+  int next = 0;
+  for (const enrichment_law& row : enrichment_laws()) {
+    EXPECT_EQ(static_cast<int>(row.id), next++);
+    const auto law = composed_prop_split(read(row.law));
+    ASSERT_TRUE(law && law->connect == Impl) << row.law;
+    solve_data augmented;
+    ASSERT_TRUE(solver_preprocess_build_augmented_sdata({.assum = {law->t1}}, augmented));
+    augmented.assum.erase(augmented.assum.begin());
+    EXPECT_EQ(shown(augmented.assum), shown(term_split_and(law->t2))) << row.law;
+  }
+  EXPECT_EQ(next, static_cast<int>(enrichment_rule::tuple_equation) + 1);
+}
+
+// Infinity is above zero and no positive real, and the size of a set may be infinite.
+TEST_F(preprocess, what_is_not_finite_is_lowered_where_less_still_follows) {
+  const auto lowered = [](std::string_view text) {
+    return shown(solver_preprocess_expand_shared_membership(read(text)));
+  };
+  EXPECT_EQ(lowered("∞ ∈ RealPlus"), shown(read("∞ > 0")));
+  for (const char* text :
+       {"¬(∞ ∈ RealPlus)", "Cardinal(A) ∈ RealPlus ⇒ x = 1", "a = ∞ ⇔ ∞ ∈ (0, 1)", "x ∈ RealPlus [@scope y > 0 @]"}) {
+    EXPECT_EQ(lowered(text), shown(read(text))) << text;
+  }
+}
+
 }  // namespace
 }  // namespace vetro

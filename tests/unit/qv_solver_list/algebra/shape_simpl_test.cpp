@@ -1,9 +1,10 @@
-// Innermost differences of an equation, checked rewriting, and negations pushed inward.
+// Innermost differences of an equation, and checked rewriting.
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
-#include "qv_solver_list/algebra/solver_shape_simpl.h"
+#include "qv_solver_list/algebra/subterm_rewrite.h"
 #include "qv_solver_list/solvers.h"
 #include "support/solver_fixture.h"
 #include "term/compare.h"
+#include "term/term_split_combine.h"
 
 namespace vetro {
 namespace {
@@ -30,8 +31,6 @@ class shape_simpl : public solver_test {
     EXPECT_EQ(term_matches_subterm_rewrite(terms[0], terms[1], terms[2], terms[3], nullptr), answer);
     return answer ? count : 0;
   }
-
-  static std::string unfolded(std::string_view text) { return shown(solver_not_unfold_term(read(text))); }
 };
 
 TEST_F(shape_simpl, innermost_differences) {
@@ -95,7 +94,8 @@ TEST_F(shape_simpl, rewriting_in_context) {
   EXPECT_EQ(hits("f(a + a)", "f((b + 1) + (b - 1))", "a", "b"), 2U) << "equal as a whole, not place by place";
   EXPECT_EQ(hits("f(a + a)", "f((b + 1) + b)", "a", "b"), 0U);
   EXPECT_EQ(hits("f(a + (a + c))", "f((b + c) + (b + 0))", "a", "b"), 0U) << "only places of the rule may differ";
-  EXPECT_EQ(hits("x ∈ p", "x ∈ (0, 1)", "p", "(0, 1)"), 0U) << "a pair would be read as an interval there";
+  EXPECT_EQ(hits("x ∈ p", "x ∈ (0, 1)", "p", "(0, 1)"), 0U) << "p is a pair, and no interval";
+  EXPECT_EQ(hits("x ∈ p", "x ∈ [0, 1]", "p", "[0, 1]"), 1U);
 }
 
 TEST_F(shape_simpl, rewriting_captures_nothing) {
@@ -143,36 +143,48 @@ TEST_F(shape_simpl, calculation_keeps_binders) {
   EXPECT_TRUE(poly_rat_eqb(read("sum_{i + k = 1}^{n}(k)"), read("sum_{k + i = 1}^{n}(k)")));
 }
 
-TEST_F(shape_simpl, negations_move_inward) {
-  EXPECT_EQ(unfolded("¬¬(a = 1)"), "a = 1");
-  EXPECT_EQ(unfolded("¬forall (x), exists (y ∈ S), x < y"), "exists (x), forall (y ∈ S), x ≥ y");
-  EXPECT_EQ(unfolded("¬(a = 1 ∧ b ≠ 2)"), "a ≠ 1 ∨ b = 2");
-  EXPECT_EQ(unfolded("¬(a > 1 ∨ b ≥ 2)"), "a ≤ 1 ∧ b < 2");
-  EXPECT_EQ(unfolded("¬(a < 1 ⇒ b ≤ 2)"), "a < 1 ∧ b > 2");
-  EXPECT_EQ(unfolded("¬(a ∈ S ⇔ b notin S)"), shown(read("(a ∈ S ∧ b ∈ S) ∨ (a notin S ∧ b notin S)")));
-  EXPECT_EQ(unfolded("a = 1 ⇒ False"), "a ≠ 1");
-  EXPECT_EQ(unfolded("(a < 1 ∧ ¬(b < 1)) ⇒ False"), "a ≥ 1 ∨ b < 1");
-  EXPECT_EQ(unfolded("a = 1 ⇒ ¬¬(b = 1)"), "a = 1 ⇒ b = 1");
-  EXPECT_EQ(unfolded("existsUnique (x), ¬(x < 1)"), "existsUnique (x), x ≥ 1");
+// A set is not the same for elements for which a condition says nothing.
+TEST_F(shape_simpl, set_descriptions_keep_their_domain) {
+  EXPECT_EQ(left_of("{ x | x < ln(a) - ln(a) } = { x | x < 0 }"), "false");
+  EXPECT_EQ(left_of("{ x | x < a / a } = { x | x < 1 }"), "false");
+  EXPECT_EQ(left_of("{ x | x < a } = { x | x < b + 1 }"), "a = b + 1");
+  EXPECT_EQ(left_of("{ x | x < f(a) } = { x | x < f(b) }"), "a = b");
+  const auto proves = [](std::initializer_list<std::string_view> assumptions, std::string_view goal) {
+    return solver_manager_dsl(read(goal), given(assumptions), initial_fee);
+  };
+  EXPECT_TRUE(proves({"f(a) = c"}, "{ x | x < f(a) } = { x | x < c }"));
+  EXPECT_FALSE(proves({}, "{ x | x < ln(a) - ln(a) } = { x | x < 0 }"));
+  EXPECT_EQ(hits("{ x | x < a + ln(x) - ln(x) }", "{ x | x < b }", "a", "b"), 0U);
+  EXPECT_EQ(hits("{ x | x < a + x / x }", "{ x | x < b + 1 }", "a", "b"), 0U);
+  EXPECT_EQ(hits("{ x | x < a + 1 / (x + 1) }", "{ x | x < b + 1 / (1 + x) }", "a", "b"), 1U);
+  EXPECT_EQ(hits("{ x | x + x < a }", "{ x | 2 * x < b }", "a", "b"), 1U);
 }
 
-TEST_F(shape_simpl, negations_that_stay) {
-  for (const std::string_view text :
-       {"¬Odd(n)", "¬existsUnique (x), x = 1", "¬(a subset b)", "f(¬(a = 1)) = 1", "a < b", "¬False"}) {
-    EXPECT_EQ(unfolded(text), shown(read(text)));
-  }
-  EXPECT_EQ(unfolded("¬(a < b < c)"), shown(read("¬(a < b < c)"))) << "a chain is no single relation";
-  EXPECT_EQ(solver_not_unfold_term(nullptr), nullptr);
+// Equal functions have equal domains; expressions with equal values need not.
+TEST_F(shape_simpl, domains_are_open_to_hypotheses) {
+  EXPECT_EQ(left_of("Dom(f) = Dom(g)"), "f = g");
+  EXPECT_EQ(left_of("Dom(x / x) = Dom(1)"), "false");
+  EXPECT_EQ(left_of("Dom(f - f) = Dom(g)"), "false");
+  EXPECT_EQ(hits("x ∈ Dom(f)", "x ∈ Dom(g)", "f", "g"), 1U);
+  EXPECT_EQ(hits("Defined(f(x))", "Defined(g(x))", "f", "g"), 1U);
+  EXPECT_EQ(hits("x ∈ Dom(y / y)", "x ∈ Dom(1)", "y / y", "1"), 0U);
+  EXPECT_EQ(hits("Defined(f(x + x))", "Defined(g(2 * x))", "f", "g"), 0U);
 }
 
-TEST_F(shape_simpl, equivalences_unfold_in_linear_time) {
-  term_ptr tower = read("a = 1");
-  const term_ptr link = read("a = 1 ⇔ b = 1")->left()->left();
-  for (int i = 0; i < 200; ++i) {
-    tower = mk_apply(mk_apply(link, tower), read("b = 1"));
-  }
-  const term_ptr negated = mk_apply(read("¬(a = 1)")->left(), tower);
-  EXPECT_NE(solver_not_unfold_term(negated), negated);
+// Only the list with the ellipsis is one whole.
+TEST_F(shape_simpl, lists_with_an_ellipsis) {
+  EXPECT_EQ(left_of("a + (1 + 2 + ... + n) = b + (1 + 2 + ... + n)"), "a = b");
+  EXPECT_EQ(left_of("1 + 2 + ... + n = 1 + 2 + ... + m"), "false");
+  EXPECT_EQ(hits("a * (1 + 2 + ... + n)", "b * (1 + 2 + ... + n)", "a", "b"), 1U);
+  EXPECT_EQ(hits("sin(1 + 2 + ... + n)", "sin(s)", "1 + 2 + ... + n", "s"), 1U);
+  EXPECT_EQ(hits("1 + 2 + ... + n", "1 + 2 + ... + m", "n", "m"), 0U);
+  EXPECT_EQ(hits("1 + 2 + ... + n + a", "1 + 2 + ... + n + b", "a", "b"), 1U);
+}
+
+TEST_F(shape_simpl, chains_with_an_ellipsis_stay_whole) {
+  EXPECT_EQ(long_order_split(read("a < ... < c")).size(), 1U);
+  EXPECT_EQ(long_order_split(read("a < b < c")).size(), 2U);
+  EXPECT_FALSE(solver_manager_dsl(read("a < ... < c"), given({"a < ... < d", "b < ... < c"}), initial_fee));
 }
 
 }  // namespace

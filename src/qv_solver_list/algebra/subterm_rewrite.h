@@ -1,4 +1,4 @@
-// Structural operations on propositions: checked subterm rewriting, negation normal form.
+// Checked rewriting: whether one term is another with occurrences of a side of a rule replaced by the other side.
 #pragma once
 
 #include <cstddef>
@@ -10,8 +10,5 @@ namespace vetro {
 // True if to arises from `from` by replacing at least one occurrence of src by dest, binder-safely. On true,
 // *rewrite_hits (may be null) is the number of places.
 bool term_matches_subterm_rewrite(term_ptr from, term_ptr to, term_ptr src, term_ptr dest, std::size_t* rewrite_hits);
-
-// Negations pushed inward. Null for null.
-term_ptr solver_not_unfold_term(term_ptr t);
 
 }  // namespace vetro
