@@ -84,6 +84,9 @@ inline constexpr int root_sign_proofs = 200;
 // each.
 inline constexpr std::size_t poly_remembered = 200'000;
 
+// Work for telling whether the gaps of a formula are those of its derivative, as poly_work counts it: a few milliseconds.
+inline constexpr std::uint64_t zero_set_work = 200'000;
+
 // Distinct subterms that one computation of derivatives may look at, those of all orders together. The derivative of a
 // page of formulas looks at some hundred; this is some tenths of a second.
 inline constexpr std::uint64_t derivative_steps = 100'000;

@@ -63,6 +63,7 @@ class rational_domain {
   // Equal forms have equal numbers, from 1 on. Nothing for a not-a-number.
   std::optional<std::uint32_t> form_number(const value& v);
   const rational_registry& registry() const { return registry_; }
+  rational_registry& registry() { return registry_; }
 
  private:
   struct rat_hash {

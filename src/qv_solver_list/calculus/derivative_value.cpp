@@ -7,9 +7,9 @@
 #include <unordered_set>
 #include <vector>
 
+#include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/calculus/derivative.h"
-#include "qv_solver_list/constant_analysis.h"
 #include "qv_solver_list/functions/definitions.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
@@ -23,10 +23,11 @@ bool different_plain_names(term_span params) {
                      [&](term_ptr p) { return is_var(p) && !p->has_meta() && names.insert(p).second; });
 }
 
-bool is_zero(term_ptr t) {
-  if (poly_rat_eqb(t, mk_integer(0))) {
-    return true;
-  }
+// t is 0, also by the values of sines, logarithms and the like in it.
+bool is_zero(term_ptr t);
+
+// A product, quotient, power or root of 0.
+bool is_built_on_zero(term_ptr t) {
   const auto view = composed_term_split(t);
   if (!view) {
     return false;
@@ -44,15 +45,18 @@ bool is_zero(term_ptr t) {
       return is_zero(view->t1);
     case Sqrtn:
       return view->t2 != nullptr && is_zero(view->t2);
-    default: {
-      const auto value = solver_const_analyze_exact_rational(t);
-      return value && value->is_zero();
-    }
+    default:
+      return false;
   }
 }
 
+bool is_zero(term_ptr t) {
+  return poly_rat_eqb(t, mk_integer(0)) || poly_rat_eqb(solver_numeric_calc_simplify(t), mk_integer(0)) ||
+         is_built_on_zero(t);
+}
+
 bool is_negative_number(term_ptr exponent) {
-  const auto value = solver_const_analyze_exact_rational(exponent);
+  const auto value = solver_numeric_calc_eval_rational(exponent);
   return value && value->sign() < 0;
 }
 

@@ -1,31 +1,26 @@
-// Gaps are found by the shape of the formula. That one gap lies in another is shown factor by factor: two factors have
-// the same zeros when their quotient does not move.
+// Gaps are found by the shape of the formula, and compared factor by factor.
 #include "qv_solver_list/calculus/gaps.h"
 
 #include <algorithm>
 #include <unordered_set>
+#include <utility>
 
+#include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
+#include "qv_solver_list/algebra/zero_set.h"
 #include "qv_solver_list/calculus/natural_domains.h"
-#include "qv_solver_list/constant_analysis.h"
 #include "term/build.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
 namespace {
 
-// ---- Finding gaps.
-
 term_ptr inside_magnitude(term_ptr t) {
   const auto view = composed_term_split(t);
   return view && view->oper == Abs && view->t2 == nullptr ? view->t1 : nullptr;
 }
 
-// A power of a base that may be 0 has a value there.
-bool is_positive_number(term_ptr exponent) {
-  const auto value = solver_const_analyze_exact_rational(exponent);
-  return value && value->sign() > 0;
-}
+// ---- Finding gaps.
 
 class gap_finder {
  public:
@@ -35,10 +30,8 @@ class gap_finder {
     if (!facts_.moves(t) || !visited_.insert(t).second) {
       return;
     }
-    if (t->type() == Apply) {
-      if (const auto view = composed_term_split(t)) {
-        note(*view);
-      }
+    if (const auto view = composed_term_split(t)) {
+      note(*view);
     }
     for (term_ptr part : t->children()) {
       if (part != nullptr) {
@@ -54,72 +47,173 @@ class gap_finder {
     if (view.t2 == nullptr) {
       note_unary(view.oper, view.t1);
     } else if (view.oper == Div || view.oper == Frac) {
-      add(view.t2);
-    } else if (view.oper == Power && !is_positive_number(view.t2)) {
-      add(view.t1);
+      add_zeros(view.t2, gap_kind::certain, nullptr);
+    } else if (view.oper == Power) {
+      add_power(view.t1, view.t2, gap_kind::certain, false);
     } else if (view.oper == Log) {
-      add(view.t2);
+      add_zeros(view.t2, gap_kind::of_logarithm, nullptr);
     }
   }
 
   void note_unary(oper_type oper, term_ptr operand) {
     if (oper == Ln || oper == Lg) {
       term_ptr inside = inside_magnitude(operand);
-      add(inside == nullptr ? operand : inside, true);
+      add_zeros(inside == nullptr ? operand : inside, gap_kind::of_logarithm, nullptr);
       return;
     }
     const natural_domain* domain = find_natural_domain(oper);
     if (domain != nullptr && domain->subject != domain_subject::argument) {
-      add(make_unOp_term(domain->subject == domain_subject::cosine ? Cos : Sin, operand));
+      term_ptr divisor = make_unOp_term(domain->subject == domain_subject::cosine ? Cos : Sin, operand);
+      add_zeros(divisor, gap_kind::certain, nullptr);
     }
   }
 
-  void add(term_ptr part, bool under_logarithm = false) {
-    if (facts_.moves(part)) {
-      found.push_back({part, under_logarithm});
+  // The points where base^exponent breaks off, or where its reciprocal does.
+  void add_power(term_ptr base, term_ptr exponent, gap_kind kind, bool reciprocal) {
+    if (const auto value = solver_numeric_calc_eval_rational(exponent)) {
+      if ((value->sign() < 0) != reciprocal && !value->is_zero()) {
+        add_zeros(base, kind == gap_kind::of_power ? gap_kind::certain : kind, nullptr);
+      }
+    } else if (facts_.moves(exponent)) {
+      add_zeros(base, gap_kind::possible, nullptr);
+    } else {
+      add_zeros(base, gap_kind::of_power, reciprocal ? mk_neg(exponent) : exponent);
     }
+  }
+
+  // The points where t is 0, told by its factors.
+  void add_zeros(term_ptr t, gap_kind kind, term_ptr exponent) {
+    if (!facts_.moves(t)) {
+      return;
+    }
+    const auto view = composed_term_split(t);
+    const bool binary = view && view->t2 != nullptr;
+    if (binary && view->oper == Mult) {
+      add_zeros(view->t1, kind, exponent);
+      add_zeros(view->t2, kind, exponent);
+    } else if (binary && view->oper == Power) {
+      add_power(view->t1, exponent == nullptr ? view->t2 : mk_product(view->t2, exponent), kind, exponent == nullptr);
+    } else if (binary && view->oper == Sqrtn) {
+      add_zeros(view->t2, kind, exponent);
+    } else if (view && keeps_zeros(view->oper, binary)) {
+      add_zeros(view->t1, kind, exponent);
+    } else {
+      found.push_back({kind, t, exponent});
+    }
+  }
+
+  // Of a quotient, the denominator has gaps of its own.
+  static bool keeps_zeros(oper_type oper, bool binary) {
+    return binary ? oper == Div || oper == Frac : oper == Neg || oper == Abs || oper == Sqrt || oper == Cbrt;
   }
 
   const variable_facts& facts_;
   std::unordered_set<term_ptr> visited_;
 };
 
-// ---- Zeros.
+// ---- Comparing them.
 
-// Adds the factors of t that move, so that t is 0 only where one of them is.
-void add_factors(term_ptr t, const variable_facts& facts, term_list& out) {
-  if (!facts.moves(t)) {
+// Adds the terms in t under even roots, written as roots or as powers with an even denominator.
+void add_even_radicands(term_ptr t, const variable_facts& facts, std::unordered_set<term_ptr>& met, term_list& out) {
+  if (!facts.moves(t) || !met.insert(t).second) {
     return;
   }
-  const auto view = composed_term_split(t);
-  const oper_type oper = view ? view->oper : Vec;
-  if (oper == Mult && view->t2 != nullptr) {
-    add_factors(view->t1, facts, out);
-    add_factors(view->t2, facts, out);
-  } else if (view && (oper == Neg || oper == Div || oper == Frac || oper == Power || oper == Sqrt || oper == Cbrt ||
-                      oper == Abs)) {
-    add_factors(view->t1, facts, out);
-  } else if (oper == Sqrtn && view->t2 != nullptr) {
-    add_factors(view->t2, facts, out);
-  } else {
-    out.push_back(t);
+  if (const auto view = composed_term_split(t)) {
+    if (view->oper == Sqrt && view->t2 == nullptr) {
+      out.push_back(view->t1);
+    } else if (view->oper == Sqrtn && view->t2 != nullptr && is_constant(view->t1, Integer) &&
+               view->t1->integer() % 2 == 0) {
+      out.push_back(view->t2);
+    } else if (view->oper == Power && view->t2 != nullptr) {
+      const auto exponent = solver_numeric_calc_eval_rational(view->t2);
+      const auto index = exponent ? exponent->denominator().to_int64() : std::nullopt;
+      if (index && *index % 2 == 0) {
+        out.push_back(view->t1);
+      }
+    }
+  }
+  for (term_ptr part : t->children()) {
+    if (part != nullptr) {
+      add_even_radicands(part, facts, met, out);
+    }
   }
 }
 
-// The quotient a / b does not move: a' b = a b'.
-bool same_zeros(term_ptr a, term_ptr b, variable_facts& facts) {
-  if (a == b) {
-    return true;
+// The gaps of a formula against those of an integrand.
+class gap_comparison {
+ public:
+  gap_comparison(term_ptr integrand, variable_facts& facts) : facts_(facts) {
+    for (const gap& g : gaps_of(integrand, facts)) {
+      if (g.kind == gap_kind::certain || g.kind == gap_kind::of_logarithm) {
+        known_.add(g.part);
+        known_parts_.push_back(g.part);
+      } else if (g.kind == gap_kind::of_power) {
+        known_powers_.push_back(g);
+      }
+    }
+    std::unordered_set<term_ptr> met;
+    add_even_radicands(integrand, facts, met, radicands_);
   }
-  term_ptr da = facts.derivatives().of(a);
-  term_ptr db = facts.derivatives().of(b);
-  if (da == nullptr || db == nullptr) {
-    return poly_rat_eqb(a, b);
+
+  bool is_shared(const gap& g) {
+    ignore_fixed(g.part);
+    return known_.covers(g.part) || is_known(g.part) || (g.exponent != nullptr && is_known_power(g)) ||
+           facts_.nonzero(g.part) || is_edge(g.part);
   }
-  term_ptr left = mk_product(da, b);
-  term_ptr right = mk_product(a, db);
-  return poly_rat_eqb(left, right);
-}
+
+ private:
+  // What does not move is 0 everywhere or nowhere; where it is 0 everywhere, the formula says nothing.
+  void ignore_fixed(term_ptr t) {
+    if (!facts_.moves(t)) {
+      known_.ignore(t);
+    } else if (const auto view = composed_term_split(t)) {
+      ignore_fixed(view->t1);
+      if (view->t2 != nullptr) {
+        ignore_fixed(view->t2);
+      }
+    }
+  }
+
+  bool is_known(term_ptr part) {
+    return std::any_of(known_parts_.begin(), known_parts_.end(),
+                       [&](term_ptr known) { return have_same_zeros(part, known); });
+  }
+
+  // The same base, with an exponent that is negative where that of the formula is.
+  bool is_known_power(const gap& g) {
+    return std::any_of(known_powers_.begin(), known_powers_.end(), [&](const gap& known) {
+      return have_same_zeros(g.part, known.part) && facts_.negative_with(known.exponent, g.exponent);
+    });
+  }
+
+  // The quotient a / b does not move: a' b = a b'.
+  bool have_same_zeros(term_ptr a, term_ptr b) {
+    if (a == b) {
+      return true;
+    }
+    term_ptr da = facts_.derivatives().of(a);
+    term_ptr db = facts_.derivatives().of(b);
+    if (da == nullptr || db == nullptr) {
+      return false;
+    }
+    term_ptr left = mk_product(da, b);
+    term_ptr right = mk_product(a, db);
+    return poly_rat_eqb(left, right);
+  }
+
+  // Formula and integrand end at the zeros of the part: it stands under an even root of the integrand, and changes its
+  // sign at each zero.
+  bool is_edge(term_ptr part) {
+    return std::any_of(radicands_.begin(), radicands_.end(), [&](term_ptr r) { return poly_rat_eqb(part, r); }) &&
+           facts_.has_simple_zeros(part);
+  }
+
+  variable_facts& facts_;
+  zero_set known_;
+  term_list known_parts_;
+  std::vector<gap> known_powers_;
+  term_list radicands_;
+};
 
 }  // namespace
 
@@ -130,23 +224,13 @@ std::vector<gap> gaps_of(term_ptr t, const variable_facts& facts) {
 }
 
 bool breaks_off_with(term_ptr formula, term_ptr integrand, variable_facts& facts) {
-  term_list factors;
-  for (const gap& g : gaps_of(formula, facts)) {
-    if (!g.under_logarithm) {
-      add_factors(g.part, facts, factors);
-    }
-  }
-  if (factors.empty()) {
+  const std::vector<gap> gaps = gaps_of(formula, facts);
+  const auto counts = [](const gap& g) { return g.kind != gap_kind::of_logarithm; };
+  if (std::none_of(gaps.begin(), gaps.end(), counts)) {
     return true;
   }
-  term_list known;
-  for (const gap& g : gaps_of(integrand, facts)) {
-    add_factors(g.part, facts, known);
-  }
-  return std::all_of(factors.begin(), factors.end(), [&](term_ptr f) {
-    return std::any_of(known.begin(), known.end(), [&](term_ptr k) { return same_zeros(f, k, facts); }) ||
-           facts.nonzero(f);
-  });
+  gap_comparison comparison(integrand, facts);
+  return std::all_of(gaps.begin(), gaps.end(), [&](const gap& g) { return !counts(g) || comparison.is_shared(g); });
 }
 
 bool logarithms_are_defined(term_ptr formula, variable_facts& facts) {

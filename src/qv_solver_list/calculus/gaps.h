@@ -8,14 +8,21 @@
 
 namespace vetro {
 
-// The formula may break off where `part` is 0: a denominator, the base of a power that may be negative, the cosine
-// under a tangent, the argument of a logarithm or of its magnitude.
-struct gap {
-  term_ptr part;
-  bool under_logarithm;
+// Whether a formula breaks off at the zeros of an expression.
+enum class gap_kind : std::uint8_t {
+  certain,       // it has no value there: a denominator, the cosine under a tangent
+  of_logarithm,  // none either, and the expression, or its magnitude, stands under a logarithm
+  of_power,      // it is a power with an exponent that does not move, and breaks off if that is negative
+  possible,      // it is a power with an exponent that moves
 };
 
-// The gaps of t that move with the variable, in text order.
+struct gap {
+  gap_kind kind;
+  term_ptr part;      // moves with the variable, and is no product, power or root
+  term_ptr exponent;  // of a power; else null
+};
+
+// The gaps of t, in text order.
 std::vector<gap> gaps_of(term_ptr t, const variable_facts& facts);
 
 // Whether `formula` breaks off only where `integrand`, an equal form of its derivative, does so too, or where the facts

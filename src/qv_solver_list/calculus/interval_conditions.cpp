@@ -16,7 +16,7 @@ namespace {
 class condition_reader {
  public:
   condition_reader(term_ptr var, const solve_data& sdata, term_span understood)
-      : var_(var), local_(with_assumptions(sdata, understood)), facts_(local_, var) {}
+      : var_(var), local_(under_condition(sdata, understood)), facts_(local_, var) {}
 
   bool understands(term_ptr conjunct) {
     if (!moves(conjunct)) {

@@ -8,6 +8,7 @@
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/calculus/derivative.h"
 #include "qv_solver_list/calculus/derivative_value.h"
+#include "qv_solver_list/calculus/variable_facts.h"
 #include "qv_solver_list/functions/piecewise.h"
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
@@ -107,7 +108,7 @@ bool solver_deriv_eqb(term_ptr target, const solve_data& sdata) {
     if (view->connect == And) {
       return solver_deriv_eqb(view->t1, sdata) && solver_deriv_eqb(view->t2, sdata);
     }
-    return view->connect == Impl && solver_deriv_eqb(view->t2, with_assumptions(sdata, split_connect(view->t1, And)));
+    return view->connect == Impl && solver_deriv_eqb(view->t2, under_condition(sdata, split_connect(view->t1, And)));
   }
   const auto equation = pred_split(target);
   return equation && equation->pred == Eq && derivative_solver(sdata).proves(target, equation->left, equation->right);

@@ -46,7 +46,7 @@ bool same_family(const function_family& left, const function_family& right, cons
         !describe_an_interval(left.antecedent, family_variable(), sdata)) {
       return false;
     }
-    const solve_data local = with_assumptions(sdata, left.antecedent);
+    const solve_data local = under_condition(sdata, left.antecedent);
     variable_facts facts(local, family_variable());
     if (!has_all_primitives(left, right, facts) || !has_all_primitives(right, left, facts)) {
       return false;

@@ -2,9 +2,12 @@
 
 #include "number/limits.h"
 #include "number/real_roots.h"
+#include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/number_reading.h"
+#include "qv_solver_list/solver_preprocess.h"
 #include "term/build.h"
+#include "term/compare.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
 
@@ -36,8 +39,27 @@ std::optional<composed_term> plus_view(term_ptr t) {
 
 }  // namespace
 
+solve_data under_condition(const solve_data& sdata, term_span conjuncts) {
+  term_list more;
+  const auto add = [&more](term_ptr t) {
+    if (t != nullptr && !term_list_contains(more, t)) {
+      more.push_back(t);
+    }
+  };
+  for (term_ptr conjunct : conjuncts) {
+    add(conjunct);
+    if (term_ptr comparisons = solver_preprocess_expand_shared_membership(conjunct)) {
+      for (term_ptr part : split_connect(elim_predchain(comparisons), And)) {
+        add(part);
+        add(solver_numeric_calc_simplify(part));
+      }
+    }
+  }
+  return with_assumptions(sdata, more);
+}
+
 variable_facts::variable_facts(const solve_data& sdata, term_ptr var)
-    : var_(var), facts_(sdata, evalbar_domain_policy), by_var_(var), polynomials_(var) {}
+    : sdata_(sdata), var_(var), facts_(sdata, evalbar_domain_policy), by_var_(var), polynomials_(var) {}
 
 bool variable_facts::moves(term_ptr t) const { return name_occurs(var_->name(), t); }
 
@@ -49,6 +71,11 @@ bool variable_facts::positive(term_ptr t) {
 }
 
 bool variable_facts::nonpositive(term_ptr t) { return facts_.relation(Le, t, zero()); }
+
+bool variable_facts::negative_with(term_ptr asked, term_ptr given) {
+  term_ptr negative = make_binPred_prop(Lt, given, zero());
+  return prover(sdata_, evalbar_domain_policy.premise_solvers).under({&negative, 1}).relation(Lt, asked, 0);
+}
 
 bool variable_facts::has_one_sign(term_ptr t) {
   if (!moves(t)) {
@@ -64,30 +91,37 @@ bool variable_facts::has_one_sign(term_ptr t) {
   return facts_.relation(Ge, t, zero()) || nonpositive(t) || exceeds_by_root(t) || has_no_root(t);
 }
 
+bool variable_facts::has_simple_zeros(term_ptr t) {
+  term_ptr d = discriminant(t);
+  term_ptr bend = d == nullptr ? nullptr : by_var_.of(by_var_.of(t));
+  return bend != nullptr && (poly_rat_eqb(bend, zero()) || facts_.nonzero(d));
+}
+
 // A polynomial in the variable that is 0 for no real value.
 bool variable_facts::has_no_root(term_ptr t) {
   const ratio* r = polynomials_.read(t);
   if (r == nullptr) {
-    return is_quadratic_without_roots(t);
+    term_ptr d = discriminant(t);
+    return d != nullptr && facts_.relation(Lt, d, zero());
   }
   budget work(limits::univariate_work);
   const auto rooted = r->den.size() == 1 ? has_real_root(r->num, work) : std::nullopt;
   return rooted && !*rooted;
 }
 
-// A quadratic q has no root where q'(0)^2 - 2 q(0) q'' is negative. It must be written without divisions by the
-// variable and without functions of it, so that it is defined everywhere.
-bool variable_facts::is_quadratic_without_roots(term_ptr t) {
+// q'(0)^2 - 2 q(0) q'' of a polynomial q of degree 2 at most in the variable: negative where it has no root, positive
+// where its roots are simple. It must be written without divisions by the variable and without functions of it, so that
+// it is defined everywhere. Null for another term.
+term_ptr variable_facts::discriminant(term_ptr t) {
   term_ptr slope = facts_.defined(t) ? by_var_.of(t) : nullptr;
   term_ptr bend = slope == nullptr ? nullptr : by_var_.of(slope);
   term_ptr third = bend == nullptr ? nullptr : by_var_.of(bend);
   if (third == nullptr || !poly_rat_eqb(third, zero())) {
-    return false;
+    return nullptr;
   }
   term_ptr slope_squared = mk_power(at_zero(slope), mk_integer(2));
   term_ptr twice_bend = mk_product(mk_integer(2), at_zero(bend));
-  term_ptr discriminant = mk_difference(slope_squared, mk_product(at_zero(t), twice_bend));
-  return facts_.relation(Lt, discriminant, zero());
+  return mk_difference(slope_squared, mk_product(at_zero(t), twice_bend));
 }
 
 // a + r or r + a for a square root r of a^2 + c with a positive c.

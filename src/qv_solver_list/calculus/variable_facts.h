@@ -7,6 +7,10 @@
 
 namespace vetro {
 
+// The assumptions with the conjuncts of a condition behind them, memberships also as comparisons, and each also with
+// its numeric parts worked out: solvers look for facts in that form, too.
+solve_data under_condition(const solve_data& sdata, term_span conjuncts);
+
 // Under one list of assumptions, which may speak of the variable. Beyond what the side solvers show, polynomials
 // without real roots keep their sign, and t + (t^2 + c)^(1/2) is positive for positive c.
 class variable_facts {
@@ -20,18 +24,23 @@ class variable_facts {
   bool nonzero(term_ptr t);
   bool positive(term_ptr t);
   bool nonpositive(term_ptr t);
+  // Whenever `given` is negative, `asked` is.
+  bool negative_with(term_ptr asked, term_ptr given);
   // t is nowhere negative or nowhere positive, whichever of the two the values of other names make it.
   bool has_one_sign(term_ptr t);
+  // A linear or quadratic expression that changes its sign at each zero, unless it is 0 everywhere.
+  bool has_simple_zeros(term_ptr t);
 
   domain_prover& facts() { return facts_; }
   differentiator& derivatives() { return by_var_; }  // with respect to the variable
 
  private:
   bool has_no_root(term_ptr t);
-  bool is_quadratic_without_roots(term_ptr t);
+  term_ptr discriminant(term_ptr t);
   bool exceeds_by_root(term_ptr t);
   term_ptr at_zero(term_ptr t) const;
 
+  const solve_data& sdata_;
   term_ptr var_;
   domain_prover facts_;
   differentiator by_var_;

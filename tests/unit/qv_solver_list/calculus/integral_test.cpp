@@ -73,6 +73,16 @@ TEST_F(integral_test, closed_forms_without_condition) {
       {"(2 * x) / (x^2 + 1)", "ln(x^2 + 1) + C", true},
       {"-(2 * x) / (x^2 + 1)^2", "1 / (x^2 + 1) + C", true},
       {"0", "arctan(1 / (x - a)) + arctan(x - a) + C", false},
+      {"x^n", "x^(n + 1) / (n + 1) + C", true},
+      {"x^(-n)", "x^(1 - n) / (1 - n) + C", true},
+      {"x^n", "x^(n + 1) / (n + 1) + arctan(x) + arctan(1/x) + C", false},
+      {"x^n / (x^(2 * n) + 1) * n / x", "arctan(x^n) + C", true},
+      {"(1 - x^2)^(1/2)", "x * (1 - x^2)^(1/2) / 2 + arctan(x / (1 - x^2)^(1/2)) / 2 + C", true},
+      {"(x^2)^(1/2)", "x * (x^2)^(1/2) / 2 + x / (x^2)^(1/2) + C", false},
+      {"-1 / (x^2 + 2 * x + 1)", "1 / (x + 1) + C", true},
+      {"-(2 * x - a - b) / ((x - a)^2 * (x - b)^2)", "1 / (x^2 - (a + b) * x + a * b) + C", true},
+      {"-1 / (x^2 * (1 + 1 / x^2)) * ((x + 1) / (x + 1))", "arctan(1 / x) + C", true},
+      {"-1 / (1 + x^2) * ((x + 1) / (x + 1))", "arctan(1 / x) + C", false},
       {"0", "arctan(tan(x)) - x + C", false},
       // Logarithms.
       {"1 / x", "ln(Abs(x)) + C", true},
@@ -122,6 +132,7 @@ TEST_F(integral_test, conditions) {
       {"x^4 - x^3 + 1 > 0", true},
       {"a + b * x^3 > 0", true},
       {"(a + b * x > 0 ∧ c * (a + b * x)^n > 0)", true},
+      {"(1 + x^(1/2) > 0 ∧ x > 0)", true},
       {"x = 1", false},
       {"x ≥ 0", false},
       {"x ∈ [0, 1]", false},
@@ -145,6 +156,8 @@ TEST_F(integral_test, conditions) {
     EXPECT_TRUE(same(primitives("2 * x", r.antecedent), primitives("x + x", r.antecedent))) << r.antecedent;
   }
   EXPECT_TRUE(same(primitives("1 / x", "x > 0"), family("ln(x) + C", "x > 0")));
+  EXPECT_TRUE(same(primitives("1 / x", "x ∈ (0, 1)"), family("ln(x) + C", "x ∈ (0, 1)")));
+  EXPECT_FALSE(same(primitives("1 / x", "x ∈ (-1, 1)"), family("ln(x) + C", "x ∈ (-1, 1)")));
   EXPECT_TRUE(same(primitives("-1 / (1 + x^2)", "x > 0"), family("arctan(1 / x) + C", "x > 0")));
   EXPECT_TRUE(same(primitives("x^(1/2) * ln(x) + x^(-1/2)", "x > 0"),
                    family("2/3 * x^(3/2) * ln(x) - 4/9 * x^(3/2) + 2 * e^(ln(x) / 2) + C", "x > 0")));
