@@ -37,23 +37,23 @@ bool has_all_primitives(const function_family& family, const function_family& ot
   });
 }
 
+// That no member is missing is asked last: the derivatives of most pairs of sets differ at the first look.
 bool same_family(const function_family& left, const function_family& right, const solve_data& sdata) {
-  if (!same_conjuncts(left.antecedent, right.antecedent) || !same_conjuncts(left.memberships, right.memberships)) {
+  if (!same_conjuncts(left.antecedent, right.antecedent) || !same_conjuncts(left.memberships, right.memberships) ||
+      !expr_equiv_under_config(left.derivative, right.derivative, and_compose(left.antecedent), sdata,
+                               expr_equiv_derivative_config())) {
     return false;
   }
-  if (!left.formulas.empty() || !right.formulas.empty()) {
-    if (!is_real(left, sdata) || !is_real(right, sdata) ||
-        !describe_an_interval(left.antecedent, family_variable(), sdata)) {
-      return false;
-    }
-    const solve_data local = under_condition(sdata, left.antecedent);
-    variable_facts facts(local, family_variable());
-    if (!has_all_primitives(left, right, facts) || !has_all_primitives(right, left, facts)) {
-      return false;
-    }
+  if (left.formulas.empty() && right.formulas.empty()) {
+    return true;
   }
-  term_ptr antecedent = and_compose(left.antecedent);
-  return expr_equiv_under_config(left.derivative, right.derivative, antecedent, sdata, expr_equiv_derivative_config());
+  if (!is_real(left, sdata) || !is_real(right, sdata) ||
+      !describe_an_interval(left.antecedent, family_variable(), sdata)) {
+    return false;
+  }
+  const solve_data local = under_condition(sdata, left.antecedent);
+  variable_facts facts(local, family_variable());
+  return has_all_primitives(left, right, facts) && has_all_primitives(right, left, facts);
 }
 
 }  // namespace
