@@ -13,6 +13,7 @@
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
 #include "term/term_split_combine.h"
+#include "term/whole_parts.h"
 
 namespace vetro {
 namespace {
@@ -63,6 +64,9 @@ class derivative_solver {
       return nullptr;
     }
     const auto& [f, steps, point] = *derivative;
+    if (f->has_meta() || std::any_of(point.begin(), point.end(), is_one_whole)) {
+      return nullptr;
+    }
     term_ptr lambda = f->type() == Lambda ? f : solver_func_resolve_lambda_pointwise(f, point.size(), point, premises_);
     if (lambda == nullptr || lambda->vars().size() != point.size() || !holds_around(lambda, point)) {
       return nullptr;

@@ -63,6 +63,9 @@ TEST_F(deriv_test, answers) {
       {{}, "FunDeri(fun x, x . x^2, 1, 1, 2, 2) = 4", false},
       {{}, "FunDeri(fun x . sin(x) * e^x, 1, 1000000000, 0) = 0", false},
       {{}, "FunDeri({ x | x > 0 }, 1, 1, 2) = 0", false},
+      {{}, "FunDeri((fun x . x^2) [@scope x > 0 @], 1, 1, 2) = 4", false},
+      {{}, "FunDeri(fun x . x^2, 1, 1, ∞) = 2 * ∞", false},
+      {{}, "FunDeri(fun x . x^2, 1, 1, ±1) = 2 * (±1)", false},
       {{}, "FunDeri(fun x . (x, x), 1, 1, 2) = (1, 1)", false},
       {{}, "FunDeri(fun x . Abs(x), 1, 1, 2) = 1", false},
       // Bound names: the value is put in without capture.
