@@ -100,6 +100,8 @@ bool interval_is_point_value(const interval& A, const rational& v) {
 
 bool interval_is_point_inf(const interval& A) { return interval_is_closed_point(A, nullptr) && rat_is_inf(A.lo.v); }
 
+bool interval_attains_infinity(const interval& A) { return attains_infinity(A.lo) || attains_infinity(A.hi); }
+
 bool interval_point_to_nonneg_int(const interval& A, int* out) {
   rational v;
   if (!interval_is_closed_point(A, &v) || rat_is_inf(v) || v.den != 1 || v.num < 0 || v.num > INT32_MAX) {

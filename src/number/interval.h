@@ -44,6 +44,7 @@ bool interval_contains_zero(const interval& A);
 bool interval_is_closed_point(const interval& A, rational* out);
 bool interval_is_point_value(const interval& A, const rational& v);
 bool interval_is_point_inf(const interval& A);
+bool interval_attains_infinity(const interval& A);
 // One integer from 0 to 2^31 - 1 alone, which goes to *out.
 bool interval_point_to_nonneg_int(const interval& A, int* out);
 // The operation has no value at all, since an operand is an infinity alone: +inf - inf, inf * 0, inf / inf, inf^0.

@@ -371,11 +371,13 @@ void interval_graph::backward(node_id n) {
   }
 }
 
-// A quotient by an infinity says nothing of what was divided: 5 / inf and 7 / inf are both 0.
+// A quotient by an infinity says nothing of what was divided, and neither does an infinite product of an infinite
+// factor. That holds for every value that is still possible: what is infinite may turn out later.
 void interval_graph::backward_product(node_id n) {
   const auto [a, b] = std::pair(nodes_[n].a, nodes_[n].b);
-  const auto divides = [this](node_id d) {
-    return !interval_contains_zero(nodes_[d].I) && !interval_is_point_inf(nodes_[d].I);
+  const auto divides = [&](node_id d) {
+    return !interval_contains_zero(nodes_[d].I) && !interval_is_point_inf(nodes_[d].I) &&
+           !(may_be_infinite(n) && may_be_infinite(d));
   };
   if (divides(b)) {
     tighten_node(a, interval_div(nodes_[n].I, nodes_[b].I));
@@ -390,8 +392,11 @@ void interval_graph::backward_quotient(node_id n) {
   if (interval_is_point_inf(nodes_[b].I)) {
     return;
   }
-  tighten_node(a, interval_mul(nodes_[n].I, nodes_[b].I));
-  if (!interval_contains_zero(nodes_[n].I) && !interval_is_point_inf(nodes_[n].I)) {
+  if (!may_be_infinite(b) || !interval_contains_zero(nodes_[n].I)) {
+    tighten_node(a, interval_mul(nodes_[n].I, nodes_[b].I));
+  }
+  if (!interval_contains_zero(nodes_[n].I) && !interval_is_point_inf(nodes_[n].I) &&
+      !(may_be_infinite(a) && may_be_infinite(n))) {
     tighten_node(b, interval_div(nodes_[a].I, nodes_[n].I));
   }
 }

@@ -19,6 +19,9 @@ class interval_graph {
   using node_id = std::uint32_t;
   static constexpr node_id no_node = UINT32_MAX;
 
+  // Names may stand for infinities, which a product or quotient does not give back: 5 / inf and 7 / inf are both 0.
+  void expect_infinite_values() { infinite_values_ = true; }
+
   // A leaf that is not defined counts as undefined until an asserted relation needs it; one that is not supported
   // stays undefined for ever, and relations on it have no effect.
   node_id add_leaf(ex_kind kind, const interval& I, bool defined);
@@ -113,6 +116,7 @@ class interval_graph {
   void backward(node_id n);
   void backward_product(node_id n);
   void backward_quotient(node_id n);
+  bool may_be_infinite(node_id n) const { return infinite_values_ && interval_attains_infinity(nodes_[n].I); }
   void process_relation(relation_id r);
   void propagate_le_relation(node_id lhs, node_id rhs, bool strict);
 
@@ -125,6 +129,7 @@ class interval_graph {
   std::uint32_t allowed_each_ = 0;    // tightenings of one node, for now
   std::uint64_t tightened_more_ = 0;  // beyond the first allowance of each node
   bool contradiction_ = false;
+  bool infinite_values_ = false;
 
   struct saved_node {
     node_id id;

@@ -6,6 +6,8 @@
 // under a scope. Intervals have no holes, so x ≠ 1 adds nothing either. Assumptions that contradict each other prove
 // every target.
 //
+// Names stand for finite values unless an infinity occurs in what is asked.
+//
 // The graph of a list of assumptions is kept with the list, at rest. A target is added, refuted and taken away again,
 // and so are the assumptions of the layers above the list, which are few as a rule.
 #include <algorithm>
@@ -18,6 +20,7 @@
 #include "qv_solver_list/solvers.h"
 #include "term/relation.h"
 #include "term/term_split_combine.h"
+#include "term/whole_parts.h"
 
 namespace vetro {
 namespace {
@@ -32,7 +35,11 @@ term_list links_of(term_ptr t) {
 class interval_problem {
  public:
   // complex is borrowed and must outlive the problem.
-  explicit interval_problem(complex_values& complex) : reader_(graph_, complex) {}
+  interval_problem(complex_values& complex, bool infinite_values) : reader_(graph_, complex) {
+    if (infinite_values) {
+      graph_.expect_infinite_values();
+    }
+  }
 
   void assume(term_ptr assumption);
   void settle() { graph_.settle(); }
@@ -167,15 +174,33 @@ void append_layers(const assumption_facts& facts, const assumption_facts* bottom
   std::ranges::copy_if(facts.own(), std::back_inserter(out), [](term_ptr t) { return t != nullptr; });
 }
 
+term_list all_of(const assumption_facts& facts) {
+  term_list all;
+  append_layers(facts, nullptr, all);
+  return all;
+}
+
 // What is kept with a list of assumptions.
+template <bool infinite_values>
 struct assumed_bounds {
-  explicit assumed_bounds(assumption_facts& facts) : problem(facts.table<complex_values>()) {
-    term_list all;
-    append_layers(facts, nullptr, all);
+  explicit assumed_bounds(assumption_facts& facts) : problem(facts.table<complex_values>(), infinite_values) {
+    const term_list all = all_of(facts);
     std::ranges::for_each(all, [this](term_ptr assumption) { problem.assume(assumption); });
     problem.settle();
   }
   interval_problem problem;
+};
+
+// An end of an interval counts: b ∈ [1, +∞] lets b be infinite.
+bool speaks_of_infinity(term_span list) {
+  return std::ranges::any_of(list, [](term_ptr t) {
+    return holds_any(solver_preprocess_expand_interval_membership(t), whole_part::infinity_value);
+  });
+}
+
+struct assumed_infinities {
+  explicit assumed_infinities(assumption_facts& facts) : any(speaks_of_infinity(all_of(facts))) {}
+  bool any;
 };
 
 bool speaks_of_complex_values(term_ptr assumption, complex_values& complex) {
@@ -203,7 +228,10 @@ bool solver_interval(term_ptr target, const solve_data& sdata) {
     list = &facts;
     more.clear();
   }
-  interval_problem& problem = list->table<assumed_bounds>().problem;
+  const bool infinite_values = list->table<assumed_infinities>().any || speaks_of_infinity(more) ||
+                               (target != nullptr && speaks_of_infinity(term_list{target}));
+  interval_problem& problem =
+      infinite_values ? list->table<assumed_bounds<true>>().problem : list->table<assumed_bounds<false>>().problem;
   if (problem.contradiction() || target == nullptr) {
     return problem.contradiction() || (!more.empty() && problem.contradicts(more));
   }
