@@ -197,8 +197,20 @@ bool have_equal_scopes(term_ptr a, term_ptr b) { return rewrite_in_alpha_eqb(a->
 
 bool source_may_stand_in(term_ptr body, term_ptr source, term_ptr qvar) {
   free_occurrences occurrences(qvar, free_occurrences::in_scopes::yes);
+  // The variable may be anything, and under `fun` or a quantifier it is not looked for.
+  const auto fits = [&](const auto& self, term_ptr pattern, term_ptr t) -> bool {
+    if (pattern->type() == Var && pattern->bare() == qvar->bare()) {
+      return true;
+    }
+    if (!occurrences.in(pattern)) {
+      return pattern->blind_hash() == t->blind_hash();
+    }
+    const bool opened = pattern->type() == Apply || pattern->type() == TermList;
+    return pattern->type() == t->type() &&
+           (!opened || all_parts(pattern, t, [&](term_ptr a, term_ptr b) { return self(self, a, b); }));
+  };
   const auto may_stand = [&](const auto& self, term_ptr t) -> bool {
-    if (instance_collector(qvar, occurrences).collect(source, t)) {
+    if (fits(fits, source, t)) {
       return true;
     }
     if ((t->type() != Apply && t->type() != TermList) || is_closed_to_rewriting(t)) {

@@ -265,14 +265,22 @@ class walker {
     if (try_rewrite_direct_setdesc(old_form, new_form, a->var)) {
       return true;
     }
-    if (state_.first_failed_condition != nullptr || old_form.conditions.size() != new_form.conditions.size()) {
+    if (state_.first_failed_condition != nullptr) {
       return false;
     }
-    bool fits = walk(old_form.body, new_form.body);
-    for (std::size_t i = 0; i < old_form.conditions.size(); ++i) {
-      fits = walk(old_form.conditions[i], new_form.conditions[i]) && fits;
+    // Both are always walked: a reason found in the conditions is told even where the bodies do not fit.
+    const bool bodies_fit = walk(old_form.body, new_form.body);
+    return walk_conditions(old_form.conditions, new_form.conditions) && bodies_fit;
+  }
+
+  bool walk_conditions(const term_list& from, const term_list& to) {
+    const std::size_t shared = std::min(from.size(), to.size());
+    for (std::size_t i = 0; i < shared; ++i) {
+      if (!walk(from[i], to[i])) {
+        return false;
+      }
     }
-    return fits;
+    return from.size() == to.size();
   }
 
   // The set under the common name of its variable.

@@ -100,6 +100,9 @@ TEST_F(rewrite_in_test, limit_bodies) {
           {"forall (x), p(x) = (0, x)", "lim_{x → 1}(h(2 ∈ p(x))) = c", "lim_{x → 1}(h(2 ∈ (0, x))) = c", closed},
           {rule, "lim_{x → 0}(f(±x)) = c", "lim_{x → 0}(g(±x)) = c", closed},
           {"forall (k), sum_{i = k}^{9}(i) = s(k)", "lim_{k → 0}(sum_{i = k}^{9}(i)) = c", "lim_{k → 0}(s(k)) = c", ""},
+          {"forall (a), h(fun t . a * t) = s(a)", "lim_{x → 0}(h(fun t . x * t)) = c", "lim_{x → 0}(s(x)) = c", ""},
+          {"forall (a), h(forall (t), a > t) = s(a)", "lim_{x → 0}(h(forall (t), x > t)) = c", "lim_{x → 0}(s(x)) = c",
+           ""},
           // On the way: everything that binds by a name; nothing that is more than its value.
           {rule, "p = 1 ∧ ¬(lim_{x → 0}(f(x)) = c)", "p = 1 ∧ ¬(lim_{x → 0}(g(x)) = c)", ""},
           {rule, "lim_{x → 0}(lim_{y → 0}(f(y)) + x) = c", "lim_{x → 0}(lim_{t → 0}(g(t)) + x) = c", ""},
@@ -300,6 +303,8 @@ TEST_F(rewrite_in_test, set_descriptions) {
           {"forall (x), f(x) = x + y", "{ f(x) | x > 0, y = y } = A", "{ x + y | x > 0, y = y } = A",
            unsupported_setdesc},
           {rule, "{ f(x) + y | x > y } = A", "{ g(x) + y | x > y } = A", unsupported_setdesc},
+          {rule, "{ x | x > 0, { f(t) + s | t > s } = B } = A", "{ x | x > 0, { g(t) + s | t > s } = B, x > 1 } = A",
+           unsupported_setdesc},
           {rule, "{ f(y) | y > 0 } = A", "{ g(y) | y > 0 } = A", other_binder},
           {rule, "{ y | y > 0, { f(x) | x > y } = B } = A", "{ y | y > 0, { g(x) | x > y } = B } = A", ""},
           {rule, "{ x | x > 0, lim_{t → 0}(f(x)) = c } = A", "{ x | x > 0, lim_{t → 0}(g(x)) = c } = A", closed},
