@@ -84,7 +84,7 @@ class replacement_check {
       log_error(data_, "Auto-replace failed: cannot analyze the replacement result in its target context.\n");
       return false;
     }
-    if (term_eqb(from, to) || (by_negation_ && alpha_equivalent(from, new_form))) {
+    if (term_eqb(from, to) || (by_negation_ && is_new_form(from))) {
       return true;
     }
     log_error_text(data_, "The transformation does not reflect the replacement:\nAfter replacing " +
@@ -95,6 +95,12 @@ class replacement_check {
   }
 
  private:
+  // The new form as it is written: a replacement that holds the replaced part must not be made in it again.
+  bool is_new_form(term_ptr replaced) const {
+    const term_ptr written = autoreplace_prepare_contextual_result(inst_.to_prop.t);
+    return written != nullptr && alpha_equivalent(replaced, written);
+  }
+
   const dsl_execute_data& data_;
   const dsl_auto_replace& inst_;
   bool by_negation_;
