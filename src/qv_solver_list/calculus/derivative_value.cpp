@@ -1,5 +1,5 @@
-// A formula of derivatives says nothing where it divides by 0, but calculation does not look at domains: 0/0 reads 0
-// there. So divisors are looked at where the point is put in.
+// A formula says nothing where it divides by 0, but calculation does not look at domains: 0/0 reads 0 there. So
+// divisors are looked at where the point is put in, those of the function, too: the rules may have folded them away.
 #include "qv_solver_list/calculus/derivative_value.h"
 
 #include <algorithm>
@@ -60,18 +60,39 @@ bool is_negative_number(term_ptr exponent) {
   return value && value->sign() < 0;
 }
 
-// Somewhere in t stands a quotient by 0 or a negative power of 0.
+bool is_zero_of(oper_type oper, term_ptr u) { return is_zero(make_unOp_term(oper, u)); }
+
+// The operator divides by 0 there, or takes the logarithm of 0.
+bool ends_at(const composed_term& view) {
+  switch (view.oper) {
+    case Div:
+    case Frac:
+      return view.t2 != nullptr && is_zero(view.t2);
+    case Power:
+      return view.t2 != nullptr && is_negative_number(view.t2) && is_zero(view.t1);
+    case Log:
+      return view.t2 != nullptr && is_zero(view.t2);
+    case Ln:
+    case Lg:
+      return is_zero(view.t1);
+    case Tan:
+    case Sec:
+      return is_zero_of(Cos, view.t1);
+    case Cot:
+    case Csc:
+      return is_zero_of(Sin, view.t1);
+    default:
+      return false;
+  }
+}
+
+// Somewhere in t an operator ends.
 bool divides_by_zero(term_ptr t, std::unordered_set<term_ptr>& met) {
-  if (t->type() != Apply || !met.insert(t).second) {
+  if (t == nullptr || t->type() != Apply || !met.insert(t).second) {
     return false;
   }
-  if (const auto view = composed_term_split(t); view && view->t2 != nullptr) {
-    const bool quotient = view->oper == Div || view->oper == Frac;
-    if ((quotient && is_zero(view->t2)) || (view->oper == Power && is_negative_number(view->t2) && is_zero(view->t1))) {
-      return true;
-    }
-  }
-  return divides_by_zero(t->left(), met) || divides_by_zero(t->right(), met);
+  const auto view = composed_term_split(t);
+  return (view && ends_at(*view)) || divides_by_zero(t->left(), met) || divides_by_zero(t->right(), met);
 }
 
 // The rule that divides by the root tells something at the point.
@@ -122,6 +143,11 @@ term_ptr derivative_value(term_ptr body, term_span params, std::span<const deriv
   if (params.size() != point.size() || !different_plain_names(params)) {
     return nullptr;
   }
+  std::unordered_set<term_ptr> met;
+  const auto at_point = [&](term_ptr t) { return solver_func_substitute_args(t, params, point); };
+  if (divides_by_zero(at_point(body), met)) {
+    return nullptr;
+  }
   term_ptr derived = body;
   std::vector<branch_point> branches;
   for (const auto& [index, order] : steps) {
@@ -137,8 +163,7 @@ term_ptr derivative_value(term_ptr body, term_span params, std::span<const deriv
   }
   const bool all_tell = std::all_of(branches.begin(), branches.end(),
                                     [&](const branch_point& branch) { return tells(branch, params, point, facts); });
-  term_ptr value = all_tell ? solver_func_substitute_args(derived, params, point) : nullptr;
-  std::unordered_set<term_ptr> met;
+  term_ptr value = all_tell ? at_point(derived) : nullptr;
   return value == nullptr || divides_by_zero(value, met) ? nullptr : value;
 }
 

@@ -16,8 +16,9 @@ struct derivative_step {
 };
 
 // The body differentiated step by step and taken at the point, one value for each parameter. Null where the parameters
-// are not different plain names, where no rule applies, and where the result is no value: where a denominator is 0, or
-// a rule says 0/0 because it divides by a root that is not shown to differ from 0.
+// are not different plain names, where no rule applies, and where there is no value: where the body or the result has a
+// denominator or the like that is 0, or a rule says 0/0 because it divides by a root that is not shown to differ from
+// 0.
 term_ptr derivative_value(term_ptr body, term_span params, std::span<const derivative_step> steps, term_span point,
                           domain_prover& facts);
 

@@ -52,8 +52,9 @@ class condition_reader {
     }
     term_ptr slope = facts_.derivatives().of(difference);
     term_ptr bend = facts_.derivatives().of(slope);
-    return facts_.has_one_sign(difference) || (slope != nullptr && facts_.has_one_sign(slope)) ||
-           (bend != nullptr && facts_.nonpositive(bend));
+    // A cusp has no slope: cbrt(x^2) bends downwards on both sides of 0.
+    return facts_.keeps_sign(difference) || (slope != nullptr && facts_.has_one_sign(slope)) ||
+           (bend != nullptr && facts_.defined(slope) && facts_.nonpositive(bend));
   }
 
   bool is_linear(term_ptr t) const {

@@ -39,6 +39,18 @@ std::optional<composed_term> plus_view(term_ptr t) {
 
 }  // namespace
 
+term_ptr variable_facts::quadratic::square() const { return mk_power(slope, mk_integer(2)); }
+
+term_ptr variable_facts::quadratic::product() const {
+  term_ptr twice_bend = mk_product(mk_integer(2), bend);
+  return mk_product(constant, twice_bend);
+}
+
+term_ptr variable_facts::quadratic::discriminant() const {
+  term_ptr from = square();
+  return mk_difference(from, product());
+}
+
 solve_data under_condition(const solve_data& sdata, term_span conjuncts) {
   term_list more;
   const auto add = [&more](term_ptr t) {
@@ -77,51 +89,77 @@ bool variable_facts::negative_with(term_ptr asked, term_ptr given) {
   return prover(sdata_, evalbar_domain_policy.premise_solvers).under({&negative, 1}).relation(Lt, asked, 0);
 }
 
-bool variable_facts::has_one_sign(term_ptr t) {
+// The test of each factor of a product or quotient that moves.
+template <class Test>
+bool variable_facts::each_factor(term_ptr t, Test test) const {
   if (!moves(t)) {
     return true;
   }
   const auto view = composed_term_split(t);
   if (view && view->oper == Neg) {
-    return has_one_sign(view->t1);
+    return each_factor(view->t1, test);
   }
   if (view && view->t2 != nullptr && (view->oper == Mult || view->oper == Div || view->oper == Frac)) {
-    return has_one_sign(view->t1) && has_one_sign(view->t2);
+    return each_factor(view->t1, test) && each_factor(view->t2, test);
   }
-  return facts_.relation(Ge, t, zero()) || nonpositive(t) || exceeds_by_root(t) || has_no_root(t);
+  return test(t);
+}
+
+bool variable_facts::keeps_sign(term_ptr t) {
+  return nonpositive(t) || each_factor(t, [this](term_ptr factor) {
+           return facts_.relation(Gt, factor, zero()) || facts_.relation(Lt, factor, zero()) ||
+                  exceeds_by_root(factor) || has_no_root(factor);
+         });
+}
+
+bool variable_facts::has_one_sign(term_ptr t) {
+  return each_factor(t, [this](term_ptr factor) {
+    return facts_.relation(Ge, factor, zero()) || nonpositive(factor) || exceeds_by_root(factor) || has_no_root(factor);
+  });
 }
 
 bool variable_facts::has_simple_zeros(term_ptr t) {
-  term_ptr d = discriminant(t);
-  term_ptr bend = d == nullptr ? nullptr : by_var_.of(by_var_.of(t));
-  return bend != nullptr && (poly_rat_eqb(bend, zero()) || facts_.nonzero(d));
+  const auto q = as_quadratic(t);
+  return q && (poly_rat_eqb(q->bend, zero()) || facts_.nonzero(q->discriminant()));
 }
 
 // A polynomial in the variable that is 0 for no real value.
 bool variable_facts::has_no_root(term_ptr t) {
   const ratio* r = polynomials_.read(t);
   if (r == nullptr) {
-    term_ptr d = discriminant(t);
-    return d != nullptr && facts_.relation(Lt, d, zero());
+    const auto q = as_quadratic(t);
+    return q && has_no_root(*q);
   }
   budget work(limits::univariate_work);
   const auto rooted = r->den.size() == 1 ? has_real_root(r->num, work) : std::nullopt;
   return rooted && !*rooted;
 }
 
-// q'(0)^2 - 2 q(0) q'' of a polynomial q of degree 2 at most in the variable: negative where it has no root, positive
-// where its roots are simple. It must be written without divisions by the variable and without functions of it, so that
-// it is defined everywhere. Null for another term.
-term_ptr variable_facts::discriminant(term_ptr t) {
+// The discriminant is negative: as a fact, or because the square in it is a part of what is subtracted.
+bool variable_facts::has_no_root(const quadratic& q) {
+  if (facts_.relation(Lt, q.discriminant(), zero())) {
+    return true;
+  }
+  constexpr std::int32_t parts = 4;
+  term_ptr square = mk_product(mk_integer(parts), q.square());
+  term_ptr product = q.product();
+  for (std::int32_t part = 0; part < parts; ++part) {
+    if (poly_rat_eqb(square, mk_product(mk_integer(part), product))) {
+      return facts_.relation(Gt, product, zero());
+    }
+  }
+  return false;
+}
+
+// It must be written without divisions by the variable and without functions of it, so that it is defined everywhere.
+std::optional<variable_facts::quadratic> variable_facts::as_quadratic(term_ptr t) {
   term_ptr slope = facts_.defined(t) ? by_var_.of(t) : nullptr;
   term_ptr bend = slope == nullptr ? nullptr : by_var_.of(slope);
   term_ptr third = bend == nullptr ? nullptr : by_var_.of(bend);
   if (third == nullptr || !poly_rat_eqb(third, zero())) {
-    return nullptr;
+    return std::nullopt;
   }
-  term_ptr slope_squared = mk_power(at_zero(slope), mk_integer(2));
-  term_ptr twice_bend = mk_product(mk_integer(2), at_zero(bend));
-  return mk_difference(slope_squared, mk_product(at_zero(t), twice_bend));
+  return quadratic{at_zero(t), at_zero(slope), at_zero(bend)};
 }
 
 // a + r or r + a for a square root r of a^2 + c with a positive c.

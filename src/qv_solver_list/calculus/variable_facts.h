@@ -26,6 +26,8 @@ class variable_facts {
   bool nonpositive(term_ptr t);
   // Whenever `given` is negative, `asked` is.
   bool negative_with(term_ptr asked, term_ptr given);
+  // t is positive everywhere or nowhere, whichever of the two the values of other names make it.
+  bool keeps_sign(term_ptr t);
   // t is nowhere negative or nowhere positive, whichever of the two the values of other names make it.
   bool has_one_sign(term_ptr t);
   // A linear or quadratic expression that changes its sign at each zero, unless it is 0 everywhere.
@@ -35,8 +37,24 @@ class variable_facts {
   differentiator& derivatives() { return by_var_; }  // with respect to the variable
 
  private:
+  // A polynomial of degree 2 at most: its value and its slope at 0, and its second derivative.
+  struct quadratic {
+    term_ptr constant;
+    term_ptr slope;
+    term_ptr bend;
+
+    // The discriminant is square - product: negative where the polynomial has no root, positive where its roots are
+    // simple.
+    term_ptr square() const;
+    term_ptr product() const;
+    term_ptr discriminant() const;
+  };
+
+  template <class Test>
+  bool each_factor(term_ptr t, Test test) const;
   bool has_no_root(term_ptr t);
-  term_ptr discriminant(term_ptr t);
+  bool has_no_root(const quadratic& q);
+  std::optional<quadratic> as_quadratic(term_ptr t);
   bool exceeds_by_root(term_ptr t);
   term_ptr at_zero(term_ptr t) const;
 

@@ -89,6 +89,10 @@ TEST_F(deriv_test, answers) {
       {{}, "FunDeri(fun x . ln(x), 1, 1, 0) = 1 / 0", false},
       {{}, "FunDeri(fun x . x / (x - x), 1, 1, 1) = 0", false},
       {{}, "FunDeri(fun x . x^(-1), 1, 1, 0) = 0", false},
+      {{}, "FunDeri(fun x . tan(x) - tan(x), 1, 1, π / 2) = 0", false},
+      {{}, "FunDeri(fun x . csc(x) - csc(x), 1, 1, 0) = 0", false},
+      {{}, "FunDeri(fun x . x + 0 * ln(x), 1, 1, 0) = 1", false},
+      {{}, "FunDeri(fun x . (1 / x)^0, 1, 1, 0) = 0", false},
   };
   for (const row& r : rows) {
     solve_data sdata;
