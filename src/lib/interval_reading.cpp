@@ -3,16 +3,11 @@
 
 #include <algorithm>
 #include <unordered_set>
-#include <utility>
+
+#include "term/node_memo.h"
 
 namespace vetro {
 namespace {
-
-struct pair_hash {
-  std::size_t operator()(const std::pair<term_ptr, term_ptr>& pair) const {
-    return pair.first->hash() * 0x9e3779b97f4a7c15ULL ^ pair.second->hash();
-  }
-};
 
 // Walks a term and its analysed form, which has the same shape but for what the analysis changed.
 class interval_search {
@@ -37,7 +32,7 @@ class interval_search {
  private:
   static bool is_pair(term_ptr t) { return is_apply(t) && is_oper(t->left(), Tuple); }
 
-  std::unordered_set<std::pair<term_ptr, term_ptr>, pair_hash> done_;
+  std::unordered_set<node_pair, node_pair_hasher> done_;
 };
 
 }  // namespace

@@ -2,11 +2,9 @@
 // a bound variable is expected is the variable i. Also folds spellings: a ≡ b into a = b, log(e, x) into ln(x).
 #include <algorithm>
 #include <array>
-#include <unordered_set>
 
 #include "lib/application.h"
 #include "lib/semantic_term.h"
-#include "lib/walk_memo.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
@@ -55,14 +53,14 @@ const set_positions* set_positions_of(const application& app) {
 bool is_unit(term_ptr t) { return t->type() == Const && t->constant() == I; }
 
 // Whether a subterm exactly equal to sought stands anywhere in t. visited holds nodes that are known to be without it.
-bool occurs(term_ptr sought, term_ptr t, std::unordered_set<term_ptr>& visited) {
+bool occurs(term_ptr sought, term_ptr t, node_set& visited) {
   if (t->bare() == sought->bare()) {
     return true;
   }
   if (t->children().empty() && t->scope() == nullptr) {
     return false;
   }
-  if (!visited.insert(t).second) {
+  if (!visited.insert(t)) {
     return false;
   }
   for (term_ptr child : t->children()) {
@@ -111,21 +109,17 @@ class unit_renamer {
 
   term_ptr unit_ = mk_const(I);
   term_ptr index_ = mk_var("i");
-  std::unordered_set<term_ptr> settled_;
+  node_set settled_;
   std::size_t left_to_substitution_ = 0;
 };
 
 class static_analysis {
  public:
-  explicit static_analysis(term_ptr root) : as_term_(root), as_set_(root) {}
+  explicit static_analysis(term_ptr root) : known_(root) {}
 
   term_ptr analyze(term_ptr t, bool set_context) {
-    walk_memo& memo = set_context ? as_set_ : as_term_;
-    if (term_ptr known = memo.find(t); known != nullptr) {
-      return known;
-    }
-    term_ptr result = with_analyzed_scope(analyze_content(t, set_context));
-    return memo.keep(t, bind_unit(result));
+    const auto analyzed = [&] { return bind_unit(with_analyzed_scope(analyze_content(t, set_context))); };
+    return known_.get(t, analyzed, set_context ? 1 : 0);
   }
 
  private:
@@ -228,7 +222,7 @@ class static_analysis {
   // Sums nested in upper bounds ask for I again and again: what was found to be without it is remembered.
   bool stands_in(term_ptr sought, term_ptr t) {
     if (is_var(sought)) {
-      std::unordered_set<term_ptr> visited;
+      node_set visited;
       return (name_bit(sought->name()) & t->name_mask()) != 0 && occurs(sought, t, visited);
     }
     if (occurs(sought, t, without_unit_)) {
@@ -238,10 +232,9 @@ class static_analysis {
     return false;
   }
 
-  walk_memo as_term_;
-  walk_memo as_set_;
+  walk_memo<term_ptr> known_;  // as a term, and as a set
   unit_renamer renamer_;
-  std::unordered_set<term_ptr> without_unit_;
+  node_set without_unit_;
 };
 
 }  // namespace

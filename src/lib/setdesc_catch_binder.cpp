@@ -3,20 +3,17 @@
 // around them.
 #include <algorithm>
 #include <array>
-#include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "lib/application.h"
 #include "lib/semantic_term.h"
-#include "lib/walk_memo.h"
 #include "number/limits.h"
 #include "term/compare.h"
 #include "term/report.h"
 #include "term/traverse.h"
 #include "term/variables/binding.h"
+#include "term/variables/bound_names.h"
 #include "term/variables/entries.h"
-#include "term/walk_tools.h"
 
 namespace vetro {
 namespace {
@@ -25,16 +22,13 @@ namespace {
 
 class setdesc_normalizer {
  public:
-  explicit setdesc_normalizer(term_ptr root) : memo_(root) {}
+  explicit setdesc_normalizer(term_ptr root) : known_(root) {}
 
   term_ptr normalize(term_ptr t) {
-    if (term_ptr known = memo_.find(t); known != nullptr) {
-      return known;
-    }
     const auto part = [this](term_ptr below) { return normalize(below); };
     constexpr unsigned parts =
         walk_body | walk_lambda_vars | walk_quant_vars | walk_tag_vars | walk_elements | walk_scope | keep_meta;
-    return memo_.keep(t, t->type() == Apply ? normalize_spine(t) : map_children(t, parts, part));
+    return known_.get(t, [&] { return t->type() == Apply ? normalize_spine(t) : map_children(t, parts, part); });
   }
 
  private:
@@ -71,7 +65,7 @@ class setdesc_normalizer {
 
   term_ptr with_normal_scope(term_ptr t) { return t->scope() == nullptr ? t : with_scope(t, normalize(t->scope())); }
 
-  walk_memo memo_;
+  walk_memo<term_ptr> known_;
 };
 
 // ---- Binders.
@@ -102,8 +96,7 @@ class names_around : public outer_names {
 
 class binder_catcher {
  public:
-  binder_catcher(term_ptr root, term_span global_var)
-      : around_(global_var), remember_(root->size() >= worth_remembering) {}
+  binder_catcher(term_ptr root, term_span global_var) : around_(global_var), known_(root) {}
 
   // Null, reported, when the budget did not suffice.
   term_ptr prepare(term_ptr t) {
@@ -120,20 +113,11 @@ class binder_catcher {
     if (t->children().empty() && t->scope() == nullptr) {
       return t;
     }
-    const node_visit key{around_.number_for(t), t};
-    if (remember_) {
-      if (const auto known = seen_.find(key); known != seen_.end()) {
-        return known->second;
-      }
-    }
-    term_ptr result = visit_content(t);
-    if (result->scope() != nullptr) {
-      result = with_scope(result, visit(result->scope()));
-    }
-    if (remember_) {
-      seen_.emplace(key, result);
-    }
-    return result;
+    const auto visited = [&] {
+      const term_ptr result = visit_content(t);
+      return result->scope() == nullptr ? result : with_scope(result, visit(result->scope()));
+    };
+    return known_.get(t, visited, around_.number_for(t));
   }
 
   term_ptr visit_content(term_ptr t) {
@@ -240,8 +224,7 @@ class binder_catcher {
   names_around around_;
   name_memo names_;
   std::uint64_t recorded_ = 0;
-  bool remember_;
-  std::unordered_map<node_visit, term_ptr, node_visit_hasher> seen_;
+  walk_memo<term_ptr> known_;
 };
 
 }  // namespace

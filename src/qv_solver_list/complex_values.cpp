@@ -5,9 +5,9 @@
 
 #include "qv_solver_list/constant_analysis.h"
 #include "qv_solver_list/value_facts.h"
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
-#include "term/walk_tools.h"
 
 namespace vetro {
 namespace {

@@ -5,9 +5,9 @@
 #include <unordered_map>
 
 #include "number/limits.h"
+#include "term/node_memo.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
-#include "term/walk_tools.h"
 
 namespace vetro {
 namespace {

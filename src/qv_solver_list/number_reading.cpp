@@ -4,8 +4,8 @@
 #include <limits>
 #include <unordered_map>
 
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
-#include "term/walk_tools.h"
 
 namespace vetro {
 namespace {

@@ -11,7 +11,6 @@
 #include <memory>
 #include <unordered_map>
 
-#include "lib/walk_memo.h"
 #include "qv_solver_list/enriched_list.h"
 #include "term/number_set.h"
 #include "term/state.h"
@@ -42,7 +41,7 @@ using membership_rule = term_ptr (*)(term_ptr element, term_ptr set, position wh
 // an argument of a term, such as the index part of a sum, is notation and stays.
 class membership_walk {
  public:
-  membership_walk(membership_rule rule, term_ptr root) : rule_(rule), known_{walk_memo(root), walk_memo(root)} {}
+  membership_walk(membership_rule rule, term_ptr root) : rule_(rule), known_(root) {}
 
   term_ptr run(term_ptr t, position where) {
     if (t->scope() != nullptr) {  // holds where its scope does, and is used whole
@@ -56,9 +55,8 @@ class membership_walk {
     if (!view) {
       return t;
     }
-    walk_memo& known = known_[where == position::positive ? 0 : 1];
-    term_ptr before = known.find(t);
-    return before != nullptr ? before : known.keep(t, rebuild(t, *view, where));
+    return known_.get(
+        t, [&] { return rebuild(t, *view, where); }, where == position::positive ? 0 : 1);
   }
 
  private:
@@ -91,7 +89,7 @@ class membership_walk {
   }
 
   membership_rule rule_;
-  std::array<walk_memo, 2> known_;  // by position
+  walk_memo<term_ptr> known_;  // by position
 };
 
 constexpr enrichment_law laws[] = {
@@ -167,8 +165,7 @@ class tuple_walk {
   explicit tuple_walk(term_ptr root) : known_(root) {}
 
   term_ptr run(term_ptr t) {
-    term_ptr before = known_.find(t);
-    return before != nullptr ? before : known_.keep(t, rebuild(t));
+    return known_.get(t, [&] { return rebuild(t); });
   }
 
  private:
@@ -205,7 +202,7 @@ class tuple_walk {
     return with_meta(joined, meta);
   }
 
-  walk_memo known_;
+  walk_memo<term_ptr> known_;
 };
 
 // ---- What each assumption gives, remembered for the whole run: the same assumptions come back with every question.

@@ -9,7 +9,6 @@
 #include <cstring>
 #include <limits>
 #include <new>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "term/state.h"

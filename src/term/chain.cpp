@@ -1,11 +1,9 @@
 // Chained relations, a < b ≤ c, and quantifiers that stand directly inside another of their kind.
 #include <algorithm>
-#include <unordered_map>
 
 #include "term/report.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
-#include "term/walk_tools.h"
 
 namespace vetro {
 namespace {
@@ -23,39 +21,6 @@ chain_parts parts_of(term_ptr chain) {
     return {};
   }
   return {preds->elements(), operands->elements()};
-}
-
-// Rebuilds a term bottom-up. A node is built anew at its first visit only.
-template <class Rebuild>
-class remembered {
- public:
-  explicit remembered(Rebuild rebuild, bool remember) : rebuild_(rebuild), remember_(remember) {}
-
-  term_ptr operator()(term_ptr t) {
-    if (t->children().empty() && !t->has_meta()) {
-      return t;
-    }
-    if (!remember_) {
-      return rebuild_(t, *this);
-    }
-    const auto found = known_.find(t);
-    if (found != known_.end()) {
-      return found->second;
-    }
-    const term_ptr result = rebuild_(t, *this);
-    known_.emplace(t, result);
-    return result;
-  }
-
- private:
-  Rebuild rebuild_;
-  bool remember_;
-  std::unordered_map<term_ptr, term_ptr> known_;
-};
-
-template <class Rebuild>
-term_ptr rebuild_all(term_ptr t, Rebuild rebuild) {
-  return t == nullptr ? nullptr : remembered<Rebuild>(rebuild, t->size() >= worth_remembering)(t);
 }
 
 }  // namespace
@@ -82,7 +47,7 @@ term_list predchain_split(term_ptr t) {
 }
 
 term_ptr elim_predchain(term_ptr t) {
-  return rebuild_all(t, [](term_ptr node, auto& rebuild) {
+  return transform(t, [](term_ptr node, auto& rebuild) {
     constexpr unsigned parts = walk_apply | walk_body | walk_condition | walk_elements | walk_scope | keep_meta;
     const term_ptr rebuilt = map_children(node, parts, rebuild);
     const term_list links = predchain_split(rebuilt);
@@ -173,7 +138,7 @@ bool is_Quant_in_Quant(term_ptr t) {
 }
 
 term_ptr merge_quant_term(term_ptr t) {
-  return rebuild_all(t, [](term_ptr node, auto& rebuild) {
+  return transform(t, [](term_ptr node, auto& rebuild) {
     if (!is_Quant_in_Quant(node)) {
       return map_children(node, walk_all, rebuild);
     }

@@ -10,7 +10,7 @@
 #include "term/report.h"
 #include "term/state.h"
 #include "term/variables/binding.h"
-#include "term/walk_tools.h"
+#include "term/variables/bound_names.h"
 
 namespace vetro {
 namespace {
@@ -20,20 +20,6 @@ constexpr std::uint64_t mix(std::uint64_t hash, std::uint64_t value) {
   hash *= 0xc4ceb9fe1a85ec53ULL;
   return hash ^ (hash >> 29U);
 }
-
-// Two nodes compared under one state of the bindings.
-struct compared_pair {
-  term_ptr a;
-  term_ptr b;
-  std::uint64_t bindings;
-  bool operator==(const compared_pair&) const = default;
-};
-
-struct pair_hasher {
-  std::size_t operator()(const compared_pair& p) const {
-    return mix(mix(mix(1, p.a->hash()), p.b->hash()), p.bindings);
-  }
-};
 
 class alpha_walk {
  public:
@@ -191,7 +177,7 @@ class alpha_walk {
   bound_names right_;
   int renamed_ = 0;  // pairs whose two names differ
   bool remember_;
-  std::unordered_set<compared_pair, pair_hasher> known_;
+  std::unordered_set<node_pair, node_pair_hasher> known_;
 };
 
 // The hash that goes with the walk above. A bound variable counts by its distance to its binding, so that the hash of a
@@ -204,17 +190,8 @@ class alpha_hash_walk {
     if (t->type() != Apply && t->children().empty() && !t->has_meta()) {
       return leaf_hash(t);
     }
-    if (!remember_) {
-      return node_hash(t);
-    }
-    auto& known = (bound_.mask() & t->name_mask()) == 0 ? closed_ : levels_.back();
-    const auto found = known.find(t);
-    if (found != known.end()) {
-      return found->second;
-    }
-    const std::uint64_t value = node_hash(t);
-    ((bound_.mask() & t->name_mask()) == 0 ? closed_ : levels_.back()).emplace(t, value);
-    return value;
+    const auto found = [&] { return node_hash(t); };
+    return remember_ ? known_.get(t, found, bound_.number_for(t)) : found();
   }
 
  private:
@@ -232,18 +209,12 @@ class alpha_hash_walk {
     for (term_ptr var : vars) {
       if (var->type() == Var) {
         bound_.bind(var);
-        levels_.emplace_back();
         value = mix(value, 13);
       } else {
         value = mix(value, hash(var));
       }
     }
     return value;
-  }
-
-  void close(const bound_names::mark& before) {
-    levels_.resize(levels_.size() - (bound_.size() - before.count));
-    bound_.leave(before);
   }
 
   std::uint64_t node_hash(term_ptr t) {
@@ -286,7 +257,7 @@ class alpha_hash_walk {
     const bound_names::mark outside = bound_.here();
     const std::uint64_t opened = open(0, indices);
     const std::uint64_t value = mix(opened, hash(t));
-    close(outside);
+    bound_.leave(outside);
     return value;
   }
 
@@ -303,15 +274,13 @@ class alpha_hash_walk {
       value = mix(value, hash(t->condition()) + 19);
     }
     value = mix(value, hash(t->body()));
-    close(before);
+    bound_.leave(before);
     return value;
   }
 
-  using known_hashes = std::unordered_map<term_ptr, std::uint64_t>;
   bound_names bound_;
   bool remember_;
-  known_hashes closed_;                                              // parts that no binding around them touches
-  std::vector<known_hashes> levels_ = std::vector<known_hashes>(1);  // the others, for each state of the bindings
+  node_memo<std::uint64_t> known_;
 };
 
 }  // namespace
@@ -358,14 +327,7 @@ std::uint64_t alpha_hash(term_ptr t) {
   if (!t->has(fact_binding)) {
     return t->bare()->hash();
   }
-  auto& cache = state().alpha_hashes;
-  const auto found = cache.find(t);
-  if (found != cache.end()) {
-    return found->second;
-  }
-  const std::uint64_t value = alpha_hash_walk(t->size() >= worth_remembering).hash(t);
-  cache.emplace(t, value);
-  return value;
+  return state().alpha_hashes.get(t, [t] { return alpha_hash_walk(t->size() >= worth_remembering).hash(t); });
 }
 
 // ---- Lists.

@@ -6,10 +6,9 @@
 #include <cstdint>
 #include <memory>
 #include <optional>
-#include <unordered_map>
 #include <vector>
 
-#include "term/ast.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -17,27 +16,14 @@ namespace vetro {
 class question_memo {
  public:
   std::optional<bool> known(term_ptr t, std::uint32_t question) const {
-    const auto found = answers_.find({t, question});
-    return found == answers_.end() ? std::nullopt : std::optional(found->second);
+    const bool* found = answers_.find(t, question);
+    return found == nullptr ? std::nullopt : std::optional(*found);
   }
-  bool keep(term_ptr t, std::uint32_t question, bool answer) {
-    answers_.insert_or_assign({t, question}, answer);
-    return answer;
-  }
+  bool keep(term_ptr t, std::uint32_t question, bool answer) { return answers_.keep(t, answer, question); }
   void clear() { answers_.clear(); }
 
  private:
-  struct key {
-    term_ptr t;
-    std::uint32_t question;
-    bool operator==(const key&) const = default;
-  };
-  struct key_hasher {
-    std::size_t operator()(const key& k) const {
-      return static_cast<std::size_t>((k.t->hash() ^ k.question) * 0x9e3779b97f4a7c15ULL);
-    }
-  };
-  std::unordered_map<key, bool, key_hasher> answers_;
+  node_memo<bool> answers_;
 };
 
 // One object of any type, made when it is first asked for. The layer that owns the type is the only one that asks.

@@ -4,7 +4,6 @@
 #include <cstdint>
 #include <memory>
 #include <string_view>
-#include <unordered_map>
 
 #include "term/ast.h"
 #include "term/memo.h"
@@ -18,12 +17,12 @@ struct process_state {
   ~process_state();
   term_store store;
   std::unique_ptr<pattern_cache> patterns;
-  std::unordered_map<term_ptr, std::uint64_t> alpha_hashes;  // of the terms with bindings that were asked for
-  std::unordered_map<term_ptr, std::uint8_t> whole_parts;    // of large terms, as whole_parts.cpp found them
-  typed_slots slots;                                         // what layers above remember, each type for its owner
-  int fresh_counter = 0;                                     // fresh(): never goes back
-  int placeholder_counter = 1000000000;                      // "qvar" numbers of get_prop
-  int binder_copy_counter = 0;                               // names of binders that rewrite_in opens
+  node_memo<std::uint64_t> alpha_hashes;  // of the terms with bindings that were asked for
+  node_memo<std::uint8_t> whole_parts;    // of large terms, as whole_parts.cpp found them
+  typed_slots slots;                      // what layers above remember, each type for its owner
+  int fresh_counter = 0;                  // fresh(): never goes back
+  int placeholder_counter = 1000000000;   // "qvar" numbers of get_prop
+  int binder_copy_counter = 0;            // names of binders that rewrite_in opens
 };
 
 // The state of this process.

@@ -3,11 +3,10 @@
 
 #include <algorithm>
 #include <string>
-#include <unordered_map>
 
+#include "term/node_memo.h"
 #include "term/report.h"
 #include "term/traverse.h"
-#include "term/walk_tools.h"
 
 namespace vetro {
 namespace {
@@ -223,15 +222,11 @@ class conjunction_split {
     if (!t->has(fact_scope)) {
       return t;
     }
-    const auto found = known_.find(t);
-    if (found != known_.end()) {
-      return found->second;
-    }
-    term_ptr result =
-        map_children(t, walk_children | walk_binders | keep_meta, [this](term_ptr part) { return preserved(part); });
-    result = t->scope() == nullptr ? result : with_scope(result, flat(t->scope()));
-    known_.emplace(t, result);
-    return result;
+    return known_.get(t, [&] {
+      const term_ptr result =
+          map_children(t, walk_children | walk_binders | keep_meta, [this](term_ptr part) { return preserved(part); });
+      return t->scope() == nullptr ? result : with_scope(result, flat(t->scope()));
+    });
   }
 
  private:
@@ -248,7 +243,7 @@ class conjunction_split {
     }
   }
 
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
 };
 
 }  // namespace

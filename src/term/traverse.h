@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "term/ast.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -46,8 +47,14 @@ template <class F>
 term_ptr map_arguments(term_ptr t, unsigned count, F&& f);
 
 // True when pred holds for t or for any node below it (children, and with walk_scope and walk_binders metadata too).
+// Comes to a shared node of a large term once.
 template <class P>
 bool any_subterm(term_ptr t, unsigned parts, P&& pred);
+
+// What f(node, below) makes of t, where below(part) gives the same of a part. Comes to each node once; what has neither
+// parts nor metadata stands for itself. Null gives null.
+template <class F>
+term_ptr transform(term_ptr t, F&& f);
 
 // ---- Implementation.
 
@@ -203,48 +210,89 @@ term_ptr map_arguments(term_ptr t, unsigned count, F&& f) {
   return left == t->left() && right == t->right() ? t : mk_apply(left, right);
 }
 
+namespace traverse_detail {
+
 template <class P>
-bool any_subterm(term_ptr t, unsigned parts, P&& pred) {
-  if (pred(t)) {
-    return true;
+class subterm_search {
+ public:
+  subterm_search(unsigned parts, P& pred, bool remember) : parts_(parts), pred_(pred), remember_(remember) {}
+
+  bool in(term_ptr t) {
+    if (remember_ && !t->children().empty() && !met_.insert(t)) {
+      return false;
+    }
+    return pred_(t) || in_content(t) || (t->has_meta() && in_meta(t));
   }
-  const auto below = [&](term_ptr part) { return part != nullptr && any_subterm(part, parts, pred); };
-  const auto any_of = [&](term_span list) {
+
+ private:
+  bool walks(unsigned part) const { return (parts_ & part) != 0; }
+
+  bool in_any(term_span list) {
     for (term_ptr part : list) {
-      if (below(part)) {
+      if (part != nullptr && in(part)) {
         return true;
       }
     }
     return false;
-  };
-  switch (t->type()) {
-    case Apply:
-      if ((parts & walk_apply) != 0 && (below(t->left()) || below(t->right()))) {
-        return true;
-      }
-      break;
-    case Lambda:
-      if (((parts & walk_lambda_vars) != 0 && any_of(t->vars())) ||
-          ((parts & walk_condition) != 0 && below(t->condition())) || ((parts & walk_body) != 0 && below(t->body()))) {
-        return true;
-      }
-      break;
-    case Quant:
-    case FreeVarTag:
-      if (((parts & (t->type() == Quant ? walk_quant_vars : walk_tag_vars)) != 0 && any_of(t->vars())) ||
-          ((parts & walk_body) != 0 && below(t->body()))) {
-        return true;
-      }
-      break;
-    case TermList:
-      if ((parts & walk_elements) != 0 && any_of(t->elements())) {
-        return true;
-      }
-      break;
-    default:
-      break;
   }
-  return ((parts & walk_binders) != 0 && any_of(t->binders())) || ((parts & walk_scope) != 0 && below(t->scope()));
+
+  bool in_content(term_ptr t) {
+    switch (t->type()) {
+      case Apply:
+        return walks(walk_apply) && (in(t->left()) || in(t->right()));
+      case Lambda:
+        return (walks(walk_lambda_vars) && in_any(t->vars())) ||
+               (walks(walk_condition) && t->condition() != nullptr && in(t->condition())) ||
+               (walks(walk_body) && in(t->body()));
+      case Quant:
+        return (walks(walk_quant_vars) && in_any(t->vars())) || (walks(walk_body) && in(t->body()));
+      case FreeVarTag:
+        return (walks(walk_tag_vars) && in_any(t->vars())) || (walks(walk_body) && in(t->body()));
+      case TermList:
+        return walks(walk_elements) && in_any(t->elements());
+      default:
+        return false;
+    }
+  }
+
+  bool in_meta(term_ptr t) {
+    return (walks(walk_binders) && in_any(t->binders())) ||
+           (walks(walk_scope) && t->scope() != nullptr && in(t->scope()));
+  }
+
+  unsigned parts_;
+  P& pred_;
+  bool remember_;
+  node_set met_;
+};
+
+template <class F>
+class transformation {
+ public:
+  transformation(F& f, term_ptr root) : f_(f), known_(root) {}
+
+  term_ptr operator()(term_ptr t) {
+    if (t->children().empty() && !t->has_meta()) {
+      return t;
+    }
+    return known_.get(t, [&] { return f_(t, *this); });
+  }
+
+ private:
+  F& f_;
+  walk_memo<term_ptr> known_;
+};
+
+}  // namespace traverse_detail
+
+template <class P>
+bool any_subterm(term_ptr t, unsigned parts, P&& pred) {
+  return traverse_detail::subterm_search<P>(parts, pred, t->size() >= worth_remembering).in(t);
+}
+
+template <class F>
+term_ptr transform(term_ptr t, F&& f) {
+  return t == nullptr ? nullptr : traverse_detail::transformation<F>(f, t)(t);
 }
 
 }  // namespace vetro

@@ -5,7 +5,6 @@
 #include <array>
 
 #include "term/state.h"
-#include "term/walk_tools.h"
 
 namespace vetro {
 namespace {
@@ -85,13 +84,8 @@ class whole_part_walk {
     if (t->size() < worth_remembering) {
       return parts_of_node(t);
     }
-    auto& known = state().whole_parts;
-    if (const auto found = known.find(t); found != known.end()) {
-      return static_cast<whole_part>(found->second);
-    }
-    const whole_part result = parts_of_node(t);
-    known.emplace(t, static_cast<std::uint8_t>(result));
-    return result;
+    const auto found = [&] { return static_cast<std::uint8_t>(parts_of_node(t)); };
+    return static_cast<whole_part>(state().whole_parts.get(t, found));
   }
 
  private:

@@ -12,10 +12,10 @@
 #include "number/limits.h"
 #include "qv_solver_list/number_reading.h"
 #include "term/compare.h"
+#include "term/node_memo.h"
 #include "term/split_arithmetic.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
-#include "term/walk_tools.h"
 
 namespace vetro {
 namespace {

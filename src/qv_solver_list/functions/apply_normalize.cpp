@@ -9,13 +9,13 @@
 #include <unordered_map>
 
 #include "number/limits.h"
+#include "term/node_memo.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
 #include "term/variables/binding.h"
 #include "term/variables/entries.h"
 #include "term/variables/free_names.h"
-#include "term/walk_tools.h"
 #include "term/whole_parts.h"
 
 namespace vetro {

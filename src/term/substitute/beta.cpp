@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
 
 #include "number/limits.h"
 #include "term/state.h"
@@ -58,8 +57,8 @@ class beta_normalizer {
       return t;
     }
     auto& known = normal_[domains_count_ ? 1 : 0];
-    if (const auto found = known.find(t); found != known.end()) {
-      return found->second;
+    if (const term_ptr* found = known.find(t); found != nullptr) {
+      return *found;
     }
     const int counter = state().fresh_counter;
     const term_ptr result = t->type() == Apply ? normal_spine(t) : normal_parts(t);
@@ -69,9 +68,9 @@ class beta_normalizer {
     // A walk that drew names is not to be swallowed the next time; its result is normal and will draw none.
     if (!stuck_) {
       if (counter == state().fresh_counter) {
-        known.emplace(t, result);
+        known.keep(t, result);
       }
-      known.emplace(result, result);
+      known.keep(result, result);
     }
     return result;
   }
@@ -202,7 +201,7 @@ class beta_normalizer {
     return result;
   }
 
-  std::array<std::unordered_map<term_ptr, term_ptr>, 2> normal_;  // elsewhere; where domains count
+  std::array<node_memo<term_ptr>, 2> normal_;  // elsewhere; where domains count
   bool domains_count_ = false;
   std::uint64_t work_ = 0;
   std::uint32_t reductions_ = 0;

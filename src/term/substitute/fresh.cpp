@@ -3,11 +3,9 @@
 
 #include <algorithm>
 #include <string>
-#include <unordered_set>
 
 #include "term/report.h"
 #include "term/state.h"
-#include "term/walk_tools.h"
 
 namespace vetro {
 namespace {
@@ -23,7 +21,7 @@ class name_search {
     if (t->type() == Var && t->name() == name_) {
       return true;
     }
-    if (t->size() >= worth_remembering && !searched_.insert(t).second) {
+    if (t->size() >= worth_remembering && !searched_.insert(t)) {
       return false;
     }
     for (term_ptr child : t->children()) {
@@ -46,7 +44,7 @@ class name_search {
 
   std::string_view name_;
   std::uint64_t bit_;
-  std::unordered_set<term_ptr> searched_;
+  node_set searched_;
 };
 
 bool occurs_in_any(std::string_view name, term_span contexts) {
@@ -56,7 +54,7 @@ bool occurs_in_any(std::string_view name, term_span contexts) {
 }  // namespace
 
 void name_collection::add(term_ptr t) {
-  if (t == nullptr || t->name_mask() == 0 || !collected_.insert(t).second) {
+  if (t == nullptr || t->name_mask() == 0 || !collected_.insert(t)) {
     return;
   }
   if (t->type() == Var) {

@@ -4,7 +4,7 @@
 #include <string_view>
 #include <unordered_set>
 
-#include "term/ast.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -28,7 +28,7 @@ class name_collection {
   bool contains(std::string_view name) const { return names_.count(name) != 0; }
 
  private:
-  std::unordered_set<term_ptr> collected_;
+  node_set collected_;
   std::unordered_set<std::string_view> names_;
 };
 

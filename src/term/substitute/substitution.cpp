@@ -11,7 +11,7 @@
 #include "term/report.h"
 #include "term/reserved.h"
 #include "term/state.h"
-#include "term/walk_tools.h"
+#include "term/variables/bound_names.h"
 
 namespace vetro {
 namespace {
@@ -90,24 +90,22 @@ bool substitution::leaves_alone(term_ptr t) const {
 }
 
 [[gnu::noinline]] term_ptr substitution::walk_remembering(term_ptr t) {
-  const surroundings::visit visit = around_.visit_of(t);
-  if (const auto found = known_.find(visit); found != known_.end()) {
-    return found->second;
+  const std::uint64_t place = around_.number_for(t);
+  if (const term_ptr* found = known_.find(t, place); found != nullptr) {
+    return *found;
   }
   const int counter = state().fresh_counter;
   const std::uint32_t reserved = drawn_reserved_;
   const term_ptr result = walk_node(t);
   if (result != nullptr && counter == state().fresh_counter && reserved == drawn_reserved_) {
-    known_.emplace(visit, result);
+    known_.keep(t, result, place);
   }
   return result;
 }
 
 term_ptr substitution::walk_node(term_ptr t) {
-  if (t->type() == Apply) {
-    if (const binding b(t); b.row() != nullptr) {
-      return walk_binding_node(t, b);
-    }
+  if (t->type() == Apply && binding_row_of(t) != nullptr) {
+    return walk_binding_node(t);
   }
   const term_ptr content = walk_content(t);
   return t->has_meta() ? with_scope_walked(t, content) : content;
@@ -196,7 +194,8 @@ bool substitution::walk_list(term_span list, term_list& out) {
 
 // ---- Operators that bind or guard.
 
-[[gnu::noinline]] term_ptr substitution::walk_binding_node(term_ptr t, const binding& b) {
+[[gnu::noinline]] term_ptr substitution::walk_binding_node(term_ptr t) {
+  const binding b(t);
   const opening opened = open_node(t, b);
   const surroundings::mark outside = around_.here();
   const auto inside = [&](auto&& visit) {

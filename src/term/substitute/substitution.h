@@ -7,7 +7,6 @@
 #pragma once
 
 #include <optional>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "term/ast.h"
@@ -75,7 +74,7 @@ class substitution {
   term_ptr walk_elements(term_ptr t);
   term_ptr walk_tag(term_ptr t);
 
-  term_ptr walk_binding_node(term_ptr t, const binding& b);
+  term_ptr walk_binding_node(term_ptr t);
   opening open_node(term_ptr t, const binding& b);
   void enter(const opening& o);
   bool occurs_inside(source& s, term_ptr t, const binding& b);
@@ -101,7 +100,7 @@ class substitution {
   std::vector<source> sources_;
   term_ptr root_;
   surroundings around_;
-  std::unordered_map<surroundings::visit, term_ptr, surroundings::visit_hasher> known_;
+  node_memo<term_ptr> known_;
   term_ptr refused_ = nullptr;
 
   std::unordered_set<term_ptr> drawn_;

@@ -17,9 +17,10 @@ class surroundings {
     std::uint64_t state;
     std::uint64_t mask;
     std::uint64_t hidden;
+    std::uint64_t hidden_number;
   };
 
-  mark here() const { return {changes_.size(), state_, mask_, hidden_}; }
+  mark here() const { return {changes_.size(), state_, mask_, hidden_, hidden_number_}; }
 
   void leave(const mark& before) {
     for (; changes_.size() > before.changes; changes_.pop_back()) {
@@ -28,6 +29,7 @@ class surroundings {
     state_ = before.state;
     mask_ = before.mask;
     hidden_ = before.hidden;
+    hidden_number_ = before.hidden_number;
   }
 
   // True when nothing below t has a new name.
@@ -59,21 +61,15 @@ class surroundings {
 
   // Below a binder of a replaced variable it is not replaced. One bit for each of them.
   std::uint64_t hidden() const { return hidden_; }
-  void hide(std::uint64_t sources) { hidden_ |= sources; }
-
-  // Where t is visited twice under one state, it comes out the same.
-  struct visit {
-    std::uint64_t state;
-    std::uint64_t hidden;
-    term_ptr node;
-    bool operator==(const visit&) const = default;
-  };
-  struct visit_hasher {
-    std::size_t operator()(const visit& v) const {
-      return static_cast<std::size_t>((v.node->hash() ^ v.state ^ (v.hidden << 32U)) * 0x9e3779b97f4a7c15ULL);
+  void hide(std::uint64_t sources) {
+    if ((sources & ~hidden_) != 0) {
+      hidden_ |= sources;
+      hidden_number_ = hidden_numbers_.try_emplace(hidden_, hidden_numbers_.size() + 1).first->second;
     }
-  };
-  visit visit_of(term_ptr t) const { return {untouched(t) ? 0 : state_, hidden_, t}; }
+  }
+
+  // Where t is visited twice under one number, it comes out the same.
+  std::uint64_t number_for(term_ptr t) const { return (untouched(t) ? 0 : state_ << 32U) | hidden_number_; }
 
  private:
   struct named {
@@ -99,6 +95,8 @@ class surroundings {
   std::uint64_t last_state_ = 0;
   std::uint64_t mask_ = 0;
   std::uint64_t hidden_ = 0;
+  std::uint64_t hidden_number_ = 0;
+  std::unordered_map<std::uint64_t, std::uint64_t> hidden_numbers_;  // by the sources that are hidden
 };
 
 }  // namespace vetro

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "term/state.h"
 #include "term/variables/bound_names.h"
@@ -67,7 +66,7 @@ bool has_reading(binding_kind kind) { return binds_indices(kind) || kind == bind
 class differential_search {
  public:
   void search(term_ptr t) {
-    if (!t->has(fact_guard) || !met_.insert(t).second) {
+    if (!t->has(fact_guard) || !met_.insert(t)) {
       return;
     }
     if (t->type() == Apply && (t->head() == D || t->head() == PD) && t->argument_count() == 1) {
@@ -95,7 +94,7 @@ class differential_search {
     }
   }
 
-  std::unordered_set<term_ptr> met_;
+  node_set met_;
   term_list found_;
 };
 
@@ -154,7 +153,7 @@ class landau_search {
     if (!t->has(fact_landau)) {
       return;
     }
-    if (!met_.insert({bound_.number_for(t), t}).second) {
+    if (!met_.insert(t, bound_.number_for(t))) {
       return;
     }
     const binding b(t);
@@ -220,13 +219,8 @@ class landau_search {
     bound_.leave(outside);
   }
 
-  struct visit_hash {
-    std::size_t operator()(const std::pair<std::uint64_t, term_ptr>& visit) const {
-      return static_cast<std::size_t>((visit.second->hash() ^ visit.first) * 0x9e3779b97f4a7c15ULL);
-    }
-  };
   bound_names bound_;
-  std::unordered_set<std::pair<std::uint64_t, term_ptr>, visit_hash> met_;
+  node_set met_;
   term_list variables_;
   free_names points_;
 };

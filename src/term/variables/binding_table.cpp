@@ -264,9 +264,9 @@ const binding_row* row_by_what_is_inside(term_ptr t) {
 
 }  // namespace
 
-const binding_row* binding_row_of(term_ptr t) {
+const binding_row* binding_row_by_head(term_ptr t) {
   const int head = t->head();
-  if (head < 0 || head > Defined || !t->has(static_cast<term_fact>(fact_binding | fact_guard))) {
+  if (head > Defined) {
     return nullptr;
   }
   const unsigned char place = row_of_head[static_cast<std::size_t>(head)];

@@ -43,8 +43,14 @@ struct binding_row {
   std::array<region, most_binding_arguments> regions;
 };
 
+// The row of a node that has a head and whose facts allow one.
+const binding_row* binding_row_by_head(term_ptr t);
+
 // The row of the node; null for one that neither binds nor speaks of variables. One step for most nodes.
-const binding_row* binding_row_of(term_ptr t);
+inline const binding_row* binding_row_of(term_ptr t) {
+  const bool excluded = t->head() < 0 || !t->has(static_cast<term_fact>(fact_binding | fact_guard));
+  return excluded ? nullptr : binding_row_by_head(t);
+}
 
 // Whether the row's operators bind names that may be chosen freely.
 constexpr bool binds_indices(binding_kind kind) {

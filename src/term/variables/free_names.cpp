@@ -8,7 +8,6 @@
 #include "term/variables/bound_names.h"
 #include "term/variables/entries.h"
 #include "term/variables/free_variable.h"
-#include "term/walk_tools.h"
 
 namespace vetro {
 
@@ -68,7 +67,7 @@ class name_walk {
       add_unbound(*known);
       return;
     }
-    if (t->size() >= worth_remembering && !met_.insert({bound_.number_for(t), t}).second) {
+    if (t->size() >= worth_remembering && !met_.insert(t, bound_.number_for(t))) {
       return;
     }
     const binding b(t);
@@ -169,7 +168,7 @@ class name_walk {
   const name_memo::answers* answers_;
   bound_names bound_;
   ordered_terms found_;
-  visited_nodes met_;
+  node_set met_;
 };
 
 term_list names_of(term_ptr t, free_occurrences::heads counted) {
@@ -197,16 +196,7 @@ bool free_occurrences::in(term_ptr t) {
   if ((var_->name_mask() & ~t->name_mask()) != 0 || t->size() < var_->size()) {
     return false;
   }
-  if (t->size() < worth_remembering) {
-    return in_node(t);
-  }
-  const auto found = known_.find(t);
-  if (found != known_.end()) {
-    return found->second;
-  }
-  const bool answer = in_node(t);
-  known_.emplace(t, answer);
-  return answer;
+  return t->size() < worth_remembering ? in_node(t) : known_.get(t, [&] { return in_node(t); });
 }
 
 bool free_occurrences::in_any(term_span list) {
@@ -294,7 +284,7 @@ bool name_memo::occurs(term_ptr var, term_ptr t) {
 }
 
 void free_names::add(term_ptr t) {
-  if (t == nullptr || !added_.insert(t).second) {
+  if (t == nullptr || !added_.insert(t)) {
     return;
   }
   for (term_ptr name : plain_free_variables(t)) {

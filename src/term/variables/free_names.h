@@ -7,7 +7,7 @@
 #include <unordered_map>
 #include <unordered_set>
 
-#include "term/ast.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -43,7 +43,7 @@ class free_occurrences {
   term_ptr var_;
   in_scopes scopes_;
   heads heads_;
-  std::unordered_map<term_ptr, bool> known_;
+  node_memo<bool> known_;
 };
 
 // The same answers for many subterms of one term. A subterm that has been asked about is not searched again for a term
@@ -73,7 +73,7 @@ class free_names {
   bool contains(std::string_view name) const { return names_.count(mk_var(name)) != 0; }
 
  private:
-  std::unordered_set<term_ptr> added_;
+  node_set added_;
   std::unordered_set<term_ptr> names_;
 };
 

@@ -4,9 +4,10 @@
 
 #include <algorithm>
 
+#include "term/node_memo.h"
 #include "term/report.h"
 #include "term/variables/binding.h"
-#include "term/walk_tools.h"
+#include "term/variables/bound_names.h"
 
 namespace vetro {
 
@@ -21,7 +22,7 @@ class free_variable_walk {
       report_error("Error: term_free_variable visiting NULL pointer\n");
       return;
     }
-    if (t->size() >= worth_remembering && !t->has(fact_empty_list) && !met_.insert({bound_.number(), t}).second) {
+    if (t->size() >= worth_remembering && !t->has(fact_empty_list) && !met_.insert(t, bound_.number())) {
       return;  // its variables are all known, and no line would be printed
     }
     const binding b(t);
@@ -112,7 +113,7 @@ class free_variable_walk {
 
   bound_names bound_;
   ordered_terms found_;
-  visited_nodes met_;
+  node_set met_;
 };
 
 }  // namespace

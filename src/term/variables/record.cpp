@@ -3,11 +3,10 @@
 
 #include <algorithm>
 #include <unordered_map>
-#include <unordered_set>
 
 #include "term/compare.h"
 #include "term/variables/binding.h"
-#include "term/walk_tools.h"
+#include "term/variables/bound_names.h"
 
 namespace vetro {
 namespace {
@@ -23,7 +22,7 @@ class record_transfer {
         (written->scope() == nullptr) != (stored->scope() == nullptr)) {
       return nullptr;
     }
-    const visit key{stored_names_.number(), written, stored};
+    const node_pair key{written, stored, stored_names_.number()};
     if (const auto found = done_.find(key); found != done_.end()) {
       return found->second;
     }
@@ -33,18 +32,6 @@ class record_transfer {
   }
 
  private:
-  struct visit {
-    std::uint64_t number;
-    term_ptr written;
-    term_ptr stored;
-    bool operator==(const visit&) const = default;
-  };
-  struct visit_hasher {
-    std::size_t operator()(const visit& v) const {
-      return static_cast<std::size_t>((v.written->hash() * 0x9e3779b97f4a7c15ULL) ^ v.stored->hash() ^ v.number);
-    }
-  };
-
   term_ptr transfer_node(term_ptr written, term_ptr stored) {
     const bound_names::mark outside = stored_names_.here();
     if (written->type() == Lambda || written->type() == Quant) {
@@ -78,7 +65,7 @@ class record_transfer {
     term_list names;
     for (std::size_t i = 0; i < of_stored.indices().size(); ++i) {
       const bool as_many = of_written.indices().size() == of_stored.indices().size();
-      std::unordered_set<term_ptr> met;
+      node_set met;
       const term_ptr name =
           as_many ? of_written.indices()[i] : counterpart(of_stored.indices()[i], stored, written, met);
       names.push_back(name == nullptr ? of_stored.indices()[i] : name);
@@ -87,12 +74,12 @@ class record_transfer {
   }
 
   // What stands in written at the first place of the name in stored; null where it has no such place.
-  static term_ptr counterpart(term_ptr name, term_ptr stored, term_ptr written, std::unordered_set<term_ptr>& met) {
+  static term_ptr counterpart(term_ptr name, term_ptr stored, term_ptr written, node_set& met) {
     if (stored->bare() == name) {
       return is_var(written) ? written->bare() : nullptr;
     }
     if ((name->name_mask() & ~stored->name_mask()) != 0 || stored->children().size() != written->children().size() ||
-        !met.insert(stored).second) {
+        !met.insert(stored)) {
       return nullptr;
     }
     for (std::size_t i = 0; i < stored->children().size(); ++i) {
@@ -164,7 +151,7 @@ class record_transfer {
 
   bound_names stored_names_;
   term_list written_names_;  // at the same positions
-  std::unordered_map<visit, term_ptr, visit_hasher> done_;
+  std::unordered_map<node_pair, term_ptr, node_pair_hasher> done_;
 };
 
 }  // namespace
