@@ -18,6 +18,7 @@
 //   value product(span<const value>)
 //   value quotient(const value&, const value&)
 //   value power(const value& base, const value& exponent, span<const signed_value<value>> addends_of_exponent)
+//   value root(const value& radicand, int64_t index)
 //
 // What calculation would confuse is kept whole here, for every caller:
 //
@@ -37,6 +38,7 @@
 #include <vector>
 
 #include "number/exact.h"
+#include "qv_solver_list/algebra/root_view.h"
 #include "qv_solver_list/number_reading.h"
 #include "term/ast.h"
 #include "term/term_split_combine.h"
@@ -242,7 +244,8 @@ class expression_reader {
   value read_apply(term_ptr t) {
     const auto view = arithmetic_view(t);
     if (!view) {
-      return read_application(t);
+      const auto root = is_dotted_list(t) ? std::nullopt : root_of(t);
+      return root ? domain_.root(read(root->radicand), root->index) : read_application(t);
     }
     switch (view->oper) {
       case Plus:

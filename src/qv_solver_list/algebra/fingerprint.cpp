@@ -198,6 +198,11 @@ fingerprint fingerprint_power(const fingerprint& base, const fingerprint& expone
   return f;
 }
 
+// As an odd index is an odd exponent here, the odd root of a negative number is negative.
+fingerprint fingerprint_root(const fingerprint& radicand, std::int64_t index) {
+  return fingerprint_power(radicand, fingerprint::of_number(exact(1) / exact(index)));
+}
+
 fingerprint fingerprint_compound(compound_kind kind, std::span<const fingerprint> parts) {
   std::uint64_t hash = mix(static_cast<std::uint64_t>(kind) + 11);
   bool known = true;

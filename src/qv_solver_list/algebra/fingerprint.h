@@ -39,6 +39,7 @@ fingerprint fingerprint_sum(std::span<const signed_value<fingerprint>> addends);
 fingerprint fingerprint_product(std::span<const fingerprint> factors);
 fingerprint fingerprint_quotient(const fingerprint& numerator, const fingerprint& denominator);
 fingerprint fingerprint_power(const fingerprint& base, const fingerprint& exponent);
+fingerprint fingerprint_root(const fingerprint& radicand, std::int64_t index);
 fingerprint fingerprint_compound(compound_kind kind, std::span<const fingerprint> parts);
 fingerprint fingerprint_leaf(term_ptr t);
 fingerprint fingerprint_opaque(term_ptr t);
@@ -70,6 +71,7 @@ class fingerprint_domain {
   static value power(const value& base, const value& exponent, std::span<const signed_value<value>>) {
     return fingerprint_power(base, exponent);
   }
+  static value root(const value& radicand, std::int64_t index) { return fingerprint_root(radicand, index); }
 
  private:
   std::unordered_map<term_ptr, value> known_;

@@ -7,6 +7,7 @@
 
 #include "qv_solver_list/algebra/log_form.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
+#include "qv_solver_list/algebra/root_view.h"
 #include "qv_solver_list/algebra/trig_values.h"
 #include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/complex_values.h"
@@ -190,6 +191,19 @@ bool equal_by_logarithms(term_ptr left, term_ptr right, const solve_data& sdata)
   return poly_rat_eqb(left_powers, right_powers);
 }
 
+bool equal_values(term_ptr left, term_ptr right, const solve_data& sdata) {
+  constexpr solver_id tests[] = {solver_id::reflexivity, solver_id::poly_rat, solver_id::rootfrac};
+  if (equal_by(tests, left, right, sdata)) {
+    return true;
+  }
+  const term_ptr left_roots = with_indexed_roots(left);
+  const term_ptr right_roots = with_indexed_roots(right);
+  constexpr solver_id of_roots[] = {solver_id::rootfrac};
+  const bool differ = left_roots != left || right_roots != right;
+  return (differ && equal_by(of_roots, left_roots, right_roots, sdata)) ||
+         equal_by_logarithms(left_roots, right_roots, sdata);
+}
+
 class simplification {
  public:
   term_ptr simplify(term_ptr t) {
@@ -298,8 +312,7 @@ bool solver_numeric_calc(term_ptr target, const solve_data& sdata) {
       return true;
     }
   }
-  constexpr solver_id tests[] = {solver_id::reflexivity, solver_id::poly_rat, solver_id::rootfrac};
-  return relation->pred == Eq && (equal_by(tests, left, right, sdata) || equal_by_logarithms(left, right, sdata));
+  return relation->pred == Eq && equal_values(left, right, sdata);
 }
 
 }  // namespace vetro

@@ -2,6 +2,8 @@
 //
 //   b^(m + n) = b^m b^n    b^(k n) = (b^n)^k for an integer k    (c b)^n = c^n b^n for a positive number c
 //
+// A root is a power, sqrt(b) is b^(1/2), with the same laws.
+//
 // (b^m)^n = b^(m n) is not among them: ((-1)^2)^(1/2) is 1. A power with a symbolic exponent is therefore a product of
 // keys, one for each addend of the exponent with its numeric coefficient taken out, and a base that is itself a power
 // is a new base. Positive numbers are products of powers of primes under every exponent.
@@ -176,6 +178,17 @@ rational_domain::value rational_domain::power(const value& base, const value& ex
   return make(std::move(result), print);
 }
 
+// The power with exponent 1/index; but the odd root of a negative number is a number too, and a negative one.
+rational_domain::value rational_domain::root(const value& radicand, std::int64_t index) {
+  const value exponent = number(exact(1) / exact(index));
+  exact constant;
+  if (index % 2 != 0 && !rat_is_nan(radicand->r) && rat_is_const(radicand->r, &constant) && constant.sign() < 0) {
+    const signed_value<value> negated{power(number(-constant), exponent, {}), true};
+    return sum({&negated, 1});
+  }
+  return power(radicand, exponent, {});
+}
+
 rat rational_domain::unexpanded_power(const value& base, const value& exponent) {
   const auto base_number = form_number(base);
   const auto exponent_number = form_number(exponent);
@@ -200,7 +213,7 @@ rat rational_domain::number_power(const value& base, const exact& exponent) {
   }
   const exact& coef = base->r.coef;
   const rat of_number = power_of_number(coef.sign() < 0 ? -coef : coef, fraction);
-  return rat_mul(registry_, of_number, root(without_number(base), fraction));
+  return rat_mul(registry_, of_number, root_power(without_number(base), fraction));
 }
 
 // The base divided by the magnitude of its coefficient.
@@ -233,7 +246,7 @@ rat rational_domain::power_of_number(const exact& base, const cnum& exponent) {
 
 // The power of a base without numeric factor. A plain name needs no root key: its exponent tells all. Of equal bases,
 // the one that was met first stands for all.
-rat rational_domain::root(const value& base, const cnum& exponent) {
+rat rational_domain::root_power(const value& base, const cnum& exponent) {
   exact constant;
   if (rat_is_const(base->r, &constant) && constant.is_one()) {
     return rat_const(1);

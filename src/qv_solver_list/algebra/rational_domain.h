@@ -56,6 +56,7 @@ class rational_domain {
   value product(std::span<const value> factors);
   value quotient(const value& numerator, const value& denominator);
   value power(const value& base, const value& exponent, std::span<const signed_value<value>> addends);
+  value root(const value& radicand, std::int64_t index);
 
   bool equal(const value& a, const value& b) { return rat_eq(registry_, a->r, b->r); }
   // Holds an unknown that is no single finite value.
@@ -76,7 +77,7 @@ class rational_domain {
   value without_number(const value& base);
   rat number_power(const value& base, const exact& exponent);
   rat power_of_number(const exact& base, const cnum& exponent);
-  rat root(const value& base, const cnum& exponent);
+  rat root_power(const value& base, const cnum& exponent);
   rat symbolic_power(const value& base, std::span<const signed_value<value>> addends);
   rat power_of_part(const value& base, std::uint32_t base_number, rat part, const exact& coef);
   rat unexpanded_power(const value& base, const value& exponent);

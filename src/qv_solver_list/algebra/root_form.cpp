@@ -10,6 +10,7 @@
 
 #include "number/exact.h"
 #include "number/limits.h"
+#include "qv_solver_list/algebra/root_view.h"
 #include "qv_solver_list/number_reading.h"
 #include "term/compare.h"
 #include "term/node_memo.h"
@@ -141,26 +142,6 @@ std::optional<exact> literal(term_ptr t) {
   return number ? std::optional(-*number) : std::nullopt;
 }
 
-// The index and the radicand of a root with a positive integer index.
-struct root_view {
-  exact index;
-  term_ptr radicand;
-};
-std::optional<root_view> root_of(term_ptr t) {
-  term_ptr index = nullptr;
-  term_ptr radicand = nullptr;
-  if (is_apply(t) && is_oper(t->left(), Sqrtn) && t->right()->type() == TermList &&
-      t->right()->elements().size() == 2) {
-    index = t->right()->elements()[0];
-    radicand = t->right()->elements()[1];
-  } else if (const auto view = composed_term_split(t); view && view->oper == Sqrtn && view->t2 != nullptr) {
-    index = view->t1;
-    radicand = view->t2;
-  }
-  const auto n = index == nullptr ? std::nullopt : integer_literal(index);
-  return n && *n >= 1 ? std::optional(root_view{*n, radicand}) : std::nullopt;
-}
-
 // A literal exponent other than 0: an integer, or the quotient of two.
 std::optional<exact> exponent_literal(term_ptr t) {
   if (const auto integer = integer_literal(t)) {
@@ -192,7 +173,7 @@ part_view view_of(term_ptr t) {
   if (const auto number = literal(t)) {
     return {part_kind::number, nullptr, nullptr, *number};
   }
-  if (const auto root = root_of(t)) {
+  if (const auto root = indexed_root_of(t)) {
     return {part_kind::root, root->radicand, nullptr, root->index};
   }
   const auto view = composed_term_split(t);

@@ -4,6 +4,7 @@
 
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/algebra/root_form.h"
+#include "qv_solver_list/algebra/root_view.h"
 #include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/complex_values.h"
 #include "qv_solver_list/equality_tests.h"
@@ -55,11 +56,16 @@ class root_equations {
   std::unordered_set<term_ptr, alpha_hasher, alpha_equal> assumed_;
 };
 
+// Of sqrt and cbrt nothing is known here.
+bool same_value(term_ptr left, term_ptr right) {
+  return poly_rat_eqb(with_opaque_roots(left), with_opaque_roots(right));
+}
+
 bool prove(const prop& equation, const solve_data& sdata, const root_equations& assumed) {
   root_normalizer normalizer(&sdata);
   const auto goal = pred_split(canonical(equation, normalizer));
-  constexpr solver_id tests[] = {solver_id::eqb, solver_id::poly_rat, solver_id::reflexivity};
-  if (equal_by(tests, goal->left, goal->right, sdata)) {
+  constexpr solver_id tests[] = {solver_id::eqb, solver_id::reflexivity};
+  if (equal_by(tests, goal->left, goal->right, sdata) || same_value(goal->left, goal->right)) {
     return true;
   }
   root_normalizer without_signs(nullptr);
@@ -68,7 +74,7 @@ bool prove(const prop& equation, const solve_data& sdata, const root_equations& 
   }
   const term_ptr left = normalizer.power_form(equation.left);
   const term_ptr right = normalizer.power_form(equation.right);
-  return poly_rat_eqb(left, right);
+  return same_value(left, right);
 }
 
 }  // namespace

@@ -147,6 +147,34 @@ TEST_F(poly_rat, products_of_powers) {
                {"0^(1/2) / 0", "2"}});
 }
 
+TEST_F(poly_rat, roots_are_powers) {
+  expect_equal({{"sqrt(8)", "2 * sqrt(2)"},
+                {"(sqrt(2) + 1) * (sqrt(2) - 1)", "1"},
+                {"1 / (sqrt(3) - sqrt(2))", "sqrt(3) + sqrt(2)"},
+                {"((1 + sqrt(5)) / 2)^2", "(3 + sqrt(5)) / 2"},
+                {"cbrt(-16)", "-2 * sqrtn(3, 2)"},
+                {"sqrt(4 * x) * sqrt(x)", "2 * x"},
+                {"f(cbrt(x)^3)", "f(x)"},
+                {"sqrtn(6, x)^3", "sqrt(x)"},
+                {"sqrtn(1, x - 8)", "x - 8"},
+                {"cbrt(x - x - 8)", "-2"},
+                {"sqrtn(n, 4)", "sqrtn(n, 2 + 2)"}});
+  expect_open({{"sqrt(x^2)", "x"},
+               {"sqrt(x * y)", "sqrt(x) * sqrt(y)"},
+               {"sqrtn(4, x^2)", "sqrt(x)"},
+               {"sqrt(-4)", "2"},
+               {"sqrt(-2) * sqrt(-3)", "sqrt(6)"},
+               {"cbrt(-8)", "(-8)^(1/3)"},
+               {"sqrtn(0, 2)", "1"},
+               {"sqrtn(-2, 4)", "1/2"},
+               {"sqrtn(n, x)^n", "x"},
+               {"sqrt((1 - sqrt(2))^2)", "1 - sqrt(2)"},
+               {"sqrt(±x)^2", "x"},
+               {"sqrt(±x) * sqrt(±x)", "±x"},
+               {"{ x | sqrt(x)^2 = y }", "{ x | x = y }"},
+               {"Dom(sqrt(x)^2)", "Dom(x)"}});
+}
+
 TEST_F(poly_rat, arguments_are_compared_as_expressions) {
   expect_equal({{"f(2 * x)", "f(x + x)"},
                 {"sin(x + x) + 1", "1 + sin(2 * x)"},
