@@ -60,9 +60,13 @@ struct addends {
   bool opened() const { return plus[0] != nullptr || minus != nullptr; }
 };
 
+// A sign in front of a number is left to the number below it: looking through it here would walk a tower of signs again
+// and again.
 addends addends_of(term_ptr t) {
   addends out;
-  out.constant = integer_constant(t);
+  if (is_constant(t, Integer)) {
+    out.constant = integer_constant(t);
+  }
   const auto view = out.constant || t->has_meta() ? std::nullopt : composed_term_split(t);
   if (!view) {
     return out;

@@ -44,10 +44,12 @@ class full_signs {
     if (const auto known = leaves_.known(goal, 0)) {
       return *known;
     }
-    const bool proved = std::any_of(leaf_solvers.begin(), leaf_solvers.end(), [&](solver_id id) {
-      const solver_decide solve = find_solver(id);
-      return solve != nullptr && solve(goal, sdata_);
-    });
+    // What is assumed as it stands needs no search.
+    const bool proved =
+        is_assumption(goal, sdata_) || std::any_of(leaf_solvers.begin(), leaf_solvers.end(), [&](solver_id id) {
+          const solver_decide solve = find_solver(id);
+          return solve != nullptr && solve(goal, sdata_);
+        });
     return leaves_.keep(goal, 0, proved);
   }
 
