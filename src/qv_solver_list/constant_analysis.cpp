@@ -15,35 +15,48 @@ namespace {
 using facts_by_term = std::unordered_map<term_ptr, value_facts>;
 
 struct constant_memory {
-  std::unordered_map<term_ptr, bool> closed;
+  std::unordered_map<term_ptr, int> heights;
   facts_by_term facts;
 };
 
 constant_memory& memory() {
   auto& known = state().slots.of<constant_memory>();
-  if (known.closed.size() + known.facts.size() > limits::constants_remembered) {
+  if (known.heights.size() + known.facts.size() > limits::constants_remembered) {
     known = {};
   }
   return known;
 }
 
-bool closed_within(term_ptr t, std::unordered_map<term_ptr, bool>& known) {
+constexpr int most_nested = 64;
+constexpr int not_closed = most_nested + 1;
+
+// How deep applications of operators nest in t; not_closed for any other term and for deeper ones.
+int height_within(term_ptr t, std::unordered_map<term_ptr, int>& known) {
   if (t->type() == Const) {
-    return true;
+    return 0;
   }
   const auto view = composed_term_split(t);
   if (!view) {
-    return false;
+    return not_closed;
   }
   const bool large = t->size() >= worth_remembering;
   if (const auto found = large ? known.find(t) : known.end(); found != known.end()) {
     return found->second;
   }
-  const bool closed = closed_within(view->t1, known) && (view->t2 == nullptr || closed_within(view->t2, known));
+  const int first = height_within(view->t1, known);
+  const int below =
+      view->t2 == nullptr || first == not_closed ? first : std::max(first, height_within(view->t2, known));
+  const int height = std::min(below + 1, not_closed);
   if (large) {
-    known.emplace(t, closed);
+    known.emplace(t, height);
   }
-  return closed;
+  return height;
+}
+
+// What is known of an operand. A complex value that is not known to be real takes no part in a calculation: what is
+// known of i * i is nothing, and of -i that it is complex.
+value_facts operand(oper_type oper, const value_facts& facts) {
+  return facts.real() || oper == Neg ? facts : value_facts{};
 }
 
 // The term is closed.
@@ -55,15 +68,15 @@ value_facts facts_within(term_ptr t, const root_limits& limits, facts_by_term& k
     return found->second;
   }
   const auto view = composed_term_split(t);
-  const value_facts first = facts_within(view->t1, limits, known);
-  const value_facts facts = view->t2 == nullptr
-                                ? apply(view->oper, first, limits)
-                                : apply(view->oper, first, facts_within(view->t2, limits, known), limits);
+  const value_facts first = operand(view->oper, facts_within(view->t1, limits, known));
+  const value_facts facts =
+      view->t2 == nullptr
+          ? apply(view->oper, first, limits)
+          : apply(view->oper, first, operand(view->oper, facts_within(view->t2, limits, known)), limits);
   known.emplace(t, facts);
   return facts;
 }
 
-// A complex value takes no part in a calculation here: what is known of i * i is nothing.
 class status_reader {
  public:
   solver_const_real_status read(term_ptr t) {
@@ -184,7 +197,8 @@ bool sign_proves_predicate(const value_facts& facts, pred_type pred) {
 }  // namespace
 
 bool solver_const_expr_is_closed(term_ptr expr) {
-  return expr != nullptr && expr->name_mask() == 0 && !expr->has(fact_meta) && closed_within(expr, memory().closed);
+  return expr != nullptr && expr->name_mask() == 0 && !expr->has(fact_meta) &&
+         height_within(expr, memory().heights) <= most_nested;
 }
 
 value_facts solver_const_analyze(term_ptr expr, const root_limits& limits) {

@@ -12,8 +12,8 @@ enum solver_const_real_status : std::uint8_t {
   SOLVER_CONST_REAL_UNDEFINED = 2,
 };
 
-// Whether expr is made only of constants and applications of operators to one or two operands. sin(1) is closed,
-// although nothing is known of its value.
+// Whether expr is made only of constants and applications of operators to one or two operands, at most 64 deep. sin(1)
+// is closed, although nothing is known of its value.
 bool solver_const_expr_is_closed(term_ptr expr);
 
 // What is known of a closed expression; nothing for any other term.

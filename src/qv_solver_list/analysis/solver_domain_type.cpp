@@ -1,5 +1,6 @@
 // Memberships in number sets, from what the assumptions put into such sets: facts of the parts of an expression give
 // facts of the whole. Comparisons among the assumptions are not read.
+#include <array>
 #include <unordered_map>
 
 #include "qv_solver_list/assumption_facts.h"
@@ -15,23 +16,31 @@ class domain_reader {
  public:
   explicit domain_reader(assumption_facts& assumed) : assumed_(assumed) {}
 
-  value_facts analyze_expr(term_ptr t) {
-    if (const auto known = known_.find(t); known != known_.end()) {
+  value_facts analyze_expr(term_ptr t) { return analyze_at(t, 0); }
+
+ private:
+  static constexpr std::size_t most_nested = 64;
+
+  // Of what lies deeper than that nothing is known.
+  value_facts analyze_at(term_ptr t, std::size_t depth) {
+    if (depth > most_nested) {
+      return {};
+    }
+    if (const auto known = known_[depth].find(t); known != known_[depth].end()) {
       return known->second;
     }
-    const value_facts facts = both(assumption_domain_for(t), by_form(t));
-    known_.emplace(t, facts);
+    const value_facts facts = both(assumption_domain_for(t), by_form(t, depth));
+    known_[depth].emplace(t, facts);
     return facts;
   }
 
- private:
   value_facts assumption_domain_for(term_ptr t) {
     value_facts facts;
     assumed_.for_each_set_of(t, [&](const_type set) { facts = both(facts, facts_of_set(set)); });
     return facts;
   }
 
-  value_facts by_form(term_ptr t) {
+  value_facts by_form(term_ptr t, std::size_t depth) {
     if (t->has_meta()) {
       return {};
     }
@@ -42,12 +51,12 @@ class domain_reader {
     if (!view) {
       return {};
     }
-    const value_facts first = analyze_expr(view->t1);
-    return view->t2 == nullptr ? apply(view->oper, first) : apply(view->oper, first, analyze_expr(view->t2));
+    const value_facts first = analyze_at(view->t1, depth + 1);
+    return view->t2 == nullptr ? apply(view->oper, first) : apply(view->oper, first, analyze_at(view->t2, depth + 1));
   }
 
   assumption_facts& assumed_;
-  std::unordered_map<term_ptr, value_facts> known_;
+  std::array<std::unordered_map<term_ptr, value_facts>, most_nested + 1> known_;  // by depth
 };
 
 }  // namespace

@@ -99,6 +99,7 @@ TEST_F(domains, constants_prove) {
           {{}, "0 ∈ PosRealSet"},
           {{}, "1 ∈ EmptySet"},
           {{"x ∈ RealSet"}, "x ∈ RealSet"},
+          {{}, "__IMAGINARY_UNIT__ * __IMAGINARY_UNIT__ ∈ ComplexSet"},
           {{}, "sin(1) ∈ RealSet"}});
 }
 
@@ -148,15 +149,22 @@ TEST_F(domains, types_of_expressions) {
 
 TEST_F(domains, deep_and_shared_types) {
   const solve_data sdata = given({"x ∈ PosIntegerSet"});
-  term_ptr deep = mk_var("x");
+  const auto is_positive = [&sdata](solver_decide solve, term_ptr t) {
+    return solve(make_binPred_prop(Belong, t, mk_const(PosIntegerSet)), sdata);
+  };
+  term_ptr chain = mk_var("x");
   term_ptr shared = mk_var("x");
-  for (int i = 0; i < 3000; ++i) {
-    deep = make_binOp_term(Plus, deep, mk_integer(1));
+  term_ptr constant = mk_integer(1);
+  for (int i = 0; i < 64; ++i) {
+    chain = make_binOp_term(Plus, chain, mk_integer(1));
     shared = make_binOp_term(i % 2 == 0 ? Plus : Mult, shared, shared);
+    constant = make_binOp_term(Plus, mk_integer(1), constant);
   }
-  for (term_ptr t : {deep, shared}) {
-    EXPECT_TRUE(solver_domain_type(make_binPred_prop(Belong, t, mk_const(PosIntegerSet)), sdata));
-  }
+  EXPECT_TRUE(is_positive(solver_domain_type, chain));
+  EXPECT_TRUE(is_positive(solver_domain_type, shared));
+  EXPECT_TRUE(is_positive(solver_const_type, constant));
+  EXPECT_FALSE(is_positive(solver_domain_type, make_binOp_term(Plus, chain, mk_integer(1))));
+  EXPECT_FALSE(is_positive(solver_const_type, make_binOp_term(Plus, constant, mk_integer(1))));
 }
 
 class definedness : public solver_test {
