@@ -18,6 +18,7 @@ enum class reserved_kind : std::uint8_t {
   point,        // a point at which something is examined
   unknown,      // a value that is to be found
   family,       // the names that descriptions of sets of functions bind
+  hole,         // a free name of a term that is read as a function of its free names
 };
 
 // The variable of that kind and number: the same one for the same arguments.

@@ -4,10 +4,13 @@
 #include <array>
 #include <limits>
 #include <string>
+#include <unordered_set>
 
 #include "term/kinds.h"
 #include "term/print.h"
 #include "term/report.h"
+#include "term/reserved.h"
+#include "term/substitute.h"
 #include "term/term_split_combine.h"
 #include "term/variables/binding.h"
 #include "term/whole_parts.h"
@@ -39,13 +42,50 @@ constexpr bool is_more_than_its_value(oper_type oper) {
 
 constexpr bool is_derivative(oper_type oper) { return oper >= SingleDeri && oper <= ValDeri; }
 
-// Predicates of functions and sequences. Over a name they are ordinary; an expression such as a_n stands for more.
+// Predicates of functions and sequences.
 constexpr bool is_of_function(pred_type pred) {
   return (pred >= IsFunc && pred <= StrictMonoDecFuncOn) ||
          (pred >= ContinuousFunc && pred <= ConditionalConvergentSeries && pred != SingularPoint);
 }
 
-bool is_name(term_ptr t) { return (t->type() == Var || t->type() == Oper) && !t->has_meta(); }
+// Operands beside the one that the notation itself speaks of (term/variables/binding.h). A name is ordinary there; an
+// expression such as a_n or x^2 stands for a sequence or a function of names that the notation does not tell.
+enum class operand_kind : unsigned char { function, sequence, set };
+struct operand_row {
+  int first;
+  int last;
+  unsigned args;  // as bits, the first is bit 0
+  operand_kind kind;
+};
+constexpr operand_row operands[] = {
+    {MaxInSet, Inf, 0b1, operand_kind::set},
+    {Compose, Compose, 0b11, operand_kind::function},
+    {IsSubseqIndexFunc, SingularPoint, 0b11, operand_kind::sequence},
+    {ReflexiveBinRel, PartialOrderBinRel, 0b1, operand_kind::set},
+    {UniformConvergent, UniformConvergent, 0b11, operand_kind::sequence},
+};
+
+// A term of a sequence, the value of a function, or a calculation.
+bool is_value_expression(term_ptr t) {
+  while (t->type() == Apply && t->left()->type() == Apply) {
+    t = t->left();
+  }
+  const int head = t->type() == Apply ? t->head() : -1;
+  return t->type() == Apply && (t->left()->type() == Var || head == Index || (head >= Plus && head <= Power));
+}
+
+bool is_general_expression(term_ptr t, operand_kind kind) {
+  const bool indexed = t->type() == Apply && t->head() == Index;
+  switch (kind) {
+    case operand_kind::function:
+      return !is_function_expression(t);
+    case operand_kind::sequence:
+      return indexed || !is_function_expression(t);
+    case operand_kind::set:
+      return is_value_expression(t);
+  }
+  return true;
+}
 
 // Head and arguments; the arguments in text order.
 struct applied {
@@ -71,13 +111,29 @@ bool is_closed(term_ptr t) {
   return found;
 }
 
+bool has_general_operand(int head, term_span args) {
+  const auto* row = std::find_if(std::begin(operands), std::end(operands),
+                                 [head](const operand_row& r) { return head >= r.first && head <= r.last; });
+  if (row == std::end(operands)) {
+    return false;
+  }
+  for (std::size_t i = 0; i < args.size() && i < 8; ++i) {
+    if ((row->args >> i & 1U) != 0 && args[i]->name_mask() != 0 && is_general_expression(args[i], row->kind)) {
+      return true;
+    }
+  }
+  return false;
+}
+
 // One name for the whole term, because of its head.
-bool is_opaque(term_ptr head, term_ptr first) {
+bool is_opaque(term_ptr head, term_span args) {
   switch (head->type()) {
     case Oper:
-      return is_more_than_its_value(head->oper()) || (is_derivative(head->oper()) && !is_name(first));
+      return is_more_than_its_value(head->oper()) || has_general_operand(head->oper(), args) ||
+             (is_derivative(head->oper()) && !is_function_expression(args[0]));
     case Pred:
-      return is_tendency(head->pred()) || head->pred() == Defined || (is_of_function(head->pred()) && !is_name(first));
+      return is_tendency(head->pred()) || head->pred() == Defined || has_general_operand(head->pred(), args) ||
+             (is_of_function(head->pred()) && !is_function_expression(args[0]));
     default:
       return false;
   }
@@ -116,6 +172,22 @@ reading is_term_or_prop(term_ptr t) {
       return reading::proposition;
     default:
       return reading::invalid;
+  }
+}
+
+// Takes out the names that something in t binds or guards.
+void erase_touched(term_ptr t, term_list& names, std::unordered_set<term_ptr>& seen) {
+  constexpr auto touching = static_cast<term_fact>(fact_binding | fact_guard);
+  if (names.empty() || !t->has(touching) || !seen.insert(t).second) {
+    return;
+  }
+  if (const binding here(t); here.touches_names()) {
+    std::erase_if(names, [&here](term_ptr name) { return here.catches(name); });
+  }
+  for (term_ptr part : t->children()) {
+    if (part != nullptr) {
+      erase_touched(part, names, seen);
+    }
   }
 }
 
@@ -277,7 +349,7 @@ smt_prop smt_translation::connection(connect_type connect, term_span args, bool 
 
 smt_prop smt_translation::relation(term_ptr t, term_ptr head, term_span args) {
   const pred_type pred = head->pred();
-  if (is_closed(t) || holds_any(t, no_relation) || is_opaque(head, args[0])) {
+  if (is_closed(t) || holds_any(t, no_relation) || is_opaque(head, args)) {
     return opaque_proposition(t);
   }
   const bool binary = args.size() == 2;
@@ -331,7 +403,7 @@ smt_translation::translated smt_translation::term(term_ptr t, mode m) {
 
 smt_translation::translated smt_translation::new_term(term_ptr t, mode m) {
   if (is_closed(t)) {
-    return {opaque(t)};
+    return {closed(t)};
   }
   switch (t->type()) {
     case Var:
@@ -379,12 +451,8 @@ smt_translation::translated smt_translation::list(term_ptr t, mode m) {
 }
 
 smt_translation::translated smt_translation::application(term_ptr t, mode m) {
-  term_ptr head = t;
-  term_ptr first = nullptr;
-  for (; head->type() == Apply; head = head->left()) {
-    first = head->right();
-  }
-  if (is_opaque(head, first)) {
+  const applied parts = taken_apart(t);
+  if (!parts.args.empty() && is_opaque(parts.head, parts.args)) {
     return {opaque(t)};
   }
   const auto view = composed_term_split(t);
@@ -469,6 +537,33 @@ smt_term smt_translation::absolute(term_ptr inner) {
   absolute_of_.emplace(number, abstractions_.size());
   abstractions_.push_back({name, translated_inner});
   return name;
+}
+
+// A term that binds names, such as a sum, is a function of its free names, so that equal names give equal terms. What
+// something inside guards is no name that may be replaced.
+smt_term smt_translation::closed(term_ptr t) {
+  const binding b(t);
+  const bool binds = b.row() != nullptr && binds_indices(b.row()->kind) && !b.indices().empty() && !b.guards_any();
+  if (!binds || t->has(fact_scope) || holds_any(t, no_relation)) {
+    return opaque(t);
+  }
+  term_list holes = plain_free_variables(t);
+  std::unordered_set<term_ptr> seen;
+  erase_touched(t, holes, seen);
+  term_list marks;
+  for (std::size_t i = 0; i < holes.size(); ++i) {
+    marks.push_back(reserved_var(reserved_kind::hole, static_cast<std::uint32_t>(i)));
+  }
+  const term_ptr shape = holes.empty() ? nullptr : substitute_all(holes, marks, t);
+  if (shape == nullptr) {
+    return opaque(t);
+  }
+  smt_term value = opaque(shape);
+  for (term_ptr name : holes) {
+    const smt_term parts[] = {value, language_.var_name(smt_name::variable, name->name())};
+    value = language_.uf_term(smt_function::ap_uf, parts);
+  }
+  return value;
 }
 
 smt_term smt_translation::opaque(term_ptr t) {

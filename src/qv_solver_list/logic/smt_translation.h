@@ -69,6 +69,7 @@ class smt_translation {
   translated list(term_ptr t, mode m);
   smt_term absolute(term_ptr inner);
   smt_term constant(term_ptr t);
+  smt_term closed(term_ptr t);
   smt_term opaque(term_ptr t);
   bool is_number(term_ptr t) { return kinds_.of(t) != value_kind::other; }
   bool is_real(term_ptr t);

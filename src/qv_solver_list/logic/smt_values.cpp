@@ -1,10 +1,10 @@
 #include "qv_solver_list/logic/smt_values.h"
 
 #include <algorithm>
+#include <utility>
 
 #include "term/kinds.h"
 #include "term/term_split_combine.h"
-#include "term/traverse.h"
 
 namespace vetro {
 namespace {
@@ -125,6 +125,14 @@ bool calculates(oper_type oper) {
   }
 }
 
+bool is_membership(term_ptr head) {
+  return head->type() == Pred && (head->pred() == Belong || head->pred() == NotBelong);
+}
+
+bool is_set_of_reals(term_ptr set) {
+  return set->type() == Const || (set->type() == Apply && set->head() >= IntervalLoRo && set->head() <= IntervalLcRc);
+}
+
 bool is_function_name(term_ptr t) { return t->type() == Var || t->type() == Oper; }
 
 term_ptr first_argument(term_ptr t) {
@@ -143,6 +151,10 @@ void value_kinds::add(term_ptr proposition) {
 }
 
 void value_kinds::visit(term_ptr t) {
+  if (is_constant(t, ComplexSet) && !complex_set_is_named_) {
+    complex_set_is_named_ = true;
+    settled_ = false;
+  }
   if ((t->children().empty() && !t->has_meta()) || !seen_.insert(t).second) {
     return;
   }
@@ -152,7 +164,8 @@ void value_kinds::visit(term_ptr t) {
   }
   if (t->type() == Apply) {
     visit_application(head, t);
-    for (term_ptr node = t; node->type() == Apply; node = node->left()) {
+    const bool in_complex = is_membership(head) && is_constant(t->right(), ComplexSet) && !t->right()->has_meta();
+    for (term_ptr node = in_complex ? t->left() : t; node->type() == Apply; node = node->left()) {
       visit(node->right());
     }
     visit(head);
@@ -178,33 +191,47 @@ void value_kinds::visit_application(term_ptr head, term_ptr t) {
     ++count;
   }
   const use_row* row = row_of(uses, number_of(head));
-  const bool membership = head->type() == Pred && (head->pred() == Belong || head->pred() == NotBelong);
-  const bool inclusion = head->type() == Pred && head->pred() == Subset;
-  const bool complex = (membership || inclusion) && any_subterm(t->right(), walk_children, [](term_ptr part) {
-                         return is_constant(part, ComplexSet);
-                       });
+  const bool membership = is_membership(head);
   for (term_ptr node = t; node->type() == Apply; node = node->left()) {
     --count;
-    const bool last = node == t;
-    if (row != nullptr && count < 8 && (row->args >> count & 1U) != 0) {
+    const bool is_set = membership && node == t;
+    if (is_set || (row != nullptr && count < 8 && (row->args >> count & 1U) != 0)) {
       mark(node->right(), value_kind::other);
-    } else if (membership && last) {
-      mark(node->right(), value_kind::other);
-    } else if (complex) {
-      mark(node->right(), value_kind::complex);
     }
-    if (complex && !last) {  // each name in a list or an enumeration of elements
-      any_subterm(node->right(), walk_children, [this](term_ptr part) {
-        if (part->type() == Var) {
-          mark(part, value_kind::complex);
-        }
-        return false;
-      });
-    }
+  }
+  if ((membership || is_pred(head, Subset)) && t->left()->type() == Apply) {
+    add_membership(t->left()->right(), t->right());
   }
   if (const auto view = pred_split(t); view && (view->pred == Eq || view->pred == Neq || view->pred == IdentEq)) {
     equations_.emplace_back(view->left, view->right);
     settled_ = false;
+  }
+}
+
+// What stands in the set of complex numbers; or, once that set has a name or is part of another, in any set that is not
+// one of reals by its form.
+void value_kinds::add_membership(term_ptr elements, term_ptr set) {
+  if (is_constant(set, ComplexSet)) {
+    std::unordered_set<term_ptr> seen;
+    put_into_complex(elements, seen);
+  } else if (!is_set_of_reals(set)) {
+    memberships_.push_back(elements);
+    settled_ = settled_ && !complex_set_is_named_;
+  }
+}
+
+// The whole, and each name in a list or an enumeration of elements.
+void value_kinds::put_into_complex(term_ptr elements, std::unordered_set<term_ptr>& seen) {
+  if (!seen.insert(elements).second) {
+    return;
+  }
+  if (seen.size() == 1 || elements->type() == Var) {
+    mark(elements, value_kind::complex);
+  }
+  for (term_ptr part : elements->children()) {
+    if (part != nullptr) {
+      put_into_complex(part, seen);
+    }
   }
 }
 
@@ -222,6 +249,13 @@ void value_kinds::mark(term_ptr t, value_kind kind) {
 
 // Equations carry the greater kind from one side to the other, in both directions by turns, until nothing changes.
 void value_kinds::settle() {
+  if (complex_set_is_named_) {
+    std::unordered_set<term_ptr> seen;
+    for (term_ptr elements : std::exchange(memberships_, {})) {
+      seen.clear();
+      put_into_complex(elements, seen);
+    }
+  }
   known_.clear();
   settled_ = true;
   for (bool grown = !marked_.empty() || !equations_.empty(); grown;) {

@@ -33,6 +33,8 @@ class value_kinds {
   void visit_application(term_ptr head, term_ptr t);
   void mark(term_ptr t, value_kind kind);
   void settle();
+  void add_membership(term_ptr elements, term_ptr set);
+  void put_into_complex(term_ptr elements, std::unordered_set<term_ptr>& seen);
   value_kind by_form(term_ptr t);
   value_kind by_application(term_ptr t);
 
@@ -40,6 +42,8 @@ class value_kinds {
   std::unordered_map<term_ptr, value_kind> marked_;  // bare terms
   std::unordered_map<term_ptr, value_kind> known_;
   std::vector<std::pair<term_ptr, term_ptr>> equations_;
+  term_list memberships_;              // what stands in a set that may hold complex numbers
+  bool complex_set_is_named_ = false;  // the set of complex numbers stands elsewhere than to the right of ∈
   bool settled_ = true;
 };
 

@@ -22,6 +22,8 @@ TEST_F(smt_lra_test, values_without_order_or_arithmetic) {
              {{"v = (1, 2)"}, "v < 0 ∨ v ≥ 0"},
              {{}, "Cardinal(A) + 1 > Cardinal(A)"},
              {{"x = ∞", "y = x + 1", "y = ∞"}, "0 = 1"},
+             {{"z ∈ S", "S = Complex"}, "z < 0 ∨ z ≥ 0"},
+             {{"T ⊆ Complex", "z ∈ S ∪ T"}, "|z| = z ∨ |z| = -z"},
          });
   expect(solver_smt_lra, true,
          {
@@ -30,6 +32,8 @@ TEST_F(smt_lra_test, values_without_order_or_arithmetic) {
              {{"A = B", "x ∈ A"}, "x ∈ B"},
              {{}, "||x| - |y|| ≤ |x - y|"},
              {{}, "|x|^4 = x^4"},
+             {{"x ∈ S", "z ∈ Complex"}, "x < 0 ∨ x ≥ 0"},
+             {{"S = Complex", "z ∈ S", "x ∈ [0, 1]"}, "x < 0 ∨ x ≥ 0"},
          });
 }
 
@@ -45,6 +49,13 @@ TEST_F(smt_lra_test, more_than_a_value) {
              {{"y = x", "{ x | x > y } = A"}, "{ x | x > x } = A"},
              {{"1 + 2 + ... + n = s"}, "1 + 2 + ... + n - 3 = s - 3"},
              {{"a_1 < ... < a_n"}, "a_1 < a_n"},
+             {{"n = m", "UniformConvergent(g, f_n, A)"}, "UniformConvergent(g, f_m, A)"},
+             {{"x = y", "g ∘ x^2 = h"}, "g ∘ y^2 = h"},
+             {{"x = y", "Sup(a_x) = h"}, "Sup(a_y) = h"},
+             {{"i = j"}, "sum_{i = 1}^{n}(i * j) = sum_{i = 1}^{n}(i * i)"},
+             {{"x = a"}, "sum_{i = 1}^{n}((x^i)') = sum_{i = 1}^{n}((a^i)')"},
+             {{"n = m", "sum_{i < n}(i) = 3"}, "sum_{i < m}(i) = 3"},
+             {{"a = b"}, "{ x * a | x > 0 } = { x * b | x > 0, b > 1 }"},
          });
   expect(solver_smt_lra, true,
          {
@@ -52,6 +63,10 @@ TEST_F(smt_lra_test, more_than_a_value) {
              {{"n = m"}, "a_n = a_m"},
              {{"sum_{i = 1}^{n}(i) = s"}, "sum_{j = 1}^{n}(j) + 1 = s + 1"},
              {{"f = g", "ConvergentSeq(f)"}, "ConvergentSeq(g)"},
+             {{"f = g", "ContinuousFunc(f')"}, "ContinuousFunc(g')"},
+             {{"a ≤ b", "b ≤ a", "n = m"}, "sum_{i = 1}^{n}(a * i) + 1 = 1 + sum_{j = 1}^{m}(b * j)"},
+             {{"y = z", "f = g", "{ x | f(x) > y } = A"}, "{ t | g(t) > z } = A"},
+             {{"A = B"}, "Sup(A ∪ C) = Sup(B ∪ C)"},
          });
 }
 
