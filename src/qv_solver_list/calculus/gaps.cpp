@@ -156,6 +156,9 @@ class gap_comparison {
   }
 
   bool is_shared(const gap& g) {
+    if (std::find(known_parts_.begin(), known_parts_.end(), g.part) != known_parts_.end()) {
+      return true;
+    }
     ignore_fixed(g.part);
     return known_.covers(g.part) || is_known(g.part) || (g.exponent != nullptr && is_known_power(g)) ||
            facts_.nonzero(g.part) || is_edge(g.part);

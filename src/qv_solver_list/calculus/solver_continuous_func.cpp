@@ -6,6 +6,8 @@
 #include <algorithm>
 #include <array>
 #include <optional>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "qv_solver_list/calculus/rational_interval.h"
 #include "qv_solver_list/functions/conditions.h"
@@ -25,7 +27,7 @@ namespace {
 
 enum cont_goal_kind : std::uint8_t { CONT_AT = 0, CONT_ON = 1 };
 
-constexpr int max_depth = 64;
+constexpr std::size_t most_unfoldings = 64;  // of named functions inside one another
 
 // Defined and continuous everywhere. Each list of unary operators allows composition, but for Abs and Cbrt.
 constexpr std::array entire_unary = {Abs, Cbrt, Sin, Cos, Arctan, Arccot, Sinh, Cosh, Tanh, Sech, Arcsinh};
@@ -70,14 +72,16 @@ class continuity {
   bool has_value(term_ptr t);
   term_ptr resolve_goal_func(term_ptr func);
   bool applies(term_ptr lambda);
-  bool body_is_continuous(term_ptr lambda, int depth);
+  bool body_is_continuous(term_ptr lambda);
 
-  bool expr_check(term_ptr expr, term_ptr var, int depth);
-  bool check_unary(oper_type oper, term_ptr a, term_ptr var, int depth);
-  bool check_binary(oper_type oper, term_ptr left, term_ptr right, term_ptr var, int depth);
-  bool check_named_leaf(const spine& applied, term_ptr var, int depth);
+  bool expr_check(term_ptr expr, term_ptr var);
+  bool read_expr(term_ptr expr, term_ptr var);
+  bool check_unary(oper_type oper, term_ptr a, term_ptr var);
+  bool check_binary(oper_type oper, term_ptr left, term_ptr right, term_ptr var);
+  bool check_named_leaf(const spine& applied, term_ptr var);
 
   bool expr_defined(term_ptr t);
+  bool read_defined(term_ptr t);
   bool unary_defined(oper_type oper, term_ptr a);
   bool binary_defined(oper_type oper, term_ptr left, term_ptr right);
 
@@ -103,6 +107,10 @@ class continuity {
   prover at_any_point_;
   std::optional<rational_interval> interval_;
   term_list expanding_;  // the named functions that are being unfolded, innermost last
+  // What was shown. The walk is a conjunction: with the first part that fails it ends, so that no refusal comes up
+  // twice.
+  std::unordered_map<term_ptr, std::unordered_set<term_ptr>> continuous_;  // parts, by their variable
+  std::unordered_set<term_ptr> defined_;
 };
 
 // ---- The function.
@@ -128,7 +136,7 @@ bool continuity::solve(term_ptr func) {
   if (spine_of(normal).head->type() == Var) {
     expanding_.push_back(normal);
   }
-  return body_is_continuous(lambda, 0);
+  return body_is_continuous(lambda);
 }
 
 term_ptr continuity::resolve_goal_func(term_ptr func) {
@@ -164,19 +172,30 @@ bool continuity::applies(term_ptr lambda) {
   return std::all_of(required.begin(), required.end(), [this](term_ptr fact) { return on_fact(fact, point_); });
 }
 
-bool continuity::body_is_continuous(term_ptr lambda, int depth) {
+bool continuity::body_is_continuous(term_ptr lambda) {
   lambda = beta_normalize_term(lambda);
   if (lambda == nullptr || lambda->type() != Lambda || lambda->scope() != nullptr ||
       solver_func_lambda_params_valid(lambda) != std::size_t{1} || !applies(lambda)) {
     return false;
   }
-  return expr_check(lambda->body(), lambda->vars().front(), depth);
+  return expr_check(lambda->body(), lambda->vars().front());
 }
 
 // ---- The walk.
 
-bool continuity::expr_check(term_ptr expr, term_ptr var, int depth) {
-  if (depth > max_depth || expr->scope() != nullptr) {
+bool continuity::expr_check(term_ptr expr, term_ptr var) {
+  if (continuous_[var].count(expr) != 0) {
+    return true;
+  }
+  const bool answer = read_expr(expr, var);
+  if (answer) {
+    continuous_[var].insert(expr);
+  }
+  return answer;
+}
+
+bool continuity::read_expr(term_ptr expr, term_ptr var) {
+  if (expr->scope() != nullptr) {
     return false;
   }
   if (!mentions(expr, var) || term_eqb(expr, var)) {
@@ -184,33 +203,33 @@ bool continuity::expr_check(term_ptr expr, term_ptr var, int depth) {
   }
   const spine applied = spine_of(expr);
   if (applied.head->type() != Oper) {
-    return check_named_leaf(applied, var, depth);
+    return check_named_leaf(applied, var);
   }
   switch (applied.args.size()) {
     case 1:
-      return check_unary(applied.head->oper(), applied.args[0], var, depth);
+      return check_unary(applied.head->oper(), applied.args[0], var);
     case 2:
-      return check_binary(applied.head->oper(), applied.args[0], applied.args[1], var, depth);
+      return check_binary(applied.head->oper(), applied.args[0], applied.args[1], var);
     default:
       return false;
   }
 }
 
-bool continuity::check_unary(oper_type oper, term_ptr a, term_ptr var, int depth) {
+bool continuity::check_unary(oper_type oper, term_ptr a, term_ptr var) {
   if (oper == Neg) {
-    return expr_check(a, var, depth + 1);
+    return expr_check(a, var);
   }
   if (!term_eqb(a, var) && !cont_unary_allows_composition(oper)) {
     return false;
   }
-  if (!expr_check(a, var, depth + 1)) {
+  if (!expr_check(a, var)) {
     return false;
   }
   return cont_is_entire_unary(oper) || (cont_is_domain_unary(oper) && domain_kept(oper, a, nullptr, var));
 }
 
-bool continuity::check_binary(oper_type oper, term_ptr left, term_ptr right, term_ptr var, int depth) {
-  const auto child = [&](term_ptr part) { return expr_check(part, var, depth + 1); };
+bool continuity::check_binary(oper_type oper, term_ptr left, term_ptr right, term_ptr var) {
+  const auto child = [&](term_ptr part) { return expr_check(part, var); };
   switch (oper) {
     case Plus:
     case Minus:
@@ -234,7 +253,7 @@ bool continuity::check_binary(oper_type oper, term_ptr left, term_ptr right, ter
 }
 
 // f(x), or f(a, x) with f(a) free of x: known to be continuous, or defined by an expression that is.
-bool continuity::check_named_leaf(const spine& applied, term_ptr var, int depth) {
+bool continuity::check_named_leaf(const spine& applied, term_ptr var) {
   if (applied.head->type() != Var || applied.args.empty() || !term_eqb(applied.args.back(), var)) {
     return false;
   }
@@ -249,12 +268,12 @@ bool continuity::check_named_leaf(const spine& applied, term_ptr var, int depth)
   const bool unfolding = std::any_of(expanding_.begin(), expanding_.end(), [prefix](term_ptr outer) {
     return term_eqb(outer, prefix) || alpha_equivalent(outer, prefix);
   });
-  term_ptr lambda = unfolding || depth >= max_depth ? nullptr : resolve_goal_func(prefix);
+  term_ptr lambda = unfolding || expanding_.size() > most_unfoldings ? nullptr : resolve_goal_func(prefix);
   if (lambda == nullptr) {
     return false;
   }
   expanding_.push_back(prefix);
-  const bool answer = body_is_continuous(lambda, depth + 1);
+  const bool answer = body_is_continuous(lambda);
   expanding_.pop_back();
   return answer;
 }
@@ -262,9 +281,17 @@ bool continuity::check_named_leaf(const spine& applied, term_ptr var, int depth)
 // ---- What is free of the variable.
 
 bool continuity::expr_defined(term_ptr t) {
-  if (t->scope() != nullptr) {
-    return false;
+  if (t->type() == Apply && defined_.count(t) != 0) {
+    return true;
   }
+  const bool answer = t->scope() == nullptr && read_defined(t);
+  if (answer && t->type() == Apply) {
+    defined_.insert(t);
+  }
+  return answer;
+}
+
+bool continuity::read_defined(term_ptr t) {
   if (t->type() == Var || t->type() == Oper) {
     return true;
   }

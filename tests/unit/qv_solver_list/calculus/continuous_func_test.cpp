@@ -1,4 +1,6 @@
 // Continuity and integrability: natural domains at a point and on a set, named functions, and near misses.
+#include <string>
+
 #include "qv_solver_list/solvers.h"
 #include "support/solver_fixture.h"
 
@@ -47,6 +49,11 @@ TEST_F(continuous_func, proves) {
   for (const continuity_case& c : cases) {
     EXPECT_TRUE(proves(c)) << c.goal;
   }
+  std::string sum = "1 / x";
+  for (int i = 0; i < 100; ++i) {
+    sum += " + 1 / x";
+  }
+  EXPECT_TRUE(solver_continuous_func(read("ContinuousFuncOn(fun x . " + sum + ", (0, 1))"), {}));
 }
 
 TEST_F(continuous_func, leaves_open) {
