@@ -68,7 +68,13 @@ class log_writer {
     std::vector<power_factor> open;  // of unknown sign; their product is positive
     for (const power_factor& factor : product->factors) {
       const bool even = (factor.exponent.numerator() / exact(2)).is_integer();
-      if (is_constant(factor.base, E)) {
+      const auto power = factor.base->has_meta() ? std::nullopt : composed_term_split(factor.base);
+      const bool raised = power && power->oper == Power && power->t2 != nullptr;
+      if (raised && is_constant(power->t1, E)) {
+        summands.push_back(times(factor.exponent, power->t2));
+      } else if (raised && normalizer_.nonnegative(power->t1)) {
+        summands.push_back(times(factor.exponent, make_binOp_term(Mult, power->t2, logarithm(power->t1))));
+      } else if (is_constant(factor.base, E)) {
         summands.push_back(number_of_any_size(factor.exponent));
       } else if (normalizer_.nonnegative(factor.base)) {
         summands.push_back(times(factor.exponent, make_unOp_term(Ln, factor.base)));
@@ -97,11 +103,11 @@ class log_writer {
   }
 
   static term_ptr sum_of(const term_list& summands) {
-    term_ptr sum = mk_integer(0);
+    term_ptr sum = nullptr;
     for (term_ptr part : summands) {
-      sum = make_binOp_term(Plus, sum, part);
+      sum = sum == nullptr ? part : make_binOp_term(Plus, sum, part);
     }
-    return sum;
+    return sum == nullptr ? mk_integer(0) : sum;
   }
 
   root_normalizer& normalizer_;

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "qv_solver_list/algebra/exponential_form.h"
 #include "qv_solver_list/algebra/log_form.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/algebra/root_view.h"
@@ -25,50 +26,8 @@ namespace {
 
 // ---- Values at multiples of π.
 
-// The c for which t is c * π.
-std::optional<exact> extract_pi_coeff(term_ptr t) {
-  if (is_constant(t, Pi)) {
-    return exact(1);
-  }
-  if (const auto value = solver_numeric_calc_eval_rational(t)) {
-    return value->is_zero() ? value : std::nullopt;
-  }
-  const auto view = composed_term_split(t);
-  if (!view || t->has_meta()) {
-    return std::nullopt;
-  }
-  if (view->t2 == nullptr) {
-    const auto inner = view->oper == Neg ? extract_pi_coeff(view->t1) : std::nullopt;
-    return inner ? std::optional(-*inner) : std::nullopt;
-  }
-  const auto product = [](const std::optional<exact>& a, const std::optional<exact>& b) {
-    return a && b && (*a * *b).is_known() ? std::optional(*a * *b) : std::nullopt;
-  };
-  switch (view->oper) {
-    case Plus:
-    case Minus: {
-      const auto left = extract_pi_coeff(view->t1);
-      const auto right = left ? extract_pi_coeff(view->t2) : std::nullopt;
-      return right ? std::optional(view->oper == Plus ? *left + *right : *left - *right) : std::nullopt;
-    }
-    case Mult: {
-      const auto factor = solver_numeric_calc_eval_rational(view->t1);
-      return factor ? product(factor, extract_pi_coeff(view->t2))
-                    : product(extract_pi_coeff(view->t1), solver_numeric_calc_eval_rational(view->t2));
-    }
-    case Div:
-    case Frac: {
-      const auto divisor = solver_numeric_calc_eval_rational(view->t2);
-      const auto coefficient = divisor ? extract_pi_coeff(view->t1) : std::nullopt;
-      return coefficient ? quotient(*coefficient, *divisor) : std::nullopt;
-    }
-    default:
-      return std::nullopt;
-  }
-}
-
 term_ptr try_simplify_trig(oper_type op, term_ptr arg) {
-  const auto coefficient = extract_pi_coeff(arg);
+  const auto coefficient = multiple_of_pi(arg);
   return coefficient ? exact_trig_value(op, *coefficient) : nullptr;
 }
 
@@ -174,21 +133,30 @@ term_ptr as_number(term_ptr t) {
 
 bool is_entered(term_ptr t) { return t->type() == Apply && t->scope() == nullptr && stands_for_its_value(t); }
 
-// Equal when the logarithms in them are taken apart.
-bool equal_by_logarithms(term_ptr left, term_ptr right, const solve_data& sdata) {
+// Equal when logarithms are taken apart and functions are written as powers.
+bool equal_by_functions(term_ptr left, term_ptr right, const solve_data& sdata) {
   auto& complex = facts_of(sdata).table<complex_values>();
   if (is_one_whole(left) || is_one_whole(right) || complex.may_be_complex(left) || complex.may_be_complex(right)) {
     return false;
   }
   root_normalizer normalizer(&sdata);
-  const term_ptr left_form = log_form(left, normalizer);
-  const term_ptr right_form = log_form(right, normalizer);
+  circular_form circles;
+  const auto form_of = [&](term_ptr t) {
+    const term_ptr logarithms = log_form(exponential_form(t, normalizer), normalizer);
+    const term_ptr functions = circles.of(logarithms);
+    return functions == t ? t : circles.of(normalizer.power_form(logarithms));
+  };
+  const term_ptr left_form = form_of(left);
+  const term_ptr right_form = form_of(right);
   if (left_form == left && right_form == right) {
     return false;
   }
-  const term_ptr left_powers = normalizer.power_form(left_form);
-  const term_ptr right_powers = normalizer.power_form(right_form);
-  return poly_rat_eqb(left_powers, right_powers);
+  if (poly_rat_eqb(left_form, right_form)) {
+    return true;
+  }
+  const term_ptr cofactor = circles.cofactor();
+  return cofactor != nullptr &&
+         poly_rat_eqb(make_binOp_term(Mult, left_form, cofactor), make_binOp_term(Mult, right_form, cofactor));
 }
 
 bool equal_values(term_ptr left, term_ptr right, const solve_data& sdata) {
@@ -201,7 +169,7 @@ bool equal_values(term_ptr left, term_ptr right, const solve_data& sdata) {
   constexpr solver_id of_roots[] = {solver_id::rootfrac};
   const bool differ = left_roots != left || right_roots != right;
   return (differ && equal_by(of_roots, left_roots, right_roots, sdata)) ||
-         equal_by_logarithms(left_roots, right_roots, sdata);
+         equal_by_functions(left_roots, right_roots, sdata);
 }
 
 class simplification {

@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <array>
 
+#include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/number_reading.h"
 #include "term/term_split_combine.h"
 
@@ -187,6 +188,47 @@ term_ptr exact_trig_value(oper_type op, const exact& multiple) {
       return reciprocal(sine(multiple));
     default:
       return nullptr;
+  }
+}
+
+std::optional<exact> multiple_of_pi(term_ptr t) {
+  if (is_constant(t, Pi)) {
+    return exact(1);
+  }
+  if (const auto value = solver_numeric_calc_eval_rational(t)) {
+    return value->is_zero() ? value : std::nullopt;
+  }
+  const auto view = composed_term_split(t);
+  if (!view || t->has_meta()) {
+    return std::nullopt;
+  }
+  if (view->t2 == nullptr) {
+    const auto inner = view->oper == Neg ? multiple_of_pi(view->t1) : std::nullopt;
+    return inner ? std::optional(-*inner) : std::nullopt;
+  }
+  const auto product = [](const std::optional<exact>& a, const std::optional<exact>& b) {
+    return a && b && (*a * *b).is_known() ? std::optional(*a * *b) : std::nullopt;
+  };
+  switch (view->oper) {
+    case Plus:
+    case Minus: {
+      const auto left = multiple_of_pi(view->t1);
+      const auto right = left ? multiple_of_pi(view->t2) : std::nullopt;
+      return right ? std::optional(view->oper == Plus ? *left + *right : *left - *right) : std::nullopt;
+    }
+    case Mult: {
+      const auto factor = solver_numeric_calc_eval_rational(view->t1);
+      return factor ? product(factor, multiple_of_pi(view->t2))
+                    : product(multiple_of_pi(view->t1), solver_numeric_calc_eval_rational(view->t2));
+    }
+    case Div:
+    case Frac: {
+      const auto divisor = solver_numeric_calc_eval_rational(view->t2);
+      const auto coefficient = divisor ? multiple_of_pi(view->t1) : std::nullopt;
+      return coefficient ? quotient(*coefficient, *divisor) : std::nullopt;
+    }
+    default:
+      return std::nullopt;
   }
 }
 

@@ -106,5 +106,44 @@ TEST_F(numeric_calc_test, trigonometric_values_fit_together) {
   EXPECT_EQ(with_value, 97);
 }
 
+// Laws of functions, and statements like them that are false or have another value at each place.
+TEST_F(numeric_calc_test, functions_as_powers) {
+  expect(solver_numeric_calc, true,
+         {{{}, "f(sin(x)^2 + cos(x)^2) = f(1)"},
+          {{}, "sin(3 * x) = 3 * sin(x) - 4 * sin(x)^3"},
+          {{}, "tan(x + y) * (1 - tan(x) * tan(y)) = tan(x) + tan(y)"},
+          {{}, "sin(x + 5 * π / 2) = cos(x)"},
+          {{}, "sec(x)^2 - tan(x)^2 = csc(x)^2 - cot(x)^2"},
+          {{}, "cos(20) = cos(6 * π - 20)"},
+          {{}, "cos(π / 9) * cos(2 * π / 9) * cos(4 * π / 9) = 1 / 8"},
+          {{}, "sin(13 * π / 24) = cos(π / 24)"},
+          {{}, "tan(7 * π / 24) = cot(5 * π / 24)"},
+          {{}, "sin(2 * arctan(x)) = 2 * x / (1 + x^2)"},
+          {{}, "arctanh(x) = ln((1 + x) / (1 - x)) / 2"},
+          {{}, "cosh(x)^2 - sinh(x)^2 = 1"},
+          {{}, "tanh(x) = (e^(2 * x) - 1) / (e^(2 * x) + 1)"},
+          {{}, "(e^x)^y = e^(x * y)"},
+          {{}, "2^(x / ln(2)) = e^x"},
+          {{}, "e^(3 * ln(x) + a) = x^3 * e^a"},
+          {{"x > 0"}, "(x^a)^b = x^(a * b)"},
+          {{}, "ln(e^(x + y)) = x + y"}});
+  expect(solver_numeric_calc, false,
+         {{{}, "cos(x / 2)^2 = (1 - cos(x)) / 2"},
+          {{}, "sin(x + 3 * π / 2) = cos(x)"},
+          {{}, "|sec(x)| = sec(x)"},
+          {{}, "cos(π / 7) + cos(2 * π / 7) + cos(3 * π / 7) = 1 / 2"},
+          {{}, "cos(23 * π / 24) = cos(π / 24)"},
+          {{}, "sin(arccos(x)) = -sqrt(1 - x^2)"},
+          {{}, "arccos(cos(x)) = x"},
+          {{}, "cosh(arccoth(x)) = x / sqrt(x^2 - 1)"},
+          {{}, "tanh(x) = (e^x - 1) / (e^x + 1)"},
+          {{}, "e^(ln(x) * ln(y)) = x * y"},
+          {{}, "(x^2)^a = x^(2 * a)"},
+          {{}, "cos(±x)^2 + sin(±x)^2 = 1"},
+          {{}, "sum_{k = 1}^{n}(sin(k)^2) = sum_{k = 1}^{n}(cos(k)^2)"},
+          {{}, "(sin(x)^2 + cos(x)^2)' = (1)'"},
+          {{}, "sin(∞)^2 + cos(∞)^2 = 1"}});
+}
+
 }  // namespace
 }  // namespace vetro
