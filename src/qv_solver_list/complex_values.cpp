@@ -101,12 +101,7 @@ bool complex_values::may_be_complex(term_ptr t) {
   if (t->children().empty() || (is_apply(t) && is_oper(t->left(), Abs))) {
     return false;
   }
-  if (const auto known = known_.find(t); known != known_.end()) {
-    return known->second;
-  }
-  const bool complex = holds_complex(t);
-  known_.emplace(t, complex);
-  return complex;
+  return known_.get(t, [&] { return holds_complex(t); });
 }
 
 bool complex_values::holds_complex(term_ptr t) {

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <memory>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "qv_solver_list/assumption_facts.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -28,7 +28,7 @@ class complex_values {
   std::unordered_set<term_ptr> named_;  // bare
   bool sets_may_be_complex_ = false;    // some set with a name of its own may hold complex numbers
   std::uint64_t names_ = 0;             // bits of the names in them
-  std::unordered_map<term_ptr, bool> known_;
+  node_memo<bool> known_;
 };
 
 }  // namespace vetro

@@ -2,7 +2,6 @@
 #include "qv_solver_list/constant_analysis.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 #include "number/limits.h"
 #include "term/node_memo.h"
@@ -12,10 +11,10 @@
 namespace vetro {
 namespace {
 
-using facts_by_term = std::unordered_map<term_ptr, value_facts>;
+using facts_by_term = node_memo<value_facts>;
 
 struct constant_memory {
-  std::unordered_map<term_ptr, int> heights;
+  node_memo<int> heights;
   facts_by_term facts;
 };
 
@@ -31,7 +30,7 @@ constexpr int most_nested = 64;
 constexpr int not_closed = most_nested + 1;
 
 // How deep applications of operators nest in t; not_closed for any other term and for deeper ones.
-int height_within(term_ptr t, std::unordered_map<term_ptr, int>& known) {
+int height_within(term_ptr t, node_memo<int>& known) {
   if (t->type() == Const) {
     return 0;
   }
@@ -39,18 +38,13 @@ int height_within(term_ptr t, std::unordered_map<term_ptr, int>& known) {
   if (!view) {
     return not_closed;
   }
-  const bool large = t->size() >= worth_remembering;
-  if (const auto found = large ? known.find(t) : known.end(); found != known.end()) {
-    return found->second;
-  }
-  const int first = height_within(view->t1, known);
-  const int below =
-      view->t2 == nullptr || first == not_closed ? first : std::max(first, height_within(view->t2, known));
-  const int height = std::min(below + 1, not_closed);
-  if (large) {
-    known.emplace(t, height);
-  }
-  return height;
+  const auto height = [&] {
+    const int first = height_within(view->t1, known);
+    const int below =
+        view->t2 == nullptr || first == not_closed ? first : std::max(first, height_within(view->t2, known));
+    return std::min(below + 1, not_closed);
+  };
+  return t->size() >= worth_remembering ? known.get(t, height) : height();
 }
 
 // What is known of an operand. A complex value that is not known to be real takes no part in a calculation: what is
@@ -64,29 +58,19 @@ value_facts facts_within(term_ptr t, const root_limits& limits, facts_by_term& k
   if (t->type() == Const) {
     return facts_of_constant(t);
   }
-  if (const auto found = known.find(t); found != known.end()) {
-    return found->second;
-  }
-  const auto view = composed_term_split(t);
-  const value_facts first = operand(view->oper, facts_within(view->t1, limits, known));
-  const value_facts facts =
-      view->t2 == nullptr
-          ? apply(view->oper, first, limits)
-          : apply(view->oper, first, operand(view->oper, facts_within(view->t2, limits, known)), limits);
-  known.emplace(t, facts);
-  return facts;
+  return known.get(t, [&] {
+    const auto view = composed_term_split(t);
+    const value_facts first = operand(view->oper, facts_within(view->t1, limits, known));
+    return view->t2 == nullptr
+               ? apply(view->oper, first, limits)
+               : apply(view->oper, first, operand(view->oper, facts_within(view->t2, limits, known)), limits);
+  });
 }
 
 class status_reader {
  public:
   solver_const_real_status read(term_ptr t) {
-    const auto known = known_.find(t);
-    if (known != known_.end()) {
-      return known->second;
-    }
-    const solver_const_real_status status = read_new(t);
-    known_.emplace(t, status);
-    return status;
+    return known_.get(t, [&] { return read_new(t); });
   }
 
  private:
@@ -178,7 +162,7 @@ class status_reader {
     return defined_if(both_defined && base.positive());
   }
 
-  std::unordered_map<term_ptr, solver_const_real_status> known_;
+  node_memo<solver_const_real_status> known_;
 };
 
 // The rank by which the constants with a name but without an exact value are ordered; 0 for any other term.

@@ -2,7 +2,6 @@
 #include "qv_solver_list/number_reading.h"
 
 #include <limits>
-#include <unordered_map>
 
 #include "term/node_memo.h"
 #include "term/term_split_combine.h"
@@ -62,21 +61,13 @@ known_value calculate(oper_type oper, const exact& a, const exact& b) {
 
 class evaluation {
  public:
-  evaluation(const allowed_forms& allowed, term_ptr root)
-      : allowed_(allowed), remembers_(root->size() >= worth_remembering) {}
+  evaluation(const allowed_forms& allowed, term_ptr root) : allowed_(allowed), known_(root) {}
 
   known_value of(term_ptr t) {
     if (t->type() == Const) {
       return t->constant() == Integer || allowed_.decimals ? number_literal(t) : std::nullopt;
     }
-    if (const auto known = known_.find(t); known != known_.end()) {
-      return known->second;
-    }
-    known_value result = of_operation(t);
-    if (remembers_) {
-      known_.emplace(t, result);
-    }
-    return result;
+    return known_.get(t, [&] { return of_operation(t); });
   }
 
  private:
@@ -96,8 +87,7 @@ class evaluation {
   static known_value if_known(known_value result) { return result && result->is_known() ? result : std::nullopt; }
 
   const allowed_forms& allowed_;
-  bool remembers_;
-  std::unordered_map<term_ptr, known_value> known_;
+  walk_memo<known_value> known_;
 };
 
 bool fits_constant(std::int64_t value) {

@@ -4,9 +4,9 @@
 
 #include <algorithm>
 #include <limits>
-#include <unordered_map>
 
 #include "number/limits.h"
+#include "term/node_memo.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
 
@@ -19,12 +19,6 @@ struct question {
   bool operator==(const question&) const = default;
 };
 
-struct question_hasher {
-  std::size_t operator()(const question& q) const {
-    return static_cast<std::size_t>((q.fact->hash() ^ static_cast<std::uint64_t>(q.table)) * 0x9e3779b97f4a7c15ULL);
-  }
-};
-
 struct answer {
   bool proved;
   int names_drawn;  // fresh names that the proof drew: the next one must find the counter as if it had been done again
@@ -32,7 +26,7 @@ struct answer {
 
 struct answered_premises {
   explicit answered_premises(assumption_facts& /*facts*/) {}
-  std::unordered_map<question, answer, question_hasher> known;
+  node_memo<answer> known;  // by table
 };
 
 // The premises whose proofs are under way, outermost first.
@@ -91,9 +85,10 @@ bool prover::proves(term_ptr fact) {
   }
   auto& known = facts_->table<answered_premises>().known;
   const question asked{fact, table_};
-  if (const auto found = known.find(asked); found != known.end()) {
-    state().fresh_counter += found->second.names_drawn;
-    return found->second.proved;
+  const auto in_table = static_cast<std::uint64_t>(table_);
+  if (const answer* found = known.find(fact, in_table); found != nullptr) {
+    state().fresh_counter += found->names_drawn;
+    return found->proved;
   }
   auto& open = under_way();
   const auto again = std::find_if(open.begin(), open.end(),
@@ -111,7 +106,7 @@ bool prover::proves(term_ptr fact) {
     if (known.size() >= limits::premises_remembered) {
       known.clear();
     }
-    known.emplace(asked, answer{proved, state().fresh_counter - names_before});
+    known.keep(fact, {proved, state().fresh_counter - names_before}, in_table);
   }
   return proved;
 }

@@ -106,6 +106,7 @@ class node_set {
     return met_.size() != before;
   }
   bool contains(term_ptr t, std::uint64_t number = 0) const { return met_.find(t, number) != nullptr; }
+  std::size_t size() const { return met_.size(); }
   void clear() { met_.clear(); }
 
  private:

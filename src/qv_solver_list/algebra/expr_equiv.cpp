@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <unordered_map>
 #include <unordered_set>
 
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
@@ -62,15 +61,9 @@ class exp_log_rewriter {
     if ((t->type() != Apply && t->type() != TermList) || positive_.speak_of(t->binders())) {
       return t;
     }
-    const auto known = known_.find(t);
-    if (known != known_.end()) {
-      return known->second;
-    }
     constexpr unsigned parts = walk_apply | walk_elements | keep_meta;
-    term_ptr result = map_children(t, parts, [this](term_ptr part) { return rewrite(part); });
-    result = power_as_exponential(result);
-    known_.emplace(t, result);
-    return result;
+    const auto rewrite_part = [this](term_ptr part) { return rewrite(part); };
+    return known_.get(t, [&] { return power_as_exponential(map_children(t, parts, rewrite_part)); });
   }
 
  private:
@@ -85,7 +78,7 @@ class exp_log_rewriter {
   }
 
   const positive_terms& positive_;
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
 };
 
 // An application with f applied to what its operator is applied to, or to both sides where no operator stands in front:
@@ -111,20 +104,17 @@ class log_exponent_rewriter {
     if (t->type() != Apply || t->has_meta()) {
       return t;
     }
-    const auto known = known_.find(t);
-    if (known != known_.end()) {
-      return known->second;
-    }
-    term_ptr result = map_operands(t, [this](term_ptr part) { return rewrite(part); });
-    const auto view = composed_term_split(result);
-    if (view && view->oper == Power && view->t2 != nullptr && is_constant(view->t1, E)) {
-      result = exponential(view->t2, false);
-    }
-    known_.emplace(t, result);
-    return result;
+    return known_.get(t, [&] { return rewrite_node(t); });
   }
 
  private:
+  term_ptr rewrite_node(term_ptr t) {
+    const term_ptr result = map_operands(t, [this](term_ptr part) { return rewrite(part); });
+    const auto view = composed_term_split(result);
+    const bool exponent = view && view->oper == Power && view->t2 != nullptr && is_constant(view->t1, E);
+    return exponent ? exponential(view->t2, false) : result;
+  }
+
   // e^exponent, or e^(-exponent), as a product over the addends of the exponent.
   term_ptr exponential(term_ptr exponent, bool negative) const {
     const auto view = composed_term_split(exponent);
@@ -161,7 +151,7 @@ class log_exponent_rewriter {
   }
 
   const positive_terms& positive_;
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
 };
 
 // ---- Roots as powers with fractional exponents, for which calculation knows laws.
@@ -172,14 +162,8 @@ class root_rewriter {
     if (t->type() != Apply || t->has_meta()) {
       return t;
     }
-    const auto known = known_.find(t);
-    if (known != known_.end()) {
-      return known->second;
-    }
-    term_ptr result = map_operands(t, [this](term_ptr part) { return rewrite(part); });
-    result = root_as_power(result);
-    known_.emplace(t, result);
-    return result;
+    const auto rewrite_part = [this](term_ptr part) { return rewrite(part); };
+    return known_.get(t, [&] { return root_as_power(map_operands(t, rewrite_part)); });
   }
 
  private:
@@ -200,7 +184,7 @@ class root_rewriter {
     return make_binOp_term(Power, radicand, exponent);
   }
 
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
 };
 
 // ---- The rules.
@@ -241,19 +225,18 @@ bool expr_equiv_rule_syntax(const expr_equiv_question& q) { return expr_equiv_sa
 
 // Built of variables, constants and operators alone. A term that binds variables or carries a scope is not calculated
 // with.
-bool expr_equiv_poly_safe_term(term_ptr t, std::unordered_set<term_ptr>& met) {
+bool expr_equiv_poly_safe_term(term_ptr t, node_set& met) {
   if (t->has_meta()) {
     return false;
   }
   if (t->type() != Apply) {
     return t->type() == Var || t->type() == Const || t->type() == Oper;
   }
-  return !met.insert(t).second ||
-         (expr_equiv_poly_safe_term(t->left(), met) && expr_equiv_poly_safe_term(t->right(), met));
+  return !met.insert(t) || (expr_equiv_poly_safe_term(t->left(), met) && expr_equiv_poly_safe_term(t->right(), met));
 }
 
 bool expr_equiv_rule_poly_rat(const expr_equiv_question& q) {
-  std::unordered_set<term_ptr> met;
+  node_set met;
   return expr_equiv_poly_safe_term(q.left, met) && expr_equiv_poly_safe_term(q.right, met) &&
          poly_rat_eqb(q.left, q.right);
 }

@@ -1,30 +1,10 @@
-// What the written form of an opaque term keeps.
+// Which parts a reader takes as a whole, and where an expression may lack a value.
 #include "qv_solver_list/algebra/expression_reader.h"
+
+#include "term/node_memo.h"
 
 namespace vetro {
 namespace {
-
-bool is_proposition(term_ptr t) {
-  while (t->type() == Apply) {
-    t = t->left();
-  }
-  return t->type() == Pred || t->type() == Connect || t->type() == Quant;
-}
-
-term_ptr strip(term_ptr t, std::unordered_map<term_ptr, term_ptr>& done) {
-  if (!t->has(fact_meta)) {
-    return t;
-  }
-  const auto known = done.find(t);
-  if (known != done.end()) {
-    return known->second;
-  }
-  const unsigned scope = is_proposition(t) ? walk_scope : 0U;
-  term_ptr plain = map_children(t, walk_children | keep_binders | always_rebuild | scope,
-                                [&](term_ptr part) { return strip(part, done); });
-  done.emplace(t, plain);
-  return plain;
-}
 
 constexpr total_operator total_rows[] = {
     {Plus, "{ x | x + y - y > 0 } = { x | x > 0 }"},
@@ -54,7 +34,7 @@ bool holds_differential(term_ptr t) { return any_subterm(t, walk_children, is_di
 // A differential, or a product or power with one in it.
 bool is_product_with_differential(term_ptr t) {
   term_list open{t};
-  std::unordered_set<term_ptr> opened;
+  node_set opened;
   while (!open.empty()) {
     term_ptr part = open.back();
     open.pop_back();
@@ -62,7 +42,7 @@ bool is_product_with_differential(term_ptr t) {
       return true;
     }
     const auto view = composed_term_split(part);
-    if (!view || view->t2 == nullptr || (view->oper != Mult && view->oper != Power) || !opened.insert(part).second) {
+    if (!view || view->t2 == nullptr || (view->oper != Mult && view->oper != Power) || !opened.insert(part)) {
       continue;
     }
     open.push_back(view->t1);
@@ -95,12 +75,7 @@ bool is_plain_proposition(term_ptr t) {
   return head->type() == Pred || head->type() == Connect;
 }
 
-bool is_conditional_proposition(term_ptr t) { return t->scope() != nullptr && is_proposition(t); }
-
-term_ptr written_form(term_ptr t) {
-  std::unordered_map<term_ptr, term_ptr> done;
-  return strip(t, done);
-}
+bool is_conditional_proposition(term_ptr t) { return t->scope() != nullptr && is_proposition_by_head(t); }
 
 bool is_dotted_list(term_ptr t) {
   if (!t->has(fact_ellipsis)) {
@@ -160,11 +135,11 @@ partiality partiality_of(term_ptr t) {
 
 bool may_lack_value(term_ptr t) {
   term_list open{t};
-  std::unordered_set<term_ptr> opened;
+  node_set opened;
   while (!open.empty()) {
     term_ptr part = open.back();
     open.pop_back();
-    if (part == nullptr || part->children().empty() || !opened.insert(part).second) {
+    if (part == nullptr || part->children().empty() || !opened.insert(part)) {
       continue;
     }
     if (part->type() != Apply) {

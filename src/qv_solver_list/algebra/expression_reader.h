@@ -34,7 +34,6 @@
 #include <span>
 #include <string_view>
 #include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "number/exact.h"
@@ -45,6 +44,7 @@
 #include "term/traverse.h"
 #include "term/variables/binding.h"
 #include "term/whole_parts.h"
+#include "term/written.h"
 
 namespace vetro {
 
@@ -74,10 +74,6 @@ struct signed_value {
   Value value;
   bool negative;
 };
-
-// The term without what a comparison of written forms ignores: soft types, and side conditions of what is no
-// proposition. Binders stay: { x + y | x > y } ranges over x alone where y is bound outside.
-term_ptr written_form(term_ptr t);
 
 // A proposition with a side condition; and a relation or connective with its arguments, without one.
 bool is_conditional_proposition(term_ptr t);
@@ -167,7 +163,7 @@ class expression_reader {
 
   value with_partial_parts(term_ptr t) {
     std::vector<value> parts;
-    std::unordered_set<term_ptr> visited;
+    node_set visited;
     collect_partial_parts(t, parts, visited);
     const value own = read(t);
     if (parts.empty()) {
@@ -181,12 +177,12 @@ class expression_reader {
   }
 
   // Of the expression and of its operands; what is bound inside a part stays in that part, as it is written.
-  void collect_partial_parts(term_ptr t, std::vector<value>& parts, std::unordered_set<term_ptr>& visited) {
-    if (!is_apply(t) || !visited.insert(t).second) {
+  void collect_partial_parts(term_ptr t, std::vector<value>& parts, node_set& visited) {
+    if (!is_apply(t) || !visited.insert(t)) {
       return;
     }
     if (binding(t).touches_names() && may_lack_value(t)) {
-      parts.push_back(domain_.opaque(written_form(t)));
+      parts.push_back(domain_.opaque(as_written(t)));
       return;
     }
     switch (partiality_of(t)) {
@@ -216,7 +212,7 @@ class expression_reader {
 
   value read_new(term_ptr t) {
     if (is_conditional_proposition(t) || is_dotted_list(t)) {
-      return domain_.opaque(written_form(t));
+      return domain_.opaque(as_written(t));
     }
     switch (t->type()) {
       case Const:
@@ -234,7 +230,7 @@ class expression_reader {
       case Apply:
         return read_apply(t);
       default:
-        return domain_.opaque(written_form(t));
+        return domain_.opaque(as_written(t));
     }
   }
 
@@ -280,7 +276,7 @@ class expression_reader {
 
   value read_application(term_ptr t) {
     if (depends_on_writing(t)) {
-      return domain_.opaque(written_form(t));
+      return domain_.opaque(as_written(t));
     }
     const bool special = is_special(t);
     const value application =
@@ -303,7 +299,7 @@ class expression_reader {
               [](term_ptr a, term_ptr b) { return a->bare()->hash() < b->bare()->hash(); });
     std::vector<value> values{application};
     for (term_ptr variable : binders) {
-      values.push_back(domain_.opaque(written_form(variable)));
+      values.push_back(domain_.opaque(as_written(variable)));
     }
     return domain_.compound(compound_kind::binding, values, special);
   }
@@ -345,12 +341,12 @@ class expression_reader {
     addends out;
     std::vector<value> several;
     std::vector<signed_value<term_ptr>> open{{t, false}};
-    std::unordered_set<term_ptr> opened;
+    node_set opened;
     while (!open.empty()) {
       const auto [part, negative] = open.back();
       open.pop_back();
       const auto view = arithmetic_view_of_sum(part);
-      if (!view || (part != t && (domain_.recall(part) != nullptr || !opened.insert(part).second))) {
+      if (!view || (part != t && (domain_.recall(part) != nullptr || !opened.insert(part)))) {
         const signed_value<value> addend{read(part), negative};
         if (is_several(part)) {
           several.push_back(domain_.sum({&addend, 1}));
@@ -384,13 +380,12 @@ class expression_reader {
     std::vector<value> out;
     std::vector<value> several;
     std::vector<term_ptr> open{t};
-    std::unordered_set<term_ptr> opened;
+    node_set opened;
     while (!open.empty()) {
       term_ptr part = open.back();
       open.pop_back();
       const auto view = is_apply(part) ? arithmetic_view(part) : std::nullopt;
-      if (!view || view->oper != Mult ||
-          (part != t && (domain_.recall(part) != nullptr || !opened.insert(part).second))) {
+      if (!view || view->oper != Mult || (part != t && (domain_.recall(part) != nullptr || !opened.insert(part)))) {
         (is_several(part) ? several : out).push_back(read(part));
       } else {
         open.push_back(view->t2);

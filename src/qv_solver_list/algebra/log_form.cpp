@@ -1,8 +1,6 @@
 // The argument of a logarithm is read as a product of powers, like a product with roots.
 #include "qv_solver_list/algebra/log_form.h"
 
-#include <unordered_map>
-
 #include "qv_solver_list/number_reading.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
@@ -22,12 +20,7 @@ class log_writer {
     if ((t->type() != Apply && t->type() != TermList) || t->has_meta()) {
       return t;
     }
-    if (const auto known = known_.find(t); known != known_.end()) {
-      return known->second;
-    }
-    const term_ptr result = write_node(t);
-    known_.emplace(t, result);
-    return result;
+    return known_.get(t, [&] { return write_node(t); });
   }
 
  private:
@@ -111,7 +104,7 @@ class log_writer {
   }
 
   root_normalizer& normalizer_;
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
 };
 
 }  // namespace

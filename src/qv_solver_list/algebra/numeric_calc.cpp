@@ -3,7 +3,6 @@
 #include "qv_solver_list/algebra/numeric_calc.h"
 
 #include <algorithm>
-#include <unordered_map>
 
 #include "qv_solver_list/algebra/exponential_form.h"
 #include "qv_solver_list/algebra/log_form.h"
@@ -182,12 +181,7 @@ class simplification {
       const term_ptr number = t->type() == Const ? as_number(t) : nullptr;
       return number == nullptr ? t : number;
     }
-    if (const auto known = known_.find(t); known != known_.end()) {
-      return known->second;
-    }
-    const term_ptr result = !is_entered(t) || is_one_whole(t) ? t : simplify_application(t);
-    known_.emplace(t, result);
-    return result;
+    return known_.get(t, [&] { return !is_entered(t) || is_one_whole(t) ? t : simplify_application(t); });
   }
 
  private:
@@ -244,7 +238,7 @@ class simplification {
     return rebuilt->bare() == t->bare() ? t : rebuilt;
   }
 
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
 };
 
 }  // namespace

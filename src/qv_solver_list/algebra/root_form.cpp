@@ -72,25 +72,18 @@ class term_order {
 
   int compare_applications(term_ptr a, term_ptr b) {
     const bool remembers = a->size() >= worth_remembering && b->size() >= worth_remembering;
-    if (remembers) {
-      if (const auto known = known_.find({a, b}); known != known_.end()) {
-        return known->second;
-      }
+    if (const auto known = remembers ? known_.find({a, b}) : known_.end(); known != known_.end()) {
+      return known->second;
     }
     const int left = compare(a->left(), b->left());
     const int result = left != 0 ? left : compare(a->right(), b->right());
     if (remembers) {
-      known_.emplace(std::pair(a, b), result);
+      known_.emplace(node_pair{a, b}, result);
     }
     return result;
   }
 
-  struct pair_hash {
-    std::size_t operator()(const std::pair<term_ptr, term_ptr>& pair) const {
-      return static_cast<std::size_t>(pair.first->hash() * 31 + pair.second->hash());
-    }
-  };
-  std::unordered_map<std::pair<term_ptr, term_ptr>, int, pair_hash> known_;
+  std::unordered_map<node_pair, int, node_pair_hasher> known_;
 };
 
 void list_sort(term_list& list) {
@@ -636,13 +629,10 @@ class root_normalizer::worker {
   explicit worker(const solve_data* sdata) : signs_(sdata) {}
 
   term_ptr core(term_ptr t) {
-    if (const auto known = cores_.find(t); known != cores_.end()) {
-      return known->second;
-    }
-    const auto product = product_collector(signs_).collect(t);
-    const term_ptr result = product ? quotient_writer(*product).written() : t;
-    cores_.emplace(t, result);
-    return result;
+    return cores_.get(t, [&] {
+      const auto product = product_collector(signs_).collect(t);
+      return product ? quotient_writer(*product).written() : t;
+    });
   }
 
   std::optional<power_product> powers_of(term_ptr t) { return product_collector(signs_).collect(t); }
@@ -652,12 +642,7 @@ class root_normalizer::worker {
     if (t->children().empty() || !t->binders().empty() || t->scope() != nullptr) {
       return t;
     }
-    if (const auto known = power_forms_.find(t); known != power_forms_.end()) {
-      return known->second;
-    }
-    const term_ptr result = new_power_form(t);
-    power_forms_.emplace(t, result);
-    return result;
+    return power_forms_.get(t, [&] { return new_power_form(t); });
   }
 
  private:
@@ -701,8 +686,8 @@ class root_normalizer::worker {
   }
 
   sign_knowledge signs_;
-  std::unordered_map<term_ptr, term_ptr> cores_;
-  std::unordered_map<term_ptr, term_ptr> power_forms_;
+  node_memo<term_ptr> cores_;
+  node_memo<term_ptr> power_forms_;
 };
 
 root_normalizer::root_normalizer(const solve_data* sdata) : worker_(std::make_unique<worker>(sdata)) {}

@@ -12,6 +12,7 @@
 #include "qv_solver_list/algebra/rational_domain.h"
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
+#include "term/node_memo.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
 #include "term/whole_parts.h"
@@ -19,16 +20,10 @@
 namespace vetro {
 namespace {
 
-struct pair_hash {
-  std::size_t operator()(const std::pair<term_ptr, term_ptr>& pair) const {
-    return pair.first->hash() * 31 + pair.second->hash();
-  }
-};
-
 // What comparisons found out about terms. Each entry follows from the terms alone.
 struct comparison_memory {
   fingerprint_domain prints;
-  std::unordered_map<std::pair<term_ptr, term_ptr>, bool, pair_hash> answers;
+  std::unordered_map<node_pair, bool, node_pair_hasher> answers;
 };
 
 comparison_memory& memory() { return state().slots.of<comparison_memory>(); }
@@ -69,7 +64,7 @@ bool poly_rat_eqb(term_ptr a, term_ptr b) {
     return answer->second;
   }
   const bool equal = rational_forms().equal(a, b);
-  known.answers.emplace(std::pair(a, b), equal);
+  known.answers.emplace(node_pair{a, b}, equal);
   return equal;
 }
 

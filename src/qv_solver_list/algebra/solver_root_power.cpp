@@ -1,6 +1,5 @@
 // Roots as fractional powers: sqrtn(n, x) is x^(1/n). An equation that holds as written once this is done everywhere is
 // proved; one without a root is somebody else's.
-#include <unordered_map>
 
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
@@ -17,12 +16,7 @@ class root_power_walk {
     if (t->children().empty() || t->type() == Lambda) {
       return t;
     }
-    if (const auto known = known_.find(t); known != known_.end()) {
-      return known->second;
-    }
-    const term_ptr result = normalize_node(t);
-    known_.emplace(t, result);
-    return result;
+    return known_.get(t, [&] { return normalize_node(t); });
   }
   bool changed() const { return changed_; }
 
@@ -55,7 +49,7 @@ class root_power_walk {
 
   static bool describes_set(term_ptr t) { return is_apply(t->left()) && is_oper(t->left()->left(), SetDesc); }
 
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
   bool changed_ = false;
 };
 

@@ -5,7 +5,6 @@
 #include <algorithm>
 #include <array>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 
 #include "lib/interval_reading.h"
@@ -14,6 +13,7 @@
 #include "qv_solver_list/algebra/openable.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "term/compare.h"
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 #include "term/variables/binding.h"
 #include "term/variables/entries.h"
@@ -40,20 +40,19 @@ class rewrite_check {
     if (left == nullptr || right == nullptr) {
       return false;
     }
-    auto& known = equal_[static_cast<std::size_t>(asked_for_)];
-    const auto found = known.find({left, right});
-    if (found != known.end()) {
+    const node_pair asked{left, right, static_cast<std::uint64_t>(asked_for_)};
+    if (const auto found = equal_.find(asked); found != equal_.end()) {
       return found->second;
     }
     const bool answer = equal_as_wholes(left, right) || equal_by_parts(left, right);
-    known.emplace(std::pair{left, right}, answer);
+    equal_.emplace(asked, answer);
     return answer;
   }
 
   // Compares every part of t with a side of the rule, the inner ones first. A part that arithmetic has read counts as
   // one in the sum around it, so that a long sum is not read anew for each of its beginnings. Changes no answer.
   void ask_inside_out(term_ptr t, term_ptr side) {
-    if (t->children().empty() || !asked_.insert(t).second) {
+    if (t->children().empty() || !asked_.insert(t)) {
       return;
     }
     for (term_ptr child : t->children()) {
@@ -124,12 +123,6 @@ class rewrite_check {
   }
 
  private:
-  struct pair_hash {
-    std::size_t operator()(const std::pair<term_ptr, term_ptr>& pair) const {
-      return pair.first->hash() * 0x9e3779b97f4a7c15ULL ^ pair.second->hash();
-    }
-  };
-
   static bool same_quantifier(term_ptr a, term_ptr b) {
     return a->quant() == b->quant() && term_list_eqb_pure(a->vars(), b->vars());
   }
@@ -270,9 +263,9 @@ class rewrite_check {
   term_list rule_vars_;
   std::size_t hits_ = 0;
   likeness asked_for_ = likeness::value;
-  std::unordered_set<term_ptr> asked_;
+  node_set asked_;
   poly_rat_comparisons comparisons_;
-  std::array<std::unordered_map<std::pair<term_ptr, term_ptr>, bool, pair_hash>, 3> equal_;  // by likeness
+  std::unordered_map<node_pair, bool, node_pair_hasher> equal_;  // by likeness
 };
 
 // For a new form that equals the replacement only as a whole: builds the replacement and compares.

@@ -29,12 +29,7 @@ bool is_real_constant(const_type kind) { return kind == Integer || kind == Decim
 }  // namespace
 
 limit_sign eventual_behaviour::sign(term_ptr t) {
-  if (const auto known = signs_.find(t); known != signs_.end()) {
-    return known->second;
-  }
-  const limit_sign s = compute_sign(t);
-  signs_.emplace(t, s);
-  return s;
+  return signs_.get(t, [&] { return compute_sign(t); });
 }
 
 limit_sign eventual_behaviour::compute_sign(term_ptr t) {
@@ -109,12 +104,7 @@ bool eventual_behaviour::defined(term_ptr t) {
   if (t == nullptr) {
     return false;
   }
-  if (const auto known = defined_.find(t); known != defined_.end()) {
-    return known->second;
-  }
-  const bool answer = compute_defined(t);
-  defined_.emplace(t, answer);
-  return answer;
+  return defined_.get(t, [&] { return compute_defined(t); });
 }
 
 bool eventual_behaviour::compute_defined(term_ptr t) {
@@ -178,12 +168,7 @@ bool eventual_behaviour::binary_defined(oper_type oper, term_ptr left, term_ptr 
 }
 
 std::optional<exact> eventual_behaviour::growth_order(term_ptr t) {
-  if (const auto known = orders_.find(t); known != orders_.end()) {
-    return known->second;
-  }
-  const std::optional<exact> order = compute_order(t);
-  orders_.emplace(t, order);
-  return order;
+  return orders_.get(t, [&] { return compute_order(t); });
 }
 
 std::optional<exact> eventual_behaviour::compute_order(term_ptr t) {

@@ -3,10 +3,10 @@
 
 #include <cstdint>
 #include <optional>
-#include <unordered_map>
 
 #include "qv_solver_list/univariate.h"
 #include "term/ast.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -46,9 +46,9 @@ class eventual_behaviour {
   std::optional<exact> order_of_binary(oper_type oper, term_ptr left, term_ptr right);
 
   univariate_reader ratios_;
-  std::unordered_map<term_ptr, limit_sign> signs_;
-  std::unordered_map<term_ptr, bool> defined_;
-  std::unordered_map<term_ptr, std::optional<exact>> orders_;
+  node_memo<limit_sign> signs_;
+  node_memo<bool> defined_;
+  node_memo<std::optional<exact>> orders_;
 };
 
 }  // namespace vetro

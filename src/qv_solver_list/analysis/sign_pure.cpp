@@ -24,12 +24,10 @@ bool pure_signs::ask(term_ptr t, sign_question question) {
     cut_ = true;
     return false;
   }
-  const key asked{t, question};
-  if (const auto found = known_.find(asked); found != known_.end()) {
-    if (!found->second.cut || depth_ >= found->second.depth) {
-      cut_ = cut_ || found->second.cut;
-      return found->second.answer;
-    }
+  const auto asked = static_cast<std::uint64_t>(question);
+  if (const remembered* found = known_.find(t, asked); found != nullptr && (!found->cut || depth_ >= found->depth)) {
+    cut_ = cut_ || found->cut;
+    return found->answer;
   }
   const bool cut_outside = cut_;
   cut_ = false;
@@ -37,7 +35,7 @@ bool pure_signs::ask(term_ptr t, sign_question question) {
   const bool proved = answer(t, question);
   depth_ -= counts ? 1 : 0;
   cut_ = cut_ && !proved;
-  known_.insert_or_assign(asked, remembered{proved, cut_, depth_});
+  known_.keep(t, {proved, cut_, depth_}, asked);
   cut_ = cut_ || cut_outside;
   return proved;
 }

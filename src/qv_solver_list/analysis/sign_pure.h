@@ -2,11 +2,11 @@
 #pragma once
 
 #include <cstdint>
-#include <unordered_map>
 
 #include "qv_solver_list/analysis/assumed_signs.h"
 #include "qv_solver_list/analysis/sign_engine.h"
 #include "qv_solver_list/complex_values.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -27,16 +27,6 @@ class pure_signs {
     bool cut;
     int depth;
   };
-  struct key {
-    term_ptr t;
-    sign_question question;
-    bool operator==(const key&) const = default;
-  };
-  struct key_hasher {
-    std::size_t operator()(const key& k) const {
-      return static_cast<std::size_t>((k.t->hash() ^ static_cast<std::uint64_t>(k.question)) * 0x9e3779b97f4a7c15ULL);
-    }
-  };
 
   bool answer(term_ptr t, sign_question question);
   bool defined_leaf_or_form(term_ptr t);
@@ -46,7 +36,7 @@ class pure_signs {
 
   assumed_signs* assumed_;
   complex_values* complex_;
-  std::unordered_map<key, remembered, key_hasher> known_;
+  node_memo<remembered> known_;  // by question
   int depth_ = 0;
   bool cut_ = false;
 };

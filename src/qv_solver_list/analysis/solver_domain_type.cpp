@@ -1,11 +1,11 @@
 // Memberships in number sets, from what the assumptions put into such sets: facts of the parts of an expression give
 // facts of the whole. Comparisons among the assumptions are not read.
-#include <array>
-#include <unordered_map>
+#include <cstddef>
 
 #include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/solvers.h"
 #include "qv_solver_list/value_facts.h"
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 #include "term/whole_parts.h"
 
@@ -26,12 +26,8 @@ class domain_reader {
     if (depth > most_nested) {
       return {};
     }
-    if (const auto known = known_[depth].find(t); known != known_[depth].end()) {
-      return known->second;
-    }
-    const value_facts facts = both(assumption_domain_for(t), by_form(t, depth));
-    known_[depth].emplace(t, facts);
-    return facts;
+    return known_.get(
+        t, [&] { return both(assumption_domain_for(t), by_form(t, depth)); }, depth);
   }
 
   value_facts assumption_domain_for(term_ptr t) {
@@ -56,7 +52,7 @@ class domain_reader {
   }
 
   assumption_facts& assumed_;
-  std::array<std::unordered_map<term_ptr, value_facts>, most_nested + 1> known_;  // by depth
+  node_memo<value_facts> known_;  // by depth
 };
 
 }  // namespace

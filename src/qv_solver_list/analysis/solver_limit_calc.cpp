@@ -8,7 +8,6 @@
 #include <array>
 #include <iterator>
 #include <optional>
-#include <unordered_map>
 
 #include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/analysis/eventual_behaviour.h"
@@ -95,23 +94,18 @@ class limit_simplifier {
   const solve_data& sdata_;
   domain_prover domain_;
   bool changed_ = false;
-  std::unordered_map<term_ptr, term_ptr> done_;
+  node_memo<term_ptr> done_;
 };
 
 term_ptr limit_simplifier::simplify(term_ptr t) {
   if (t->type() != Apply) {
     return t;
   }
-  if (const auto known = done_.find(t); known != done_.end()) {
-    return known->second;
-  }
-  term_ptr value = evaluated(t);
-  changed_ = changed_ || value != nullptr;
-  if (value == nullptr) {
-    value = inside(t);
-  }
-  done_.emplace(t, value);
-  return value;
+  return done_.get(t, [&] {
+    const term_ptr value = evaluated(t);
+    changed_ = changed_ || value != nullptr;
+    return value == nullptr ? inside(t) : value;
+  });
 }
 
 // The value of the limit t; null where t is none or cannot be evaluated.

@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "number/limits.h"
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 #include "term/whole_parts.h"
 
@@ -23,7 +24,7 @@ class subterm_count {
   bool exceeded() const { return seen_.size() > limits::squeeze_subterms; }
 
   void add(term_ptr t) {
-    if (exceeded() || !met_.insert(t).second) {
+    if (exceeded() || !met_.insert(t)) {
       return;
     }
     seen_.insert(keys_.of(t));
@@ -37,7 +38,7 @@ class subterm_count {
 
  private:
   squeeze_keys& keys_;
-  std::unordered_set<term_ptr> met_;
+  node_set met_;
   std::unordered_set<key_id> seen_;
 };
 

@@ -53,12 +53,7 @@ key_id squeeze_keys::add_single(bool quotient) {
 }
 
 key_id squeeze_keys::of(term_ptr t) {
-  if (const auto found = known_.find(t); found != known_.end()) {
-    return found->second;
-  }
-  const key_id k = of_new(t);
-  known_.emplace(t, k);
-  return k;
+  return known_.get(t, [&] { return of_new(t); });
 }
 
 // What binds variables, or carries a scope, is compared as a whole.

@@ -10,6 +10,7 @@
 
 #include "term/ast.h"
 #include "term/compare.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -55,7 +56,7 @@ class squeeze_keys {
 
   std::vector<key> keys_;
   std::vector<key_id> part_pool_;
-  std::unordered_map<term_ptr, key_id> known_;
+  node_memo<key_id> known_;
   std::unordered_map<term_ptr, key_id, alpha_hasher, alpha_equal> opaque_;
   std::unordered_map<compound, key_id, compound_hasher> compounds_;
   std::unordered_multimap<std::uint64_t, key_id> products_;  // by hash

@@ -174,13 +174,7 @@ bool differentiator::depends(term_ptr t) {
   if (t->type() == Var && !t->has_meta()) {
     return t == var_;
   }
-  const auto known = depends_.find(t);
-  if (known != depends_.end()) {
-    return known->second;
-  }
-  const bool answer = depends_inside(t);
-  depends_.emplace(t, answer);
-  return answer;
+  return depends_.get(t, [&] { return depends_inside(t); });
 }
 
 bool differentiator::depends_inside(term_ptr t) {
@@ -219,13 +213,7 @@ term_ptr differentiator::nth(term_ptr t, std::int32_t order) {
 }
 
 term_ptr differentiator::derive(term_ptr t) {
-  const auto known = known_.find(t);
-  if (known != known_.end()) {
-    return known->second;
-  }
-  term_ptr result = depends(t) ? derive_new(t) : number(0);
-  known_.emplace(t, result);
-  return result;
+  return known_.get(t, [&] { return depends(t) ? derive_new(t) : number(0); });
 }
 
 term_ptr differentiator::derive_new(term_ptr t) {

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <unordered_map>
 #include <vector>
 
 #include "term/ast.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -45,8 +45,8 @@ class differentiator {
   term_ptr derive_function_value(const spine& value);
 
   term_ptr var_;
-  std::unordered_map<term_ptr, bool> depends_;
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<bool> depends_;
+  node_memo<term_ptr> known_;
   std::vector<branch_point> branch_points_;
   std::uint64_t work_ = 0;
 };

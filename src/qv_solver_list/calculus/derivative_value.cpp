@@ -3,8 +3,6 @@
 #include "qv_solver_list/calculus/derivative_value.h"
 
 #include <algorithm>
-#include <unordered_map>
-#include <unordered_set>
 #include <vector>
 
 #include "qv_solver_list/algebra/numeric_calc.h"
@@ -18,9 +16,9 @@ namespace vetro {
 namespace {
 
 bool different_plain_names(term_span params) {
-  std::unordered_set<term_ptr> names;
+  node_set names;
   return std::all_of(params.begin(), params.end(),
-                     [&](term_ptr p) { return is_var(p) && !p->has_meta() && names.insert(p).second; });
+                     [&](term_ptr p) { return is_var(p) && !p->has_meta() && names.insert(p); });
 }
 
 // t is 0, also by the values of sines, logarithms and the like in it.
@@ -87,8 +85,8 @@ bool ends_at(const composed_term& view) {
 }
 
 // Somewhere in t an operator ends.
-bool divides_by_zero(term_ptr t, std::unordered_set<term_ptr>& met) {
-  if (t == nullptr || t->type() != Apply || !met.insert(t).second) {
+bool divides_by_zero(term_ptr t, node_set& met) {
+  if (t == nullptr || t->type() != Apply || !met.insert(t)) {
     return false;
   }
   const auto view = composed_term_split(t);
@@ -110,18 +108,16 @@ class known_derivatives {
     if (t->type() != Apply) {
       return t;
     }
-    if (const auto known = known_.find(t); known != known_.end()) {
-      return known->second;
-    }
-    term_ptr result = map_children(t, walk_apply | keep_meta, [this](term_ptr part) { return reduce(part); });
-    if (term_ptr value = value_of(result)) {
-      result = value;
-    }
-    known_.emplace(t, result);
-    return result;
+    return known_.get(t, [&] { return reduce_node(t); });
   }
 
  private:
+  term_ptr reduce_node(term_ptr t) {
+    const term_ptr result = map_children(t, walk_apply | keep_meta, [this](term_ptr part) { return reduce(part); });
+    const term_ptr value = value_of(result);
+    return value == nullptr ? result : value;
+  }
+
   term_ptr value_of(term_ptr t) {
     function_derivative d;
     if (t->has_meta() || !as_function_derivative(spine_of(t), d) || d.function->type() != Lambda ||
@@ -133,7 +129,7 @@ class known_derivatives {
   }
 
   domain_prover& facts_;
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
 };
 
 }  // namespace
@@ -143,7 +139,7 @@ term_ptr derivative_value(term_ptr body, term_span params, std::span<const deriv
   if (params.size() != point.size() || !different_plain_names(params)) {
     return nullptr;
   }
-  std::unordered_set<term_ptr> met;
+  node_set met;
   const auto at_point = [&](term_ptr t) { return solver_func_substitute_args(t, params, point); };
   if (divides_by_zero(at_point(body), met)) {
     return nullptr;

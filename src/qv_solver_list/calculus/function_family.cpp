@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -190,7 +189,7 @@ class family_reader {
   }
 
   bool define(term_ptr f, const definition& d) {
-    return constants_.count(f) == 0 && uses_agree(f) && functions_.emplace(f, d).second;
+    return !constants_.contains(f) && uses_agree(f) && functions_.emplace(f, d).second;
   }
 
   // The member or helper f of FunDeri(f, 1, 1, x).
@@ -243,13 +242,10 @@ class family_reader {
     if (!may_hold_bound(t)) {
       return t;
     }
-    if (const auto known = unfolded_.find(t); known != unfolded_.end()) {
-      return known->second;
-    }
-    unfolded_.emplace(t, nullptr);  // the answer while it is being unfolded: a circle has none
-    term_ptr result = unfold_new(t);
-    unfolded_[t] = result;
-    return result;
+    return unfolded_.get(t, [&] {
+      unfolded_.keep(t, nullptr);  // the answer while it is being unfolded: a circle has none
+      return unfold_new(t);
+    });
   }
 
   bool may_hold_bound(term_ptr t) const {
@@ -258,7 +254,7 @@ class family_reader {
   }
 
   term_ptr unfold_new(term_ptr t) {
-    if (constants_.count(t) != 0) {
+    if (constants_.contains(t)) {
       return stand_in(nullptr, false);
     }
     if (term_ptr f = called_function(t)) {
@@ -377,10 +373,10 @@ class family_reader {
   bool saw_forall_ = false;
   term_list antecedent_;
   term_list memberships_;
-  std::unordered_set<term_ptr> constants_;
+  node_set constants_;
   std::unordered_map<term_ptr, bool> subscripted_;
   std::unordered_map<term_ptr, definition> functions_;
-  std::unordered_map<term_ptr, term_ptr> unfolded_;
+  node_memo<term_ptr> unfolded_;
   std::vector<source> sources_;
 };
 

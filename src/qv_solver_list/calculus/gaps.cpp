@@ -2,7 +2,6 @@
 #include "qv_solver_list/calculus/gaps.h"
 
 #include <algorithm>
-#include <unordered_set>
 #include <utility>
 
 #include "qv_solver_list/algebra/numeric_calc.h"
@@ -10,6 +9,7 @@
 #include "qv_solver_list/algebra/zero_set.h"
 #include "qv_solver_list/calculus/natural_domains.h"
 #include "term/build.h"
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
@@ -27,7 +27,7 @@ class gap_finder {
   explicit gap_finder(const variable_facts& facts) : facts_(facts) {}
 
   void visit(term_ptr t) {
-    if (!facts_.moves(t) || !visited_.insert(t).second) {
+    if (!facts_.moves(t) || !visited_.insert(t)) {
       return;
     }
     if (const auto view = composed_term_split(t)) {
@@ -108,14 +108,14 @@ class gap_finder {
   }
 
   const variable_facts& facts_;
-  std::unordered_set<term_ptr> visited_;
+  node_set visited_;
 };
 
 // ---- Comparing them.
 
 // Adds the terms in t under even roots, written as roots or as powers with an even denominator.
-void add_even_radicands(term_ptr t, const variable_facts& facts, std::unordered_set<term_ptr>& met, term_list& out) {
-  if (!facts.moves(t) || !met.insert(t).second) {
+void add_even_radicands(term_ptr t, const variable_facts& facts, node_set& met, term_list& out) {
+  if (!facts.moves(t) || !met.insert(t)) {
     return;
   }
   if (const auto view = composed_term_split(t)) {
@@ -151,7 +151,7 @@ class gap_comparison {
         known_powers_.push_back(g);
       }
     }
-    std::unordered_set<term_ptr> met;
+    node_set met;
     add_even_radicands(integrand, facts, met, radicands_);
   }
 
@@ -237,9 +237,9 @@ bool breaks_off_with(term_ptr formula, term_ptr integrand, variable_facts& facts
 }
 
 bool logarithms_are_defined(term_ptr formula, variable_facts& facts) {
-  std::unordered_set<term_ptr> met;
+  node_set met;
   const auto visit = [&](auto&& self, term_ptr t) -> bool {
-    if (!facts.moves(t) || !met.insert(t).second) {
+    if (!facts.moves(t) || !met.insert(t)) {
       return true;
     }
     const auto view = composed_term_split(t);

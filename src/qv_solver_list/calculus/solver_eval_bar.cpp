@@ -1,13 +1,13 @@
 // Equations with an evaluation bar: F|_{a}^{b} is F at b less F at a, for a function F that has a value at both ends.
 // What lies between the ends is not looked at.
 #include <algorithm>
-#include <unordered_set>
 
 #include "qv_solver_list/equality_tests.h"
 #include "qv_solver_list/functions/apply_normalize.h"
 #include "qv_solver_list/functions/definedness.h"
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 #include "term/whole_parts.h"
 
@@ -23,7 +23,7 @@ class operator_search {
     if (t == nullptr || t->type() == Oper) {
       return t != nullptr && t->oper() == oper_;
     }
-    if ((t->children().empty() && !t->has_meta()) || !searched_.insert(t).second) {
+    if ((t->children().empty() && !t->has_meta()) || !searched_.insert(t)) {
       return false;
     }
     return in_any(t->children()) || in_any(t->binders()) || in(t->scope());
@@ -35,7 +35,7 @@ class operator_search {
   }
 
   oper_type oper_;
-  std::unordered_set<term_ptr> searched_;
+  node_set searched_;
 };
 
 bool holds_operator(oper_type oper, term_ptr t) { return operator_search(oper).in(t); }

@@ -175,19 +175,6 @@ class function_evaluator::walk {
   term_ptr run(term_ptr t, int fuel) { return normal(t, fuel, views_.all()); }
 
  private:
-  struct key {
-    term_ptr t;
-    int fuel;
-    std::uint32_t view;
-    bool operator==(const key&) const = default;
-  };
-  struct key_hash {
-    std::size_t operator()(const key& k) const {
-      const std::uint64_t place = static_cast<std::uint64_t>(k.view) << 8U | static_cast<std::uint64_t>(k.fuel);
-      return static_cast<std::size_t>((k.t->hash() ^ place) * 0x9e3779b97f4a7c15ULL);
-    }
-  };
-
   // Null ends the whole evaluation.
   term_ptr normal(term_ptr t, int fuel, visible_assumptions& view) {
     if (spent_) {
@@ -196,21 +183,21 @@ class function_evaluator::walk {
     if (fuel < 1 ? !t->has(fact_lambda) : leaves_alone(t, view)) {
       return t;
     }
-    const key place{t, std::max(fuel, 0), view.id};
-    const auto [slot, added] = known_.try_emplace(place, nullptr);
-    if (!added) {
+    fuel = std::max(fuel, 0);
+    const std::uint64_t place = static_cast<std::uint64_t>(view.id) << 32U | static_cast<std::uint32_t>(fuel);
+    if (const term_ptr* known = known_.find(t, place); known != nullptr) {
       // A term that is met again while it is worked on reduces to itself: it has no value.
-      return slot->second != nullptr ? slot->second : fail();
+      return *known != nullptr ? *known : fail();
     }
+    known_.keep(t, nullptr, place);
     if (++steps_ > limits::func_apply_steps) {
       return fail();
     }
-    const term_ptr result = normal_node(t, place.fuel, view);
+    const term_ptr result = normal_node(t, fuel, view);
     if (result == nullptr) {
       return fail();
     }
-    known_[place] = result;
-    return result;
+    return known_.keep(t, result, place);
   }
 
   term_ptr fail() {
@@ -227,19 +214,12 @@ class function_evaluator::walk {
     if (t->children().empty()) {
       return is_oper(t, PiecewiseFunc);
     }
-    const bool remembers = t->size() >= worth_remembering;
-    if (remembers) {
-      if (const auto known = holds_cases_.find(t); known != holds_cases_.end()) {
-        return known->second;
-      }
-    }
-    const term_span parts = t->children();
-    const bool found =
-        std::any_of(parts.begin(), parts.end(), [this](term_ptr part) { return part != nullptr && holds_cases(part); });
-    if (remembers) {
-      holds_cases_.emplace(t, found);
-    }
-    return found;
+    const auto in_parts = [&] {
+      const term_span parts = t->children();
+      return std::any_of(parts.begin(), parts.end(),
+                         [this](term_ptr part) { return part != nullptr && holds_cases(part); });
+    };
+    return t->size() >= worth_remembering ? holds_cases_.get(t, in_parts) : in_parts();
   }
 
   term_ptr normal_node(term_ptr t, int fuel, visible_assumptions& view) {
@@ -361,8 +341,8 @@ class function_evaluator::walk {
   }
 
   assumption_views views_;
-  std::unordered_map<key, term_ptr, key_hash> known_;
-  std::unordered_map<term_ptr, bool> holds_cases_;
+  node_memo<term_ptr> known_;  // by view and fuel
+  node_memo<bool> holds_cases_;
   std::uint64_t steps_ = 0;
   bool spent_ = false;
 };

@@ -3,11 +3,11 @@
 #include "qv_solver_list/functions/definedness.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 #include "number/limits.h"
 #include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/functions/conditions.h"
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
@@ -19,8 +19,8 @@ std::optional<std::int64_t> exact_integer(term_ptr t) {
 }
 
 // Nodes that were searched hold none.
-bool holds_infinity(term_ptr t, std::unordered_set<term_ptr>& searched) {
-  if (t == nullptr || (t->type() != Const && !searched.insert(t).second)) {
+bool holds_infinity(term_ptr t, node_set& searched) {
+  if (t == nullptr || (t->type() != Const && !searched.insert(t))) {
     return false;
   }
   if (t->type() == Const && is_infinity(t->constant())) {
@@ -35,7 +35,7 @@ bool holds_infinity(term_ptr t, std::unordered_set<term_ptr>& searched) {
 }  // namespace
 
 bool solver_expr_domain_is_finite_term(term_ptr t) {
-  std::unordered_set<term_ptr> searched;
+  node_set searched;
   return t != nullptr && !holds_infinity(t, searched);
 }
 
@@ -46,11 +46,10 @@ bool domain_prover::defined(term_ptr expr) {
   if (expr == nullptr) {
     return false;
   }
-  if (const auto known = defined_.find(expr); known != defined_.end()) {
-    return known->second;
-  }
-  defined_.emplace(expr, false);  // what needs itself is not defined
-  return defined_[expr] = read_defined(expr);
+  return defined_.get(expr, [&] {
+    defined_.keep(expr, false);  // what needs itself is not defined
+    return read_defined(expr);
+  });
 }
 
 bool domain_prover::read_defined(term_ptr t) {
@@ -167,13 +166,10 @@ bool domain_prover::nonzero(term_ptr expr) {
   if (expr == nullptr) {
     return false;
   }
-  if (const auto known = nonzero_.find(expr); known != nonzero_.end()) {
-    return known->second;
-  }
-  const bool answer = read_nonzero(solver_numeric_calc_simplify(expr)) || relation_to(Neq, expr, 0) ||
-                      relation_to(Gt, expr, 0) || relation_to(Lt, expr, 0);
-  nonzero_.emplace(expr, answer);
-  return answer;
+  return nonzero_.get(expr, [&] {
+    return read_nonzero(solver_numeric_calc_simplify(expr)) || relation_to(Neq, expr, 0) || relation_to(Gt, expr, 0) ||
+           relation_to(Lt, expr, 0);
+  });
 }
 
 // By the parts: a product is not zero when no factor is.

@@ -2,9 +2,8 @@
 // proves.
 #pragma once
 
-#include <unordered_map>
-
 #include "qv_solver_list/premises.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -52,8 +51,8 @@ class domain_prover {
   prover premises_;
   domain_policy policy_;
   std::size_t unfoldings_ = 0;
-  std::unordered_map<term_ptr, bool> defined_;
-  std::unordered_map<term_ptr, bool> nonzero_;
+  node_memo<bool> defined_;
+  node_memo<bool> nonzero_;
 };
 
 // The one question.

@@ -3,9 +3,9 @@
 #include "qv_solver_list/functions/definitions.h"
 
 #include <algorithm>
-#include <unordered_set>
 
 #include "qv_solver_list/functions/conditions.h"
+#include "term/node_memo.h"
 #include "term/reserved.h"
 #include "term/substitute.h"
 #include "term/term_split_combine.h"
@@ -60,7 +60,7 @@ class guarded_places {
   }
 
   bool in(term_ptr t) {
-    if ((t->name_mask() & mask_) == 0 || t->children().empty() || !searched_.insert(t).second) {
+    if ((t->name_mask() & mask_) == 0 || t->children().empty() || !searched_.insert(t)) {
       return false;
     }
     if (t->type() == Apply) {
@@ -91,7 +91,7 @@ class guarded_places {
 
   std::size_t count_;
   std::uint64_t mask_ = 0;
-  std::unordered_set<term_ptr> searched_;
+  node_set searched_;
 };
 
 // A name, or a name with a number for its subscript.

@@ -2,8 +2,8 @@
 #include "qv_solver_list/logic/negation.h"
 
 #include <array>
-#include <unordered_map>
 
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
@@ -12,13 +12,7 @@ namespace {
 class unfolder {
  public:
   term_ptr run(term_ptr t) {
-    const auto found = done_.find(t);
-    if (found != done_.end()) {
-      return found->second;
-    }
-    term_ptr unfolded = t->scope() != nullptr ? t : unfold(t);
-    done_.emplace(t, unfolded);
-    return unfolded;
+    return done_.get(t, [&] { return t->scope() != nullptr ? t : unfold(t); });
   }
 
   // The negation of t, pushed inward.
@@ -28,7 +22,7 @@ class unfolder {
   term_ptr unfold(term_ptr t);
   term_ptr unfold_negated(term_ptr x);
 
-  std::unordered_map<term_ptr, term_ptr> done_;
+  node_memo<term_ptr> done_;
 };
 
 // ---- Laws about the negation of x; null where x has another shape.

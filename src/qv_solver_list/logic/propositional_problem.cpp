@@ -4,25 +4,8 @@
 #include "number/limits.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "term/term_split_combine.h"
-#include "term/traverse.h"
 
 namespace vetro {
-
-term_ptr writing::of(term_ptr t) {
-  if (!t->has(fact_meta)) {
-    return t;
-  }
-  if (!t->has(fact_scope)) {
-    return t->bare();
-  }
-  if (const auto found = known_.find(t); found != known_.end()) {
-    return found->second;
-  }
-  term_ptr written =
-      map_children(t, walk_children | walk_scope | always_rebuild, [this](term_ptr part) { return of(part); });
-  known_.emplace(t, written);
-  return written;
-}
 
 namespace {
 

@@ -2,43 +2,11 @@
 #pragma once
 
 #include <optional>
-#include <unordered_map>
 
 #include "qv_solver_list/set/cnf.h"
-#include "term/compare.h"
+#include "term/term_numbers.h"
 
 namespace vetro {
-
-// Terms as they are written: without what is recorded about implicit binders. Scopes are written, so that only terms
-// with scopes have to be walked; their nodes may be shared, and each is walked once.
-class writing {
- public:
-  term_ptr of(term_ptr t);
-
- private:
-  std::unordered_map<term_ptr, term_ptr> known_;
-};
-
-// Numbers the atoms of one question, from 1 in order of first occurrence. Two terms are one atom when they are equal up
-// to bound names, scopes included. Terms that merely print alike are different atoms.
-class atom_table {
- public:
-  int id(term_ptr atom) {
-    int& number = atom->has(fact_binding) ? by_meaning_[atom] : by_text_[writing_.of(atom)];
-    number = number == 0 ? ++count_ : number;
-    return number;
-  }
-  bool contains(term_ptr atom) {
-    return atom->has(fact_binding) ? by_meaning_.count(atom) != 0 : by_text_.count(writing_.of(atom)) != 0;
-  }
-  int count() const { return count_; }
-
- private:
-  int count_ = 0;
-  writing writing_;
-  std::unordered_map<term_ptr, int> by_text_;                                // of atoms that bind nothing
-  std::unordered_map<term_ptr, int, alpha_hasher, alpha_equal> by_meaning_;  // of the others
-};
 
 // Every step gives the position of its node, or nothing when a term is missing or the formula has grown beyond its
 // limit.
@@ -68,11 +36,11 @@ class propositional_problem {
  protected:
   // What a term without connective stands for: an atom of its own.
   virtual position translate_atom(term_ptr t) { return own_atom(t); }
-  position own_atom(term_ptr t) { return formula_.atom(atoms_.id(t)); }
+  position own_atom(term_ptr t) { return formula_.atom(atoms_.of(t) + 1); }
 
  private:
   sat_formula formula_;
-  atom_table atoms_;
+  term_numbers atoms_;  // from 0 on; those of the formula from 1
 };
 
 }  // namespace vetro

@@ -15,6 +15,7 @@
 #include "number/limits.h"
 #include "qv_solver_list/logic/propositional_problem.h"
 #include "qv_solver_list/solver_preprocess.h"
+#include "term/node_memo.h"
 #include "term/reserved.h"
 #include "term/term_split_combine.h"
 #include "term/whole_parts.h"
@@ -72,7 +73,7 @@ std::optional<prop> relation(term_ptr t) {
 // Calls visit(atom) for each part of t that is no connective.
 template <class Visit>
 void for_each_atom(term_ptr t, Visit visit) {
-  std::unordered_set<term_ptr> opened;
+  node_set opened;
   term_list open{t};
   while (!open.empty()) {
     term_ptr part = open.back();
@@ -80,7 +81,7 @@ void for_each_atom(term_ptr t, Visit visit) {
     const auto view = composed_prop_split(part);
     if (!view) {
       visit(part);
-    } else if (opened.insert(part).second) {
+    } else if (opened.insert(part)) {
       open.push_back(view->t1);
       if (view->t2 != nullptr) {
         open.push_back(view->t2);

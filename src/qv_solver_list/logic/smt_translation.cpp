@@ -251,17 +251,6 @@ term_ptr without_outer_negations(term_ptr t, bool& negative) {
 
 }  // namespace
 
-std::int32_t term_numbers::of(term_ptr t) {
-  const auto [slot, added] = by_node_.try_emplace(t, count_);
-  if (added) {
-    if (t->has(fact_meta) || t->has(fact_binding)) {
-      slot->second = by_meaning_.try_emplace(t, count_).first->second;
-    }
-    count_ += slot->second == count_ ? 1 : 0;
-  }
-  return slot->second;
-}
-
 std::vector<smt_prop> smt_translation::constraints() {
   const smt_term zero = language_.const_num(0);
   std::vector<smt_prop> all;
@@ -296,10 +285,11 @@ smt_prop smt_translation::proposition(term_ptr t, bool may_weaken) {
   if (is_term_or_prop(t) != reading::proposition) {
     return refuse(t);
   }
-  auto& known = known_props_[may_weaken ? 1 : 0];
-  if (const auto found = known.find(t); found != known.end()) {
-    return found->second;
-  }
+  return known_props_.get(
+      t, [&] { return new_proposition(t, may_weaken); }, may_weaken ? 1 : 0);
+}
+
+smt_prop smt_translation::new_proposition(term_ptr t, bool may_weaken) {
   const term_list links = t->has_meta() ? term_list{t} : long_order_split(t);
   smt_prop all = smt_none;
   bool complete = true;
@@ -308,7 +298,7 @@ smt_prop smt_translation::proposition(term_ptr t, bool may_weaken) {
     complete = complete && p != smt_none;
     all = p == smt_none ? all : all == smt_none ? p : language_.connective(SMTPROP_AND, all, p);
   }
-  return known[t] = complete || may_weaken ? all : smt_none;
+  return complete || may_weaken ? all : smt_none;
 }
 
 smt_prop smt_translation::link(term_ptr t, bool may_weaken) {
@@ -392,13 +382,8 @@ bool smt_translation::is_real(term_ptr t) {
 // ---- Terms.
 
 smt_translation::translated smt_translation::term(term_ptr t, mode m) {
-  auto& known = known_[static_cast<std::size_t>(m)];
-  if (const auto found = known.find(t); found != known.end()) {
-    return found->second;
-  }
-  const translated result = new_term(t, m);
-  known.emplace(t, result);
-  return result;
+  return known_.get(
+      t, [&] { return new_term(t, m); }, static_cast<std::uint64_t>(m));
 }
 
 smt_translation::translated smt_translation::new_term(term_ptr t, mode m) {

@@ -12,21 +12,11 @@
 #include "qv_solver_list/logic/smt_values.h"
 #include "smt_solver/src/smt_lang.h"
 #include "term/ast.h"
-#include "term/compare.h"
+#include "term/node_memo.h"
+#include "term/term_numbers.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
-
-// Numbers terms, equal ones up to bound names alike.
-class term_numbers {
- public:
-  std::int32_t of(term_ptr t);
-
- private:
-  std::unordered_map<term_ptr, std::int32_t> by_node_;
-  std::unordered_map<term_ptr, std::int32_t, alpha_hasher, alpha_equal> by_meaning_;
-  std::int32_t count_ = 0;
-};
 
 class smt_translation {
  public:
@@ -53,6 +43,7 @@ class smt_translation {
   };
 
   smt_prop proposition(term_ptr t, bool may_weaken);
+  smt_prop new_proposition(term_ptr t, bool may_weaken);
   smt_prop link(term_ptr t, bool may_weaken);
   smt_prop connection(connect_type connect, term_span args, bool may_weaken);
   smt_prop relation(term_ptr t, term_ptr head, term_span args);
@@ -81,8 +72,8 @@ class smt_translation {
   std::unordered_map<std::int32_t, std::size_t> absolute_of_;  // by number of the inner term
   std::vector<abstraction> abstractions_;
   std::int32_t next_abs_id_ = 0;
-  std::unordered_map<term_ptr, translated> known_[2];      // by mode
-  std::unordered_map<term_ptr, smt_prop> known_props_[2];  // strict, weakening
+  node_memo<translated> known_;      // by mode
+  node_memo<smt_prop> known_props_;  // strict, weakening
 };
 
 }  // namespace vetro

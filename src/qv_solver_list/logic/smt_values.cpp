@@ -155,7 +155,7 @@ void value_kinds::visit(term_ptr t) {
     complex_set_is_named_ = true;
     settled_ = false;
   }
-  if ((t->children().empty() && !t->has_meta()) || !seen_.insert(t).second) {
+  if ((t->children().empty() && !t->has_meta()) || !seen_.insert(t)) {
     return;
   }
   term_ptr head = t;
@@ -212,7 +212,7 @@ void value_kinds::visit_application(term_ptr head, term_ptr t) {
 // one of reals by its form.
 void value_kinds::add_membership(term_ptr elements, term_ptr set) {
   if (is_constant(set, ComplexSet)) {
-    std::unordered_set<term_ptr> seen;
+    node_set seen;
     put_into_complex(elements, seen);
   } else if (!is_set_of_reals(set)) {
     memberships_.push_back(elements);
@@ -221,8 +221,8 @@ void value_kinds::add_membership(term_ptr elements, term_ptr set) {
 }
 
 // The whole, and each name in a list or an enumeration of elements.
-void value_kinds::put_into_complex(term_ptr elements, std::unordered_set<term_ptr>& seen) {
-  if (!seen.insert(elements).second) {
+void value_kinds::put_into_complex(term_ptr elements, node_set& seen) {
+  if (!seen.insert(elements)) {
     return;
   }
   if (seen.size() == 1 || elements->type() == Var) {
@@ -250,7 +250,7 @@ void value_kinds::mark(term_ptr t, value_kind kind) {
 // Equations carry the greater kind from one side to the other, in both directions by turns, until nothing changes.
 void value_kinds::settle() {
   if (complex_set_is_named_) {
-    std::unordered_set<term_ptr> seen;
+    node_set seen;
     for (term_ptr elements : std::exchange(memberships_, {})) {
       seen.clear();
       put_into_complex(elements, seen);
@@ -286,12 +286,7 @@ value_kind value_kinds::of(term_ptr t) {
   if (t->children().empty()) {
     return std::max(by_use, by_form(t));
   }
-  if (const auto known = known_.find(t); known != known_.end()) {
-    return known->second;
-  }
-  const value_kind kind = std::max(by_use, by_form(t));
-  known_.emplace(t, kind);
-  return kind;
+  return known_.get(t, [&] { return std::max(by_use, by_form(t)); });
 }
 
 value_kind value_kinds::by_form(term_ptr t) {

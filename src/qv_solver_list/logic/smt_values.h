@@ -8,11 +8,11 @@
 
 #include <cstdint>
 #include <unordered_map>
-#include <unordered_set>
 #include <utility>
 #include <vector>
 
 #include "term/ast.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -34,13 +34,13 @@ class value_kinds {
   void mark(term_ptr t, value_kind kind);
   void settle();
   void add_membership(term_ptr elements, term_ptr set);
-  void put_into_complex(term_ptr elements, std::unordered_set<term_ptr>& seen);
+  void put_into_complex(term_ptr elements, node_set& seen);
   value_kind by_form(term_ptr t);
   value_kind by_application(term_ptr t);
 
-  std::unordered_set<term_ptr> seen_;
+  node_set seen_;
   std::unordered_map<term_ptr, value_kind> marked_;  // bare terms
-  std::unordered_map<term_ptr, value_kind> known_;
+  node_memo<value_kind> known_;
   std::vector<std::pair<term_ptr, term_ptr>> equations_;
   term_list memberships_;              // what stands in a set that may hold complex numbers
   bool complex_set_is_named_ = false;  // the set of complex numbers stands elsewhere than to the right of ∈
