@@ -104,6 +104,8 @@ void check_internal_form(const row_cells& cells) {
   EXPECT_EQ(printed, code_span(cells[1]));
 }
 
+void check_arguments(const row_cells& cells) { check_internal_form({cells[2], cells[3]}); }
+
 void check_rejected(const row_cells& cells) {
   const reading result = read(code_span(cells[0]));
   EXPECT_EQ(result.formula, nullptr);
@@ -146,6 +148,7 @@ TEST(documents, tables_tell_the_truth) {
   match_init(read_pattern);
   install_solvers(solver_registry());
   promise promises[] = {{"| Text | Internal form |", 2, check_internal_form},
+                        {"| Operator | Arguments | Text | Internal form |", 4, check_arguments},
                         {"| Rejected text | Message |", 2, check_rejected},
                         {"| Ambiguous text | What decides |", 2, check_ambiguous},
                         {"| Solver | Assumptions | Goal | Answer |", 4, check_answer}};

@@ -27,9 +27,12 @@ struct laurent {
   }
   bool has_limit() const { return order() >= 0 && cnum_is_finite(at(0)); }
   bool constant() const {
-    laurent rest = *this;
-    rest.at(0) = {};
-    return rest.order() > highest;
+    for (int exponent = lowest; exponent <= highest; ++exponent) {
+      if (exponent != 0 && !cnum_is_zero(at(exponent))) {
+        return false;
+      }
+    }
+    return true;
   }
   // The coefficient of any exponent: above the window it is known of a plain number only.
   cnum coefficient(int exponent) const {
@@ -68,6 +71,9 @@ inline laurent operator+(const laurent& a, const laurent& b) {
 }
 
 inline laurent operator*(const laurent& a, const laurent& b) {
+  if (a.constant() && b.constant()) {
+    return laurent_of(product_of_terms(a.at(0), b.at(0)));
+  }
   if (a.order() + b.order() < laurent::lowest) {
     return laurent_unknown();
   }
@@ -84,6 +90,9 @@ inline laurent operator-(const laurent& a, const laurent& b) { return a + lauren
 
 // 0 / 0 of two series that are 0 altogether is unknown.
 inline laurent operator/(const laurent& a, const laurent& b) {
+  if (a.constant() && b.constant()) {
+    return laurent_of(cnum_div_reduced(a.at(0), b.at(0)));
+  }
   const int order = b.order();
   if (order > laurent::highest || a.order() - order < laurent::lowest) {
     return laurent_unknown();

@@ -7,7 +7,6 @@
 #include <functional>
 #include <map>
 #include <optional>
-#include <string>
 #include <variant>
 #include <vector>
 
@@ -72,7 +71,8 @@ void find_role(term_ptr t, term_ptr var, bool in_set_place, role& found) {
     for (unsigned i = 0; i < t->argument_count(); ++i) {
       const bool of_function = one_of(t->head(), {FunDeri, ContinuousFuncAt, ContinuousFuncOn, DiffableFuncAt,
                                                   DiffableFuncOn, IntegrableFuncOn, Index});
-      if (i == 0 && of_function && t->argument(0) == var) {
+      if ((i == 0 && of_function && t->argument(0) == var) ||
+          (i < 2 && t->head() == Compose && t->argument(i) == var)) {
         found = role::function;
       }
       find_role(t->argument(i), var, argument_is_set(t, i), found);
@@ -216,8 +216,8 @@ class model {
   explicit model(const world& w) : world_(w) {}
 
   truth holds(term_ptr p);
-  void bind(term_ptr var, value v) { values_[std::string(var->name())].push_back(std::move(v)); }
-  void unbind(term_ptr var) { values_[std::string(var->name())].pop_back(); }
+  void bind(term_ptr var, value v) { values_[var->bare()].push_back(std::move(v)); }
+  void unbind(term_ptr var) { values_[var->bare()].pop_back(); }
 
  private:
   value value_of(term_ptr t);
@@ -247,14 +247,14 @@ class model {
   truth same_set(const value& a, const value& b, bool subset_only);
 
   const world& world_;
-  std::map<std::string, std::vector<value>> values_;
-  int below_some_ = 0;  // existential quantifiers around
+  std::map<term_ptr, std::vector<value>> values_;  // by the variable itself
+  int below_some_ = 0;                             // existential quantifiers around
 };
 
 value model::value_of(term_ptr t) {
   switch (t->type()) {
     case Var: {
-      const auto found = values_.find(std::string(t->name()));
+      const auto found = values_.find(t->bare());
       return found == values_.end() || found->second.empty() ? value() : found->second.back();
     }
     case Const:
@@ -297,6 +297,10 @@ value model::arithmetic(term_ptr t) {
       return integral(t);
     case Power:
       return power_of(t->argument(0), t->argument(1));
+    case Compose: {
+      const value inner = applied(value_of(t->argument(1)), value_of(t->argument(t->argument_count() - 1)));
+      return t->argument_count() == 3 ? applied(value_of(t->argument(0)), inner) : value();
+    }
     default:
       break;
   }
