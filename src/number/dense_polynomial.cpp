@@ -17,6 +17,15 @@ std::optional<dense_polynomial> normalized(dense_polynomial p) {
   return known ? std::optional(std::move(p)) : std::nullopt;
 }
 
+// Words of the longest coefficient; 1 for those of 64 bits.
+std::size_t length_of_coefficients(const dense_polynomial& p) {
+  std::size_t words = 2;
+  for (const exact& c : p) {
+    words = std::max(words, c.limbs());
+  }
+  return words / 2;
+}
+
 }  // namespace
 
 dense_polynomial constant_polynomial(const exact& value) {
@@ -53,7 +62,8 @@ std::optional<dense_polynomial> product(const dense_polynomial& a, const dense_p
     return dense_polynomial{};
   }
   const std::size_t places = a.size() + b.size() - 1;
-  if (places > limits::univariate_degree + 1 || !work.charge(a.size() * b.size())) {
+  const std::size_t words = std::max(length_of_coefficients(a), length_of_coefficients(b));
+  if (places > limits::univariate_degree + 1 || !work.charge(a.size() * b.size() * words)) {
     return std::nullopt;
   }
   dense_polynomial out(places);

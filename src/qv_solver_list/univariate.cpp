@@ -1,6 +1,7 @@
 // Reading rational functions bottom-up; a function is kept as it was built, so that degrees are those of the text.
 #include "qv_solver_list/univariate.h"
 
+#include <algorithm>
 #include <cstdint>
 #include <utility>
 
@@ -103,7 +104,9 @@ std::optional<ratio> univariate_reader::binary(oper_type oper, term_ptr left, te
 std::optional<ratio> univariate_reader::power(const ratio& base, term_ptr exponent) {
   const auto value = constant_rational(exponent);
   const auto count = value ? value->to_int64() : std::nullopt;
-  if (!count || *count < 0 || *count > static_cast<std::int64_t>(limits::univariate_degree)) {
+  constexpr auto most = static_cast<std::int64_t>(limits::univariate_degree);
+  const auto places = static_cast<std::int64_t>(std::max(base.num.size(), base.den.size()));
+  if (!count || *count < 0 || *count > most || (places - 1) * *count > most) {
     return std::nullopt;
   }
   std::optional<ratio> out = constant_ratio(1);

@@ -107,14 +107,13 @@ bool variable_facts::each_factor(term_ptr t, Test test) const {
 
 bool variable_facts::keeps_sign(term_ptr t) {
   return nonpositive(t) || each_factor(t, [this](term_ptr factor) {
-           return facts_.relation(Gt, factor, zero()) || facts_.relation(Lt, factor, zero()) ||
-                  exceeds_by_root(factor) || has_no_root(factor);
+           return positive(factor) || facts_.relation(Lt, factor, zero()) || has_no_root(factor);
          });
 }
 
 bool variable_facts::has_one_sign(term_ptr t) {
   return each_factor(t, [this](term_ptr factor) {
-    return facts_.relation(Ge, factor, zero()) || nonpositive(factor) || exceeds_by_root(factor) || has_no_root(factor);
+    return positive(factor) || facts_.relation(Ge, factor, zero()) || nonpositive(factor) || has_no_root(factor);
   });
 }
 

@@ -11,8 +11,8 @@ namespace vetro {
 // its numeric parts worked out: solvers look for facts in that form, too.
 solve_data under_condition(const solve_data& sdata, term_span conjuncts);
 
-// Under one list of assumptions, which may speak of the variable. Beyond what the side solvers show, polynomials
-// without real roots keep their sign, and t + (t^2 + c)^(1/2) is positive for positive c.
+// Under one list of assumptions, which may speak of the variable. Beyond what the side solvers show, cosh is positive,
+// polynomials without real roots keep their sign, and t + (t^2 + c)^(1/2) is positive for positive c.
 class variable_facts {
  public:
   // sdata is borrowed and must outlive the record.
