@@ -1,19 +1,18 @@
-// The document holds every gap several times over, so that for a long run it is far larger than everything else. Its
-// scalar keys are one cJSON object; the elements of its arrays are built, serialised and written one after the other. A
-// text that is not UTF-8 (a path, an alias) gets U+FFFD in place of each bad byte, so that the document is valid JSON.
+// The document holds every gap several times over, so that for a long run it is far larger than everything else. It is
+// written from front to back, and of its texts only the lines of the assumptions are kept, escaped, as long as the next
+// gap has them too. A text that is not UTF-8 (a path, an alias) gets U+FFFD in place of each bad byte.
 #include "structured_result.h"
-
-#include <cjson/cJSON.h>
 
 #include <cstdio>
 #include <filesystem>
-#include <memory>
+#include <new>
 #include <string_view>
 #include <system_error>
+#include <vector>
 
 #include "dsl_interpreter/dsl_trace.h"
 #include "platform/file_identity.h"
-#include "platform/utf8.h"
+#include "platform/json_text.h"
 #include "term/print.h"
 #include "term/report.h"
 
@@ -22,199 +21,277 @@ namespace {
 
 constexpr const char* schema_version = "vetro_structured_v2";
 
-struct json_deleter {
-  void operator()(cJSON* item) const { cJSON_Delete(item); }
-  void operator()(char* text) const { cJSON_free(text); }
-};
-using json_text = std::unique_ptr<char, json_deleter>;
+void print_form(std::string& out, term_ptr t, bool internal) {
+  internal ? print_term_internal(out, t) : print_term(out, t);
+}
 
-// One object under construction. A member for which there is no memory makes the object a failure.
-class json_object {
+// The file, with small pieces gathered and great ones passed on.
+class output {
  public:
-  json_object() : object_(cJSON_CreateObject()) {}
+  explicit output(std::FILE* file) : file_(file) { gathered_.reserve(2 * enough); }
+  ~output() { flush(); }
+  output(const output&) = delete;
+  output& operator=(const output&) = delete;
 
-  const cJSON* get() const { return failed_ ? nullptr : object_.get(); }
+  // Small pieces may be appended here, if write() follows.
+  std::string& gathered() { return gathered_; }
 
-  // The object refers to the value, which must outlive it.
-  void text(const char* key, const std::string& value) {
-    if (is_utf8_text(value)) {
-      word(key, value.c_str());
-    } else {
-      add(key, cJSON_CreateString(utf8_with_replacements(value).c_str()));
-    }
-  }
-
-  void text(const char* key, const shared_text& value) {
-    kept_.push_back(value);
-    text(key, *value);
-  }
-
-  void word(const char* key, const char* literal) { add(key, cJSON_CreateStringReference(literal)); }
-  void boolean(const char* key, bool value) { add(key, cJSON_CreateBool(value ? 1 : 0)); }
-
-  // Written digit by digit: a hypothesis number of 19 digits does not fit the library's number type.
-  template <class Integer>
-  void number(const char* key, Integer value) {
-    add(key, cJSON_CreateRaw(std::to_string(value).c_str()));
-  }
-
- private:
-  // The key must be a literal: it is not copied.
-  void add(const char* key, cJSON* item) {
-    if (item == nullptr || cJSON_AddItemToObjectCS(object_.get(), key, item) == 0) {
-      cJSON_Delete(item);
-      failed_ = true;
-    }
-  }
-
-  std::vector<shared_text> kept_;
-  std::unique_ptr<cJSON, json_deleter> object_;
-  bool failed_ = false;
-};
-
-shared_text term_text(term_ptr t) { return std::make_shared<const std::string>(print_term_to_string(t)); }
-
-json_object build_structured_summary(const run_outcome& outcome) {
-  const auto& [context, data, initial_gap, code] = outcome;
-  const bool finished = proof_gap_full_is_finished(*data.cur_gap);
-  gap_texts& texts = dsl_gap_texts(data);
-  json_object root;
-  root.word("schema_version", schema_version);
-  root.text("proof_gap_file", context.proof_gap_file);
-  root.text("dsl_file", context.dsl_file);
-  root.word("mode", dsl_mode_name(context.mode));
-  root.boolean("print_internal", context.print_internal);
-  root.word("final_status", dsl_exe_code_name(code));
-  root.boolean("proof_finished", finished);
-  root.boolean("proof_verified", finished && data.admits.empty());
-  root.number("admit_count", data.admits.size());
-  root.number("split_gap_count", data.split_gaps.size());
-  root.number("repeated_input_count", data.summary.repeated_input_count);
-  root.number("step_count", data.summary.steps.size());
-  root.text("initial_gap_text", texts.pretty(initial_gap));
-  root.text("final_gap_text", texts.pretty(*data.cur_gap));
-  root.text("final_gap_internal", texts.internal(*data.cur_gap));
-  return root;
-}
-
-json_object step_object(const dsl_execution_step& step, gap_texts& texts) {
-  json_object object;
-  object.number("step_index", step.step_index);
-  object.text("step_id", step.step_id);
-  object.word("instruction_type", dsl_trace_type_name(step.instruction_type));
-  object.word("result_flag", dsl_exe_code_name(step.result_flag));
-  object.word("redundant_flag", dsl_redundant_name(step.redundant_flag));
-  object.boolean("repeated_input", step.repeated_input);
-  object.boolean("goal_changed", step.goal_changed);
-  object.boolean("assumption_changed", step.assumption_changed);
-  object.number("split_gap_count", step.split_gap_count);
-  object.word("effect_class", step.effect_class);
-  object.text("instruction_signature", step.instruction_signature);
-  object.text("instruction_text", step.instruction_text);
-  object.text("instruction_internal", step.instruction_internal);
-  object.text("gap_before_text", texts.pretty(*step.gap_before));
-  object.text("gap_before_internal", texts.internal(*step.gap_before));
-  object.text("gap_after_text", texts.pretty(*step.gap_after));
-  object.text("gap_after_internal", texts.internal(*step.gap_after));
-  return object;
-}
-
-json_object split_gap_object(std::size_t index, const proof_gap_full& branch, gap_texts& texts) {
-  json_object object;
-  object.number("index", index);
-  object.text("gap_text", texts.pretty(branch));
-  object.text("gap_internal", texts.internal(branch));
-  return object;
-}
-
-json_object admit_object(std::size_t index, const dsl_admit_obligation& admit, gap_texts& texts) {
-  json_object object;
-  object.number("index", index);
-  object.number("source_line", admit.source_line);
-  object.text("step_id", admit.step_id);
-  object.number("hypothesis_num", admit.hypothesis_num);
-  object.text("proposition", term_text(admit.proposition));
-  object.text("gap_text", texts.pretty(admit.gap));
-  return object;
-}
-
-// Writes the document in the library's own format, as if it were serialised as a whole.
-class document_writer {
- public:
-  explicit document_writer(std::FILE* file) : file_(file) {}
-
-  bool serialised() const { return serialised_; }
-
-  // The root without its closing brace, to which the arrays are added.
-  void open(const json_object& root) {
-    const json_text text = print(root);
-    std::string_view members = text != nullptr ? text.get() : "";
-    constexpr std::string_view closing = "\n}";
-    members.remove_suffix(std::min(closing.size(), members.size()));
-    write(members);
-  }
-
-  template <class List, class Build>
-  void array(const char* key, const List& list, Build build) {
-    write(",\n\t\"");
-    write(key);
-    write("\":\t[");
-    std::string_view separator;
-    for (std::size_t i = 0; i < list.size() && serialised_; ++i) {
-      write(separator);
-      element(build(i, list[i]));
-      separator = ", ";
-    }
-    write("]");
-  }
-
-  void close() { write("\n}\n"); }
-
- private:
-  // An object two levels down. Line ends stand only between members, never in a text.
-  void element(const json_object& object) {
-    const json_text printed = print(object);
-    std::string_view text = printed != nullptr ? printed.get() : "";
-    for (std::size_t end = text.find('\n'); end != std::string_view::npos; end = text.find('\n')) {
-      write(text.substr(0, end + 1));
-      write("\t\t");
-      text.remove_prefix(end + 1);
-    }
-    write(text);
-  }
-
-  json_text print(const json_object& object) {
-    json_text text(object.get() != nullptr ? cJSON_Print(object.get()) : nullptr);
-    serialised_ = serialised_ && text != nullptr;
-    return text;
-  }
-
-  // An empty view may have no address, which fwrite must not be given.
   void write(std::string_view text) {
+    if (text.size() < enough) {
+      gathered_ += text;
+    }
+    if (gathered_.size() >= enough || text.size() >= enough) {
+      flush();
+    }
+    if (text.size() >= enough) {
+      pass_on(text);
+    }
+  }
+
+ private:
+  static constexpr std::size_t enough = 1U << 16U;
+
+  void flush() {
+    pass_on(gathered_);
+    gathered_.clear();
+  }
+  // An empty view may have no address, which fwrite must not be given.
+  void pass_on(std::string_view text) {
     if (!text.empty()) {
       std::fwrite(text.data(), 1, text.size(), file_);
     }
   }
 
   std::FILE* file_;
-  bool serialised_ = true;
+  std::string gathered_;
 };
 
+// The texts of gaps in one of the two forms, as they stand in a JSON string. The lines of the last gap's assumptions
+// are kept: the next gap mostly has them as well, and perhaps one more.
+class escaped_gaps {
+ public:
+  explicit escaped_gaps(bool internal) : internal_(internal) {
+    print_gap_heading(plain_);
+    append_json_text(heading_, plain_);
+  }
+
+  void write(output& out, const proof_gap_full& gap) {
+    out.write(heading_);
+    out.write(lines_of(gap.assum));
+    plain_.clear();
+    print_gap_rest(plain_, gap, internal_, [this](std::string& text, term_ptr t) { print_form(text, t, internal_); });
+    rest_.clear();
+    append_json_text(rest_, plain_);
+    out.write(rest_);
+  }
+
+ private:
+  std::string_view lines_of(const shared_terms& list) {
+    const std::size_t kept = list.common_beginning(shown_);
+    if (kept < list.size()) {
+      show(list, kept);
+    }
+    return std::string_view(lines_).substr(0, end_of(list.size()));
+  }
+
+  // Lines behind a change are taken over where they show the same formula.
+  void show(const shared_terms& list, std::size_t kept) {
+    const std::string old_lines = lines_.substr(end_of(kept));
+    const std::vector<std::size_t> old_ends(ends_.begin() + static_cast<std::ptrdiff_t>(kept), ends_.end());
+    const std::size_t shift = end_of(kept);
+    lines_.resize(shift);
+    ends_.resize(kept);
+    for (std::size_t i = kept; i < list.size(); ++i) {
+      if (i < shown_.size() && shown_[i] == list[i]) {
+        const std::size_t begin = i == kept ? shift : old_ends[i - kept - 1];
+        lines_.append(old_lines, begin - shift, old_ends[i - kept] - begin);
+      } else {
+        append_line(i + 1, list[i]);
+      }
+      ends_.push_back(lines_.size());
+    }
+    shown_ = list;
+  }
+
+  void append_line(std::size_t number, term_ptr t) {
+    plain_.clear();
+    print_gap_assumption(plain_, number, t, internal_,
+                         [this](std::string& text, term_ptr formula) { print_form(text, formula, internal_); });
+    append_json_text(lines_, plain_);
+  }
+
+  std::size_t end_of(std::size_t count) const { return count == 0 ? 0 : ends_[count - 1]; }
+
+  bool internal_;
+  std::string heading_;
+  shared_terms shown_;             // the assumptions of the lines
+  std::string lines_;              // one after the other
+  std::vector<std::size_t> ends_;  // of each line
+  std::string plain_;              // scratch
+  std::string rest_;
+};
+
+// Writes the members of the objects and the elements of the arrays in the order in which they stand, each on a line of
+// its own at the object's depth.
+class document_writer {
+ public:
+  explicit document_writer(std::FILE* file) : out_(file) {}
+
+  void open_object() {
+    out_.write("{");
+    ++depth_;
+    first_ = true;
+  }
+  void close_object() {
+    --depth_;
+    line_end();
+    out_.write("}");
+    first_ = false;
+  }
+
+  void text(const char* key, std::string_view value) {
+    open_text(key);
+    append_json_text(out_.gathered(), value);
+    out_.write("\"");
+  }
+  void boolean(const char* key, bool value) { raw(key, value ? "true" : "false"); }
+  template <class Integer>
+  void number(const char* key, Integer value) {
+    raw(key, std::to_string(value));
+  }
+  void pretty(const char* key, const proof_gap_full& gap) { gap_text(key, pretty_, gap); }
+  void internal(const char* key, const proof_gap_full& gap) { gap_text(key, internal_, gap); }
+
+  // An object for each element of the list, whose members describe() writes.
+  template <class List, class Describe>
+  void array(const char* key, const List& list, Describe describe) {
+    member(key);
+    out_.write("[");
+    ++depth_;
+    for (std::size_t i = 0; i < list.size(); ++i) {
+      out_.write(i == 0 ? "" : ", ");
+      open_object();
+      describe(i, list[i]);
+      close_object();
+    }
+    --depth_;
+    out_.write("]");
+  }
+
+  void end() { out_.write("\n"); }
+
+ private:
+  void line_end() {
+    out_.gathered() += '\n';
+    out_.gathered().append(static_cast<std::size_t>(depth_), '\t');
+  }
+  void member(const char* key) {
+    out_.write(first_ ? "" : ",");
+    first_ = false;
+    line_end();
+    out_.gathered() += '"';
+    out_.gathered() += key;
+    out_.write("\":\t");
+  }
+  void raw(const char* key, std::string_view value) {
+    member(key);
+    out_.write(value);
+  }
+  void open_text(const char* key) {
+    member(key);
+    out_.write("\"");
+  }
+  void gap_text(const char* key, escaped_gaps& form, const proof_gap_full& gap) {
+    open_text(key);
+    form.write(out_, gap);
+    out_.write("\"");
+  }
+
+  output out_;
+  int depth_ = 0;
+  bool first_ = true;  // no member of the object at hand has been written
+  escaped_gaps pretty_{false};
+  escaped_gaps internal_{true};
+};
+
+void write_summary(document_writer& out, const run_outcome& outcome) {
+  const auto& [context, data, initial_gap, code] = outcome;
+  const bool finished = proof_gap_full_is_finished(*data.cur_gap);
+  out.text("schema_version", schema_version);
+  out.text("proof_gap_file", context.proof_gap_file);
+  out.text("dsl_file", context.dsl_file);
+  out.text("mode", dsl_mode_name(context.mode));
+  out.boolean("print_internal", context.print_internal);
+  out.text("final_status", dsl_exe_code_name(code));
+  out.boolean("proof_finished", finished);
+  out.boolean("proof_verified", finished && data.admits.empty());
+  out.number("admit_count", data.admits.size());
+  out.number("split_gap_count", data.split_gaps.size());
+  out.number("repeated_input_count", data.summary.repeated_input_count);
+  out.number("step_count", data.summary.steps.size());
+  out.pretty("initial_gap_text", initial_gap);
+  out.pretty("final_gap_text", *data.cur_gap);
+  out.internal("final_gap_internal", *data.cur_gap);
+}
+
+void write_step(document_writer& out, const dsl_execution_step& step) {
+  out.number("step_index", step.step_index);
+  out.text("step_id", step.step_id);
+  out.text("instruction_type", dsl_trace_type_name(step.instruction_type));
+  out.text("result_flag", dsl_exe_code_name(step.result_flag));
+  out.text("redundant_flag", dsl_redundant_name(step.redundant_flag));
+  out.boolean("repeated_input", step.repeated_input);
+  out.boolean("goal_changed", step.goal_changed);
+  out.boolean("assumption_changed", step.assumption_changed);
+  out.number("split_gap_count", step.split_gap_count);
+  out.text("effect_class", step.effect_class);
+  const std::string internal = dsl_trace_capture_instruction(*step.instruction, true);
+  out.text("instruction_signature", instruction_signature_from_text(internal));
+  out.text("instruction_text", dsl_trace_capture_instruction(*step.instruction, false));
+  out.text("instruction_internal", internal);
+  out.pretty("gap_before_text", *step.gap_before);
+  out.internal("gap_before_internal", *step.gap_before);
+  out.pretty("gap_after_text", *step.gap_after);
+  out.internal("gap_after_internal", *step.gap_after);
+}
+
+void write_split_gap(document_writer& out, std::size_t index, const proof_gap_full& branch) {
+  out.number("index", index);
+  out.pretty("gap_text", branch);
+  out.internal("gap_internal", branch);
+}
+
+void write_admit(document_writer& out, std::size_t index, const dsl_admit_obligation& admit) {
+  out.number("index", index);
+  out.number("source_line", admit.source_line);
+  out.text("step_id", admit.step_id);
+  out.number("hypothesis_num", admit.hypothesis_num);
+  out.text("proposition", print_term_to_string(admit.proposition));
+  out.pretty("gap_text", admit.gap);
+}
+
+void write_members(document_writer& out, const run_outcome& outcome) {
+  const dsl_execute_data& data = outcome.data;
+  write_summary(out, outcome);
+  out.array("steps", data.summary.steps, [&](std::size_t, const dsl_execution_step& step) { write_step(out, step); });
+  out.array("split_gaps", data.split_gaps,
+            [&](std::size_t i, const proof_gap_full& branch) { write_split_gap(out, i + 1, branch); });
+  out.array("admits", data.admits,
+            [&](std::size_t i, const dsl_admit_obligation& admit) { write_admit(out, i + 1, admit); });
+}
+
+// False when there is no memory for the texts.
 bool write_document(std::FILE* file, const run_outcome& outcome) {
-  dsl_execute_data& data = outcome.data;
-  gap_texts& texts = dsl_gap_texts(data);
-  document_writer writer(file);
-  writer.open(build_structured_summary(outcome));
-  writer.array("steps", data.summary.steps,
-               [&](std::size_t, const dsl_execution_step& step) { return step_object(step, texts); });
-  writer.array("split_gaps", data.split_gaps, [&](std::size_t index, const proof_gap_full& branch) {
-    return split_gap_object(index + 1, branch, texts);
-  });
-  writer.array("admits", data.admits, [&](std::size_t index, const dsl_admit_obligation& admit) {
-    return admit_object(index + 1, admit, texts);
-  });
-  writer.close();
-  return writer.serialised();
+  try {
+    document_writer out(file);
+    out.open_object();
+    write_members(out, outcome);
+    out.close_object();
+    out.end();
+    return true;
+  } catch (const std::bad_alloc&) {
+    return false;
+  }
 }
 
 // The file behind links, whether it exists or not.

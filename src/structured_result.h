@@ -18,8 +18,8 @@ struct run_outcome {
 // Removes the document of an earlier run, where there is one. Only a regular file is removed.
 void discard_structured_result_file(const std::string& path);
 
-// False, with a message on standard error, when the file cannot be opened or written or the document cannot be
-// serialised.
+// False, with a message on standard error, when the file cannot be opened or written or there is no memory
+// for the document.
 bool write_structured_result_file(const std::string& path, const run_outcome& outcome);
 
 }  // namespace vetro

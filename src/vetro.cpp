@@ -291,8 +291,8 @@ void report_outcome(const dsl_execute_data& data, dsl_exe_code code) {
 
 int run_script(const ProgramContext& context, dsl_execute_data data, const dsl_instruction_list& script) {
   data.print_internal = context.print_internal;
-  data.keep_texts = context.result_json_file.has_value();
-  data.keep_admit_gaps = data.keep_texts;
+  data.keep_records = context.result_json_file.has_value();
+  data.keep_admit_gaps = data.keep_records;
   const proof_gap_full initial_gap = *data.cur_gap;
   const dsl_exe_code code = execute_instruction_list(data, script);
   report_outcome(data, code);

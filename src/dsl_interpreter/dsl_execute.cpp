@@ -34,11 +34,8 @@ void compare_gaps(dsl_execution_step& step, const dsl_execute_data& data, const 
   step.effect_class = effect_class_for_step(step.result_flag, step.goal_changed);
 }
 
-void keep_instruction_texts(dsl_execution_step& step, dsl_execution_summary& summary, const dsl_instruction& inst) {
-  step.instruction_text = dsl_trace_capture_instruction(inst, false);
-  step.instruction_internal = dsl_trace_capture_instruction(inst, true);
-  step.instruction_signature = instruction_signature_from_text(step.instruction_internal);
-  step.repeated_input = !summary.signatures.insert(step.instruction_signature).second;
+std::string signature_of(const dsl_instruction& inst) {
+  return instruction_signature_from_text(dsl_trace_capture_instruction(inst, true));
 }
 
 // A snapshot of the gap: the earlier one where that shows the same.
@@ -62,8 +59,9 @@ dsl_execution_step describe_step(dsl_execute_data& data, const dsl_result& resul
   step.result_flag = result.flag;
   step.redundant_flag = result.redundant_flag;
   compare_gaps(step, data, before);
-  if (data.keep_texts) {
-    keep_instruction_texts(step, data.summary, *data.inst);
+  if (data.keep_records) {
+    step.instruction = data.inst;
+    step.repeated_input = !data.summary.signatures.insert(*data.inst);
     keep_gaps(step, data, before);
   }
   return step;
@@ -76,6 +74,14 @@ void summary_append_step(dsl_execution_summary& summary, dsl_execution_step step
 }
 
 }  // namespace
+
+bool instruction_signatures::insert(const dsl_instruction& inst) {
+  return known_.insert({&inst, std::hash<std::string>()(signature_of(inst))}).second;
+}
+
+bool instruction_signatures::entry::operator==(const entry& other) const {
+  return hash == other.hash && signature_of(*instruction) == signature_of(*other.instruction);
+}
 
 dsl_execute_data dsl_execute_data_init(log_stream& execute_log, log_stream& err_log, const thm_lib* lib,
                                        dsl_execute_mode mode, proof_gap_full& gap) {
@@ -166,7 +172,9 @@ bool goal_changed_between(const proof_gap_full& before, const proof_gap_full& af
 }
 
 bool assumption_changed_between(const proof_gap_full& before, const proof_gap_full& after) {
-  return !std::equal(before.assum.begin(), before.assum.end(), after.assum.begin(), after.assum.end(), same_formula);
+  const auto common = static_cast<std::ptrdiff_t>(before.assum.common_beginning(after.assum));
+  return !std::equal(before.assum.begin() + common, before.assum.end(), after.assum.begin() + common, after.assum.end(),
+                     same_formula);
 }
 
 const char* effect_class_for_step(dsl_exe_code flag, bool goal_changed) {

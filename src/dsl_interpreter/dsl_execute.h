@@ -30,8 +30,8 @@ struct dsl_result {
 // A gap at one moment of the run. Steps share it while the gap stays what it is.
 using gap_snapshot = std::shared_ptr<const proof_gap_full>;
 
-// One executed instruction. Texts and gaps are there only where the run keeps them; without them no step counts as
-// repeated, because only the reader of the texts is told.
+// One executed instruction. The instruction, which outlives the record, and the gaps are there only where the run keeps
+// records to be read; without them no step counts as repeated, because only that reader is told.
 struct dsl_execution_step {
   int step_index = 0;
   std::string step_id;
@@ -43,16 +43,33 @@ struct dsl_execution_step {
   bool assumption_changed = false;
   std::size_t split_gap_count = 0;
   const char* effect_class = "";
-  std::string instruction_signature;
-  std::string instruction_text;
-  std::string instruction_internal;
+  const dsl_instruction* instruction = nullptr;
   gap_snapshot gap_before;
   gap_snapshot gap_after;
 };
 
+// The different instructions of a run by their signatures. A text is written again where two hashes are equal, so that
+// the record does not hold the whole script a second time.
+class instruction_signatures {
+ public:
+  // False for an instruction whose signature is there already.
+  bool insert(const dsl_instruction& inst);
+
+ private:
+  struct entry {
+    const dsl_instruction* instruction;
+    std::size_t hash;
+    bool operator==(const entry& other) const;
+  };
+  struct entry_hash {
+    std::size_t operator()(const entry& e) const { return e.hash; }
+  };
+  std::unordered_set<entry, entry_hash> known_;
+};
+
 struct dsl_execution_summary {
   std::vector<dsl_execution_step> steps;
-  std::unordered_set<std::string> signatures;  // of the steps, where texts are kept
+  instruction_signatures signatures;  // of the steps, where records are kept
   std::size_t repeated_input_count = 0;
   dsl_exe_code final_code = exe_success;
 };
@@ -76,7 +93,7 @@ struct dsl_execute_data {
   std::vector<proof_gap_full> split_gaps;
   const dsl_instruction* inst = nullptr;
   bool print_internal = false;
-  bool keep_texts = false;           // fill the texts and gaps of the step records
+  bool keep_records = false;         // fill the instructions and gaps of the step records
   std::shared_ptr<gap_texts> texts;  // shared with the runs of proof blocks; made when first needed
   int trace_depth = 0;
   std::string trace_prefix;  // parent step id, empty at top level

@@ -18,7 +18,8 @@ solve_data dsl_data_to_solve_data_all(const dsl_execute_data& data) {
 
 bool dsl_data_to_solve_data(const dsl_execute_data& data, const dsl_term_list& hlist, solve_data& sdata) {
   sdata = without_assumptions(data);
-  sdata.assum.reserve(hlist.size());
+  term_list selected;
+  selected.reserve(hlist.size());
   for (const dsl_term& reference : hlist) {
     const term_ptr hypothesis = data.cur_gap->hypothesis(reference.num);
     if (hypothesis == nullptr) {
@@ -26,8 +27,9 @@ bool dsl_data_to_solve_data(const dsl_execute_data& data, const dsl_term_list& h
                 static_cast<long long>(reference.num), data.cur_gap->assu_num());
       return false;
     }
-    sdata.assum.push_back(hypothesis);
+    selected.push_back(hypothesis);
   }
+  sdata.assum = std::move(selected);
   return true;
 }
 

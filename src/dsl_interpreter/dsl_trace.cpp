@@ -105,15 +105,15 @@ class result_writer {
   }
 
   void assumption_effects() {
-    const term_list& before = before_.assum;
-    const term_list& after = data_.cur_gap->assum;
+    const shared_terms& before = before_.assum;
+    const shared_terms& after = data_.cur_gap->assum;
     if (after.size() > before.size()) {
       for (std::size_t i = before.size(); i < after.size(); ++i) {
         formula_line("effect: add H" + std::to_string(i + 1) + ": ", after[i], "added");
       }
       return;
     }
-    for (std::size_t i = 0; i < after.size(); ++i) {
+    for (std::size_t i = before.common_beginning(after); i < after.size(); ++i) {
       if (before[i] != after[i] && !term_eqb(before[i], after[i])) {
         formula_line("effect: update H" + std::to_string(i + 1) + ": ", after[i], "updated");
       }

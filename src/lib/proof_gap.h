@@ -1,4 +1,4 @@
-// The proof state: numbered assumptions and one goal. Copying it copies pointers; terms are shared.
+// The proof state: numbered assumptions and one goal. A copy shares the assumptions.
 #pragma once
 
 #include <cstdint>
@@ -7,6 +7,7 @@
 #include <vector>
 
 #include "term/ast.h"
+#include "term/shared_terms.h"
 
 namespace vetro {
 
@@ -17,7 +18,7 @@ struct method {
 };
 
 struct proof_gap_full {
-  term_list assum;  // hypothesis n is assum[n - 1]; never renumbered
+  shared_terms assum;  // hypothesis n is assum[n - 1]; never renumbered
   term_ptr goal = nullptr;
   bool finished = false;
   std::vector<method> meth_list;
@@ -42,5 +43,12 @@ void print_proof_gap_full_internal(std::string& out, const proof_gap_full& gap);
 using gap_term_printer = std::function<void(std::string& out, term_ptr t)>;
 void print_proof_gap_full_with(std::string& out, const proof_gap_full& gap, bool internal,
                                const gap_term_printer& print);
+
+// Its three parts, for a caller who keeps some of them: what stands before the assumptions, the line of one, and what
+// stands behind them.
+void print_gap_heading(std::string& out);
+void print_gap_assumption(std::string& out, std::size_t number, term_ptr t, bool internal,
+                          const gap_term_printer& print);
+void print_gap_rest(std::string& out, const proof_gap_full& gap, bool internal, const gap_term_printer& print);
 
 }  // namespace vetro

@@ -40,6 +40,7 @@ class scanner;
 
 %code {
 #include <cstdlib>
+#include <new>
 #include <utility>
 
 #include "parser/reading.h"
@@ -50,7 +51,9 @@ class scanner;
 #define YYINITDEPTH vetro::limits::parse_stack_initial
 #define YYMAXDEPTH \
   (yystackp->yysplitPoint == nullptr ? vetro::limits::parse_stack : vetro::limits::parse_stack_of_readings)
-// The skeleton reallocates nothing but its table of readings; no memory means "memory exhausted".
+// The skeleton goes on with half-made tables where it gets no memory, so that it never learns of that. It reallocates
+// nothing but its table of readings; none above their limit means "memory exhausted".
+#define YYMALLOC(bytes) allocate(bytes)
 #define YYREALLOC(block, bytes) grow_readings(block, bytes)
 
 using namespace vetro;  // NOLINT: the kinds of terms, in the actions
@@ -61,8 +64,14 @@ int yylex(FORMULA_STYPE* value, parse_context&, scanner& tokens) { return tokens
 
 void yyerror(parse_context& context, scanner&, const char* message) { context.syntax_error(message); }
 
+void* or_out_of_memory(void* block) {
+  return block != nullptr ? block : throw std::bad_alloc();
+}
+
+void* allocate(std::size_t bytes) { return or_out_of_memory(std::malloc(bytes)); }
+
 void* grow_readings(void* block, std::size_t bytes) {
-  return bytes > limits::parse_readings * sizeof(void*) ? nullptr : std::realloc(block, bytes);
+  return bytes > limits::parse_readings * sizeof(void*) ? nullptr : or_out_of_memory(std::realloc(block, bytes));
 }
 
 // Two readings that meet in a term or in a proposition.

@@ -16,36 +16,34 @@ bool is_open_conjunction(term_ptr t, const std::optional<composed_prop>& view) {
 
 }  // namespace
 
-bool assumption_facts::describes(term_span assum) const {
-  if (assum.size() < own_.size()) {
-    return false;
-  }
-  const auto rest = assum.size() - own_.size();
-  const bool below_fits = below_ == nullptr ? rest == 0 : below_->describes(assum.first(rest));
-  return below_fits && std::equal(own_.begin(), own_.end(), assum.begin() + static_cast<std::ptrdiff_t>(rest));
-}
-
-term_list assumption_facts::all() const {
-  term_list list = below_ == nullptr ? term_list() : below_->all();
-  list.insert(list.end(), own_.begin(), own_.end());
-  return list;
-}
-
 void assumption_facts::index_assumptions() {
-  for (std::size_t i = 0; i < own_.size(); ++i) {
-    if (own_[i] != nullptr) {
-      position_.emplace(own_[i], i);
+  const term_span list = own();
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    if (list[i] != nullptr) {
+      position_.emplace(list[i], i);
     }
   }
+}
+
+std::size_t assumption_facts::known_place(term_ptr t) const {
+  if (has_table()) {
+    const auto found = table_->known.find(t);
+    return found == table_->known.end() ? formula_table::nowhere : found->second.given;
+  }
+  const auto found = position_.find(t);
+  return found == position_.end() ? formula_table::nowhere : found->second;
 }
 
 bool assumption_facts::holds(term_ptr t) {
   if (below_ != nullptr && below_->holds(t)) {
     return true;
   }
+  if (has_table()) {
+    return table_->known.count(t) != 0;
+  }
   if (!asked_) {
     asked_ = true;
-    return std::any_of(own_.begin(), own_.end(), [t](term_ptr known) { return known && term_eqb(known, t); });
+    return std::any_of(own().begin(), own().end(), [t](term_ptr known) { return known && term_eqb(known, t); });
   }
   if (position_.empty()) {
     index_assumptions();
@@ -59,7 +57,7 @@ bool assumption_facts::holds_part(term_ptr t) {
   }
   if (parts_.empty()) {
     term_list open;
-    std::copy_if(own_.begin(), own_.end(), std::back_inserter(open), [](term_ptr known) { return known != nullptr; });
+    std::copy_if(own().begin(), own().end(), std::back_inserter(open), [](term_ptr known) { return known != nullptr; });
     while (!open.empty()) {
       term_ptr part = open.back();
       open.pop_back();
@@ -78,7 +76,7 @@ bool assumption_facts::mentions(std::string_view name) {
   }
   const auto [entry, added] = mentioned_.try_emplace(intern_text(name), false);
   if (added) {
-    entry->second = std::any_of(own_.begin(), own_.end(),
+    entry->second = std::any_of(own().begin(), own().end(),
                                 [name](term_ptr known) { return known != nullptr && name_occurs(name, known); });
   }
   return entry->second;
@@ -87,7 +85,7 @@ bool assumption_facts::mentions(std::string_view name) {
 std::span<const order_fact> assumption_facts::comparisons() {
   if (comparisons_ == nullptr) {
     comparisons_ = std::make_unique<std::vector<order_fact>>();
-    for (term_ptr t : own_) {
+    for (term_ptr t : own()) {
       if (const auto fact = as_order(t)) {
         comparisons_->push_back(*fact);
       }
@@ -99,7 +97,7 @@ std::span<const order_fact> assumption_facts::comparisons() {
 const assumption_facts::by_term& assumption_facts::memberships() {
   if (memberships_ == nullptr) {
     memberships_ = std::make_unique<by_term>();
-    for (term_ptr t : own_) {
+    for (term_ptr t : own()) {
       const auto view = t == nullptr || t->has_meta() ? std::nullopt : pred_split(t);
       if (view && view->pred == Belong && view->right->type() == Const) {
         (*memberships_)[view->left].push_back(view->right->constant());
@@ -119,17 +117,16 @@ const std::shared_ptr<assumption_facts>& shared_facts_of(const solve_data& sdata
 solve_data with_assumptions(const solve_data& sdata, term_span more) {
   facts_of(sdata);
   solve_data extended = sdata;
-  extended.assum.insert(extended.assum.end(), more.begin(), more.end());
   extended.facts = std::make_shared<assumption_facts>(sdata.facts, more);
+  extended.assum = extended.facts->all();
   return extended;
 }
 
 // A hit is checked against the list, so that it needs no look at the rest.
 bool is_assumption(term_ptr t, const solve_data& sdata) {
   if (sdata.facts != nullptr && sdata.facts->below() == nullptr) {
-    const auto found = sdata.facts->position_.find(t);
-    if (found != sdata.facts->position_.end() && found->second < sdata.assum.size() &&
-        term_eqb(sdata.assum[found->second], t)) {
+    const std::size_t place = sdata.facts->known_place(t);
+    if (place < sdata.assum.size() && term_eqb(sdata.assum[place], t)) {
       return true;
     }
   }

@@ -4,6 +4,9 @@
 // conditions of a set description, the case at hand) are a layer on top: what is known of the list below stays.
 #pragma once
 
+#include <cstddef>
+#include <cstdint>
+#include <limits>
 #include <memory>
 #include <span>
 #include <string_view>
@@ -19,20 +22,37 @@
 
 namespace vetro {
 
+// The formulas of a list that changes; whoever reads it for one state of the list compares the version.
+struct formula_table {
+  static constexpr std::size_t nowhere = std::numeric_limits<std::size_t>::max();
+
+  // The first places of a formula. Later ones need no mention: a list that is cut before the first has none of them.
+  struct places {
+    std::size_t given = nowhere;         // as an assumption
+    std::size_t derived_from = nowhere;  // as what an assumption gives
+  };
+  std::unordered_map<term_ptr, places, alpha_hasher, alpha_equal> known;  // those that are somewhere
+  std::uint64_t version = 0;
+};
+
 class assumption_facts {
  public:
-  explicit assumption_facts(term_list assum) : own_(std::move(assum)) {}
+  // The table, where there is one, is that of this list and gives its places.
+  explicit assumption_facts(shared_terms assum, std::shared_ptr<const formula_table> table = nullptr)
+      : list_(std::move(assum)), table_(std::move(table)), version_(table_ == nullptr ? 0 : table_->version) {}
   assumption_facts(std::shared_ptr<assumption_facts> below, term_span more)
-      : below_(std::move(below)), own_(more.begin(), more.end()) {}
+      : below_(std::move(below)), list_(below_->list_), begin_(list_.size()) {
+    list_.append(more);
+  }
 
   // Whether this is the record of exactly that list.
-  bool describes(term_span assum) const;
+  bool describes(const shared_terms& assum) const { return assum == list_; }
 
   // The assumptions that this layer adds, in order, and the layer underneath (null at the bottom).
-  const term_list& own() const { return own_; }
+  term_span own() const { return term_span(list_).subspan(begin_); }
   assumption_facts* below() const { return below_.get(); }
 
-  term_list all() const;  // of all layers, those below first
+  const shared_terms& all() const { return list_; }  // of all layers, those below first
 
   // Whether t is an assumption, up to bound names.
   bool holds(term_ptr t);
@@ -76,9 +96,15 @@ class assumption_facts {
 
   const by_term& memberships();
   void index_assumptions();
+  // The first place of t in this layer, at least as far as the tables at hand tell.
+  std::size_t known_place(term_ptr t) const;
+  bool has_table() const { return table_ != nullptr && table_->version == version_; }
 
   std::shared_ptr<assumption_facts> below_;
-  term_list own_;
+  shared_terms list_;
+  std::size_t begin_ = 0;
+  std::shared_ptr<const formula_table> table_;
+  std::uint64_t version_ = 0;
   bool asked_ = false;
   std::unordered_map<term_ptr, std::size_t, alpha_hasher, alpha_equal> position_;
   std::unordered_set<term_ptr, alpha_hasher, alpha_equal> parts_;

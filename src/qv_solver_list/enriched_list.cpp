@@ -6,18 +6,14 @@
 
 namespace vetro {
 
-std::size_t enriched_list::common_beginning(const term_list& list) const {
-  const auto differs = std::mismatch(source_.begin(), source_.end(), list.begin(), list.end());
-  return static_cast<std::size_t>(differs.first - source_.begin());
-}
-
-void enriched_list::append(term_ptr assumption, const term_list& facts) {
+// The list's next assumption, with what it gives.
+void enriched_list::append(const shared_terms& list, const term_list& facts) {
   const std::size_t at = source_.size();
-  source_.push_back(assumption);
-  places& as_given = known_[assumption];
+  source_ = list.beginning(at + 1);
+  places& as_given = table_->known[list[at]];
   as_given.given = std::min(as_given.given, at);
   for (term_ptr fact : facts) {
-    places& as_derived = known_[fact];
+    places& as_derived = table_->known[fact];
     if (as_derived.derived_from == nowhere) {
       as_derived.derived_from = at;
       derived_.push_back({fact, &as_derived});
@@ -32,28 +28,30 @@ void enriched_list::remove_last() {
     derived_.pop_back();
     forget(fact, &places::derived_from);
   }
-  if (known_.find(source_.back())->second.given == at) {
+  if (table_->known.find(source_.back())->second.given == at) {
     forget(source_.back(), &places::given);
   }
-  source_.pop_back();
+  source_ = source_.beginning(at);
 }
 
 void enriched_list::forget(term_ptr t, std::size_t places::*kind) {
-  const auto found = known_.find(t);
+  const auto found = table_->known.find(t);
   found->second.*kind = nowhere;
   if (found->second.given == nowhere && found->second.derived_from == nowhere) {
-    known_.erase(found);
+    table_->known.erase(found);
   }
 }
 
 void enriched_list::publish() {
-  result_ = source_;
+  term_list facts;
   for (const derived_fact& derived : derived_) {
     if (derived.known->given == nowhere) {
-      result_.push_back(derived.fact);
+      facts.push_back(derived.fact);
     }
   }
-  facts_ = std::make_shared<assumption_facts>(result_);
+  result_ = source_;
+  result_.append(facts);
+  facts_ = std::make_shared<assumption_facts>(result_, table_);
 }
 
 }  // namespace vetro

@@ -3,9 +3,7 @@
 #pragma once
 
 #include <cstddef>
-#include <limits>
 #include <memory>
-#include <unordered_map>
 #include <vector>
 
 #include "qv_solver_list/assumption_facts.h"
@@ -15,50 +13,46 @@ namespace vetro {
 class enriched_list {
  public:
   // Places from which two lists are the same.
-  std::size_t common_beginning(const term_list& list) const;
+  std::size_t common_beginning(const shared_terms& list) const { return source_.common_beginning(list); }
   std::size_t size() const { return source_.size(); }
 
   // Makes this the record of the list: facts_of(assumption) gives what is derived from an assumption, null on failure.
   // False when that failed; the record is then that of the assumptions before.
   template <class FactsOf>
-  bool follow(const term_list& list, FactsOf facts_of);
+  bool follow(const shared_terms& list, FactsOf facts_of);
 
   // The assumptions, then each derived fact that equals none of them and no earlier fact, up to bound names.
-  const term_list& result() const { return result_; }
+  const shared_terms& result() const { return result_; }
   const std::shared_ptr<assumption_facts>& facts() const { return facts_; }
 
  private:
-  static constexpr std::size_t nowhere = std::numeric_limits<std::size_t>::max();
-
-  // The first places of a formula. Later ones need no mention: a list that is cut before the first has none of them.
-  struct places {
-    std::size_t given = nowhere;         // as an assumption
-    std::size_t derived_from = nowhere;  // as what an assumption gives
-  };
+  using places = formula_table::places;
+  static constexpr std::size_t nowhere = formula_table::nowhere;
   struct derived_fact {
     term_ptr fact;
     const places* known;
   };
 
-  void append(term_ptr assumption, const term_list& facts);
+  void append(const shared_terms& list, const term_list& facts);
   void remove_last();
   void forget(term_ptr t, std::size_t places::*kind);
   void publish();
 
-  term_list source_;
-  std::unordered_map<term_ptr, places, alpha_hasher, alpha_equal> known_;
+  shared_terms source_;
+  std::shared_ptr<formula_table> table_ = std::make_shared<formula_table>();
   std::vector<derived_fact> derived_;  // one for each formula, in the order of the assumptions
-  term_list result_;
+  shared_terms result_;
   std::shared_ptr<assumption_facts> facts_;
 };
 
 template <class FactsOf>
-bool enriched_list::follow(const term_list& list, FactsOf facts_of) {
+bool enriched_list::follow(const shared_terms& list, FactsOf facts_of) {
   const std::size_t kept = common_beginning(list);
   if (kept == list.size() && kept == source_.size() && facts_ != nullptr) {
     return true;
   }
   facts_ = nullptr;
+  ++table_->version;
   while (source_.size() > kept) {
     remove_last();
   }
@@ -67,7 +61,7 @@ bool enriched_list::follow(const term_list& list, FactsOf facts_of) {
     if (facts == nullptr) {
       return false;
     }
-    append(list[i], *facts);
+    append(list, *facts);
   }
   publish();
   return true;

@@ -22,7 +22,7 @@ class assumption_facts;
 
 // The solver's view of a proof state.
 struct solve_data {
-  term_list assum;
+  shared_terms assum;
   term_ptr target = nullptr;  // what the calling instruction started from
   const thm_lib* lib = nullptr;
   log_stream* log_file = nullptr;

@@ -253,7 +253,7 @@ const term_list* derived_facts(term_ptr assumption) {
 
 // The record that follows the list: the one that has most of its beginning, provided that this is most of both; else
 // the one that has not been used for longest.
-enriched_list& list_to_follow(const term_list& assum) {
+enriched_list& list_to_follow(const shared_terms& assum) {
   auto& [derived, lists, last_use, uses] = cache();
   std::size_t best = 0;
   std::size_t kept = 0;

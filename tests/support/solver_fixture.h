@@ -64,7 +64,7 @@ class solver_test : public testing::Test {
 
   static std::string shown(term_ptr t) { return t == nullptr ? "(null)" : print_term_to_string(t); }
 
-  static std::string shown(const term_list& list) {
+  static std::string shown(term_span list) {
     std::string out;
     for (term_ptr t : list) {
       out += (out.empty() ? "" : "; ") + shown(t);

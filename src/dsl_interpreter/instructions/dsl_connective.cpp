@@ -158,7 +158,7 @@ dsl_result execute_case_analysis(dsl_execute_data& data) {
   data.split_gaps.clear();
   for (term_ptr part : parts) {
     data.split_gaps.push_back(gap);
-    data.split_gaps.back().assum[static_cast<std::size_t>(source.num - 1)] = part;
+    data.split_gaps.back().assum.replace(static_cast<std::size_t>(source.num - 1), part);
   }
   result.flag = exe_gap_split;
   return result;

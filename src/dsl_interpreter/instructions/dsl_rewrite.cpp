@@ -134,7 +134,7 @@ bool install_rewritten(dsl_execute_data& data, const dsl_rewrite& inst) {
     return true;
   }
   if (to.num == from.num) {
-    gap.assum[static_cast<std::size_t>(from.num - 1)] = to.t;
+    gap.assum.replace(static_cast<std::size_t>(from.num - 1), to.t);
     return true;
   }
   if (to.num == gap.assu_num() + 1) {

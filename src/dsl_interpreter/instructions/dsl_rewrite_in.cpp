@@ -111,7 +111,7 @@ bool apply_rewrite_in_result(dsl_execute_data& data, const dsl_rewrite_in& inst)
     return false;
   }
   if (to.num == from.num) {
-    gap.assum[static_cast<std::size_t>(from.num - 1)] = to.t;
+    gap.assum.replace(static_cast<std::size_t>(from.num - 1), to.t);
     return true;
   }
   if (to.num == gap.assu_num() + 1) {

@@ -90,7 +90,7 @@ class assumption_views {
     const solve_data& base = *all().sdata;
     auto visible = std::make_shared<solve_data>(base);
     visible->facts = nullptr;
-    visible->assum.clear();
+    visible->assum = {};
     for (std::size_t i = 0; i < base.assum.size(); ++i) {
       if (std::none_of(hidden.begin(), hidden.end(), [&](term_ptr name) { return mentions(name)[i]; })) {
         visible->assum.push_back(base.assum[i]);

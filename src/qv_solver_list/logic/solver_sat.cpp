@@ -32,7 +32,7 @@ sat_answer refutation(const propositional_problem& problem) {
 class assumed_propositions {
  public:
   explicit assumed_propositions(assumption_facts& facts) {
-    const term_list all = facts.all();
+    const shared_terms& all = facts.all();
     translated_ = problem_.conjunction(all).has_value();
     speak_of_sets_ = std::any_of(all.begin(), all.end(), speaks_of_sets);
   }

@@ -50,7 +50,7 @@ TEST(engine, fails_every_instruction_on_a_finished_gap) {
 
 TEST(engine, reads_a_split_as_a_changed_goal_and_pictures_the_first_branch) {
   run r(gap_of({"x > 0 ∨ x < 0"}, "x ≠ 0"));
-  r.data.keep_texts = true;
+  r.data.keep_records = true;
   EXPECT_EQ(r.execute({case_analysis(1), admit("y = 0")}), exe_gap_split);
   ASSERT_EQ(r.data.summary.steps.size(), 1U);
   EXPECT_TRUE(r.step(1).goal_changed);
@@ -63,7 +63,7 @@ TEST(engine, reads_a_split_as_a_changed_goal_and_pictures_the_first_branch) {
 
 TEST(engine, counts_repeated_inputs_of_one_list_whatever_their_line) {
   run r(gap_of({}, "y > 0"));
-  r.data.keep_texts = true;
+  r.data.keep_records = true;
   r.execute({admit("x = 0", 1), admit("x = 1", 2), admit("x = 0", 30), block("x = 2", {admit("x = 0", 5)}, 4)});
   EXPECT_FALSE(r.step(1).repeated_input);
   EXPECT_FALSE(r.step(2).repeated_input);
@@ -75,7 +75,7 @@ TEST(engine, counts_repeated_inputs_of_one_list_whatever_their_line) {
 
 TEST(engine, tells_blocks_with_other_inner_lines_apart) {
   run r(gap_of({}, "x = 0"));
-  r.data.keep_texts = true;
+  r.data.keep_records = true;
   const auto proof = [](int line) { return block("y = y", {admit("y = y", line), autosolve({1})}); };
   r.execute({proof(2), proof(3), proof(2)});
   ASSERT_EQ(r.data.summary.steps.size(), 3U);
@@ -95,13 +95,14 @@ TEST(engine, keeps_texts_and_gaps_only_where_they_are_read) {
   run silent(gap_of({"x > 0"}, "y > 0"));
   silent.execute({admit("z > 0"), admit("z > 0")});
   EXPECT_EQ(silent.step(1).gap_before, nullptr);
-  EXPECT_EQ(silent.step(1).instruction_text, "");
+  EXPECT_EQ(silent.step(1).instruction, nullptr);
   EXPECT_FALSE(silent.step(2).repeated_input);
 
   run kept(gap_of({"x > 0"}, "y > 0"));
-  kept.data.keep_texts = true;
-  kept.execute({admit("z > 0", 7), admit("z > 0", 8)});
-  EXPECT_EQ(kept.step(1).instruction_text, "7. assert (hypothesis 1: {z > 0}) by admit");
+  kept.data.keep_records = true;
+  const dsl_instruction_list script = {admit("z > 0", 7), admit("z > 0", 8)};
+  kept.execute(script);
+  EXPECT_EQ(kept.step(1).instruction, &script.front());
   EXPECT_EQ(kept.step(1).gap_before->assu_num(), 1);
   EXPECT_EQ(kept.step(1).gap_after, kept.step(2).gap_before) << "one gap, not two";
   EXPECT_EQ(kept.step(2).gap_after->assu_num(), 3);
@@ -131,13 +132,13 @@ TEST(engine, sees_what_a_step_changed_up_to_bound_names) {
   EXPECT_FALSE(goal_changed_between(before, after));
   EXPECT_FALSE(assumption_changed_between(before, after));
 
-  after.assum[1] = formula("forall (c), c = x");
+  after.assum.replace(1, formula("forall (c), c = x"));
   after.goal = formula("forall (c), b < c");
   EXPECT_TRUE(goal_changed_between(before, after));
   EXPECT_TRUE(assumption_changed_between(before, after));
 
   after = before;
-  after.assum.pop_back();
+  after.assum = after.assum.beginning(1);
   EXPECT_TRUE(assumption_changed_between(before, after));
   proof_gap_full_mark_finished(after);
   EXPECT_TRUE(goal_changed_between(before, after));

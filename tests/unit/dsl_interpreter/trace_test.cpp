@@ -90,7 +90,7 @@ TEST(trace, opens_with_the_gap_at_top_level_only) {
   r.execute_text.clear();
   r.data.print_internal = true;
   proof_gap_full_mark_finished(r.gap);
-  r.gap.assum.pop_back();
+  r.gap.assum = r.gap.assum.beginning(1);
   dsl_trace_print_initial_context(r.data);
   EXPECT_EQ(
       r.execute_text,

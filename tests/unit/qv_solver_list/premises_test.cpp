@@ -20,7 +20,7 @@ TEST_F(assumptions, the_record_follows_the_list) {
   solve_data more = sdata;
   more.assum.push_back(read("b = 1"));
   solve_data other = sdata;
-  other.assum[0] = read("c = 1");
+  other.assum.replace(0, read("c = 1"));
   for (int question = 0; question < 3; ++question) {
     EXPECT_TRUE(is_assumption(read("b = 1"), more));
     EXPECT_FALSE(is_assumption(read("b = 1"), sdata));

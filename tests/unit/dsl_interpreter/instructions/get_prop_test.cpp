@@ -148,7 +148,7 @@ TEST(get_prop_sums, starts_keep_their_meaning) {
              "z = 1"));
   const auto fifth = [&s](const std::string& source, const std::string& target) {
     const outcome result = s.step("get_prop " + source + " as (hypothesis 5: {" + target + "})");
-    s.gap.assum.resize(4);
+    s.gap.assum = s.gap.assum.beginning(4);
     return result;
   };
   EXPECT_EQ(fifth("(hypothesis 1: {x = x}) (x := {c + 1})", "sum_{i = c + 1}^{c + 1}(i) = c + 1"), success);

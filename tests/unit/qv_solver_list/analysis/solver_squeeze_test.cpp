@@ -123,7 +123,7 @@ TEST_F(squeeze, parts_on_which_calculation_proves_nothing) {
                 });
   const solve_data plain = given({"a ≤ b", "b ≤ c"});
   solve_data scoped = plain;
-  scoped.assum[1] = with_scope(scoped.assum[1], read("x > 0"));
+  scoped.assum.replace(1, with_scope(scoped.assum[1], read("x > 0")));
   EXPECT_TRUE(solver_squeeze(read("a ≤ c"), plain));
   EXPECT_FALSE(solver_squeeze(read("a ≤ c"), scoped));
 }
