@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <limits>
 #include <memory>
+#include <numeric>
 #include <utility>
 
 #include "number/limits.h"
@@ -248,11 +249,25 @@ exact floor(const exact& value) {
 }
 
 exact gcd(const exact& a, const exact& b) {
+  const auto x = a.to_int64();
+  const auto y = b.to_int64();
+  if (x && y && *x != INT64_MIN && *y != INT64_MIN) {
+    return std::gcd(*x, *y);
+  }
   if (!a.is_integer() || !b.is_integer()) {
     return exact::beyond();
   }
   return great_rational::normal(
       {false, natural_gcd(great_rational::of(a).num, great_rational::of(b).num), natural_from(1)});
+}
+
+std::vector<std::uint64_t> magnitude_words(const exact& integer) {
+  const natural n = great_rational::of(integer).num;
+  return {n.begin(), n.end()};
+}
+
+exact exact_from_words(bool negative, std::span<const std::uint64_t> num, std::span<const std::uint64_t> den) {
+  return great_rational::normal({negative, natural(num.begin(), num.end()), natural(den.begin(), den.end())});
 }
 
 std::uint64_t residue(const exact& integer, std::uint64_t m) {

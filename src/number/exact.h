@@ -6,9 +6,11 @@
 #include <cstddef>
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <string_view>
 #include <utility>
+#include <vector>
 
 #include "number/cnum.h"
 
@@ -120,6 +122,11 @@ exact gcd(const exact& a, const exact& b);
 
 // The value of an integer modulo m, from 0 on; 0 for beyond. m must be positive.
 std::uint64_t residue(const exact& integer, std::uint64_t m);
+
+// The magnitude of an integer as words, the lowest first, none for 0; and the fraction with these magnitudes, reduced,
+// where that of the denominator is not 0. Without leading words of 0.
+std::vector<std::uint64_t> magnitude_words(const exact& integer);
+exact exact_from_words(bool negative, std::span<const std::uint64_t> num, std::span<const std::uint64_t> den);
 
 // The value of an optional sign, digits and an optional point with digits; nothing for anything else.
 std::optional<exact> exact_from_decimal(std::string_view text);

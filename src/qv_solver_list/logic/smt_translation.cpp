@@ -437,7 +437,7 @@ smt_translation::translated smt_translation::list(term_ptr t, mode m) {
 
 smt_translation::translated smt_translation::application(term_ptr t, mode m) {
   const applied parts = taken_apart(t);
-  if (!parts.args.empty() && is_opaque(parts.head, parts.args)) {
+  if (is_opaque(parts.head, parts.args)) {
     return {opaque(t)};
   }
   const auto view = composed_term_split(t);

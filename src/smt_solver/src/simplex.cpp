@@ -3,12 +3,21 @@
 #include <algorithm>
 #include <cassert>
 #include <functional>
+#include <utility>
 
 namespace vetro::smt {
 namespace {
 
-// Exchanges in one check before the choice of variables falls back to the least number, which cannot go in circles.
-constexpr std::size_t patient_pivots = 200;
+// Exchanges in one check, each for one variable that is out of bounds, before all of them are looked at together.
+constexpr std::size_t patient_pivots = 20;
+
+// Exchanges that change no value before the choice of variables falls back to the least number, which cannot go in
+// circles.
+constexpr std::size_t patient_stalls = 20;
+
+// Work for one operation on a number: about ten nanoseconds each.
+std::uint64_t cost_of(const exact& number) { return number.limbs() <= 2 ? 2 : 16 * number.limbs(); }
+std::uint64_t cost_of(const whole& number) { return 2 + 2 * number.size(); }
 
 }  // namespace
 
@@ -27,21 +36,28 @@ linear_var simplex::add_sum(std::span<const summand> sum) {
   const linear_var x = add_variable();
   const auto r = static_cast<std::int32_t>(rows_.size());
   express(sum);
-  rows_.push_back({x, {}});
+  exact scale(1);
+  for (const auto& [y, coefficient] : expression_) {
+    const exact denominator = coefficient.denominator();
+    scale = scale / gcd(scale, denominator) * denominator;
+  }
+  rows_.push_back({x, whole(scale), {}});
   rows_.back().entries.reserve(expression_.size() + 1);
   vars_[at(x)].row = r;
   delta_number value;
-  add_entry(r, x, exact(-1));
-  for (auto& [y, coefficient] : expression_) {
+  add_entry(r, x, whole(-scale));
+  for (const auto& [y, coefficient] : expression_) {
     value.add_multiple(coefficient, vars_[at(y)].value);
-    add_entry(r, y, std::move(coefficient));
+    add_entry(r, y, whole(coefficient * scale));
+    work_.charge(cost_of(coefficient));
   }
+  broken_ = broken_ || !scale.is_known();
   note(value);
   vars_[at(x)].value = std::move(value);
   return x;
 }
 
-void simplex::add_entry(std::int32_t r, linear_var x, exact coefficient) {
+void simplex::add_entry(std::int32_t r, linear_var x, whole coefficient) {
   auto& column = vars_[at(x)].column;
   auto& entries = rows_[at(r)].entries;
   column.push_back({r, static_cast<std::int32_t>(entries.size())});
@@ -67,29 +83,42 @@ void simplex::remove_entry(std::int32_t r, std::int32_t place) {
   --entries_;
 }
 
-// target += factor * source
-void simplex::add_row(std::int32_t target, const exact& factor, std::int32_t source) {
+// Multiplies the target by a positive number and adds a multiple of the source, so that x goes.
+void simplex::eliminate(linear_var x, std::int32_t target, std::int32_t source) {
   auto& entries = rows_[at(target)].entries;
   const auto& added = rows_[at(source)].entries;
-  std::uint64_t cost = entries.size() + added.size();
+  whole multiple = coefficient_in(rows_[at(source)], x);  // below 0
+  whole factor = coefficient_in(rows_[at(target)], x);
+  const whole common = gcd(multiple, factor);
+  multiple.divide(common);
+  multiple.negate();
+  factor.divide(common);
   for (std::size_t i = 0; i < entries.size(); ++i) {
     place_in_row_[at(entries[i].var)] = static_cast<std::int32_t>(i) + 1;
   }
+  rows_[at(target)].scale.multiply(multiple);
   bool vanished = false;
+  std::uint64_t cost = 0;
   for (const row_entry& e : added) {
     const std::int32_t place = place_in_row_[at(e.var)];
+    cost += cost_of(e.coefficient);
     if (place == 0) {
-      add_entry(target, e.var, factor * e.coefficient);
+      add_entry(target, e.var, e.coefficient);
+      entries.back().coefficient.multiply(factor);
       continue;
     }
-    exact& coefficient = entries[at(place - 1)].coefficient;
-    coefficient.addmul(factor, e.coefficient);
-    cost += coefficient.limbs();
+    whole& coefficient = entries[at(place - 1)].coefficient;
+    coefficient.combine(multiple, factor, e.coefficient);
     vanished = vanished || coefficient.is_zero();
-    broken_ = broken_ || !coefficient.is_known();
-  }
-  for (const row_entry& e : entries) {
     place_in_row_[at(e.var)] = 0;
+  }
+  for (row_entry& e : entries) {
+    if (place_in_row_[at(e.var)] != 0) {  // not in the source
+      e.coefficient.multiply(multiple);
+      place_in_row_[at(e.var)] = 0;
+    }
+    cost += cost_of(e.coefficient);
+    broken_ = broken_ || !e.coefficient.is_known();
   }
   for (std::size_t i = entries.size(); vanished && i > 0; --i) {
     if (entries[i - 1].coefficient.is_zero()) {
@@ -97,10 +126,31 @@ void simplex::add_row(std::int32_t target, const exact& factor, std::int32_t sou
     }
   }
   work_.charge(cost);
+  reduce(rows_[at(target)]);
 }
 
-const exact& simplex::coefficient_in(const row& r, linear_var x) const {
+void simplex::reduce(row& r) {
+  whole common = r.scale;
+  for (std::size_t i = 0; i < r.entries.size() && !common.is_one(); ++i) {
+    common = gcd(common, r.entries[i].coefficient);
+  }
+  if (!common.is_one() && common.is_known()) {
+    r.scale.divide(common);
+    for (row_entry& e : r.entries) {
+      e.coefficient.divide(common);
+    }
+  }
+}
+
+const whole& simplex::coefficient_in(const row& r, linear_var x) const {
   return std::find_if(r.entries.begin(), r.entries.end(), [&](const row_entry& e) { return e.var == x; })->coefficient;
+}
+
+exact simplex::rate_of(const column_entry& c) const {
+  const row& r = rows_[at(c.row)];
+  exact rate = ratio(r.entries[at(c.place)].coefficient, r.scale);
+  work_.charge(cost_of(rate));
+  return rate;
 }
 
 // The entering variable is expressed by the row of the leaving one, and put in wherever it stands.
@@ -108,22 +158,20 @@ void simplex::pivot(linear_var leaving, linear_var entering) {
   ++pivots_;
   const std::int32_t r = vars_[at(leaving)].row;
   row& pivot_row = rows_[at(r)];
-  const exact scale = exact(-1) / coefficient_in(pivot_row, entering);
-  if (!scale.is_one()) {
+  if (coefficient_in(pivot_row, entering).sign() > 0) {
     for (row_entry& e : pivot_row.entries) {
-      e.coefficient *= scale;
-      broken_ = broken_ || !e.coefficient.is_known();
+      e.coefficient.negate();
     }
   }
+  pivot_row.scale = coefficient_in(pivot_row, entering);
+  pivot_row.scale.negate();
   pivot_row.basic = entering;
   vars_[at(leaving)].row = -1;
   vars_[at(entering)].row = r;
   auto& column = vars_[at(entering)].column;
   for (std::size_t i = column.size(); i > 0; --i) {  // entries vanish behind the place of the walk
-    const column_entry c = column[i - 1];
-    if (c.row != r) {
-      const exact factor = rows_[at(c.row)].entries[at(c.place)].coefficient;
-      add_row(c.row, factor, r);
+    if (column[i - 1].row != r) {
+      eliminate(entering, column[i - 1].row, r);
     }
   }
 }
@@ -189,11 +237,12 @@ void simplex::move(linear_var x, const delta_number& by) {
   note(vars_[at(x)].value);
   work_.charge(vars_[at(x)].column.size());
   for (const column_entry& c : vars_[at(x)].column) {
-    const row& r = rows_[at(c.row)];
-    variable& basic = vars_[at(r.basic)];
-    basic.value.add_multiple(r.entries[at(c.place)].coefficient, by);
+    const linear_var y = rows_[at(c.row)].basic;
+    variable& basic = vars_[at(y)];
+    basic.value.add_multiple(rate_of(c), by);
+    work_.charge(cost_of(basic.value.real));
     note(basic.value);
-    suspect(r.basic);
+    suspect(y);
   }
 }
 
@@ -219,9 +268,13 @@ simplex::answer simplex::check() {
     if (leaving < 0) {
       return answer::feasible;
     }
+    if (exchanges == patient_pivots) {
+      suspect(leaving);
+      return reduce_violations();
+    }
     const row& r = rows_[at(vars_[at(leaving)].row)];
     const int direction = below(leaving) ? 1 : -1;
-    const linear_var entering = choose_entering(r, direction, exchanges >= patient_pivots);
+    const linear_var entering = choose_entering(r, direction);
     if (entering < 0) {
       explain_row(r, direction);
       suspect(leaving);
@@ -237,15 +290,14 @@ simplex::answer simplex::check() {
 
 // A variable of the row that can move the basic one in the direction; -1 when there is none. First choice: one without
 // bounds, which never has to leave again; then the one in the fewest rows.
-linear_var simplex::choose_entering(const row& r, int direction, bool least) const {
+linear_var simplex::choose_entering(const row& r, int direction) const {
   linear_var best = -1;
   for (const row_entry& e : r.entries) {
     if (e.var == r.basic || !can_move(e.var, direction * e.coefficient.sign())) {
       continue;
     }
     const auto rank = [&](linear_var x) {
-      return std::pair(least ? std::size_t{0} : (is_free(x) ? 0 : std::size_t{1} << 32) + vars_[at(x)].column.size(),
-                       x);
+      return std::pair((is_free(x) ? 0 : std::size_t{1} << 32) + vars_[at(x)].column.size(), x);
     };
     if (best < 0 || rank(e.var) < rank(best)) {
       best = e.var;
@@ -260,18 +312,155 @@ void simplex::explain_row(const row& r, int direction) {
   for (const row_entry& e : r.entries) {
     const variable& v = vars_[at(e.var)];
     const int sign = direction * e.coefficient.sign();
-    conflict_.push_back(sign > 0 ? v.upper.why : v.lower.why);  // the coefficient of the basic variable is -1
+    conflict_.push_back(sign > 0 ? v.upper.why : v.lower.why);  // the coefficient of the basic variable is below 0
   }
 }
 
 void simplex::pivot_and_set(linear_var leaving, linear_var entering, const delta_number& target) {
   const row& r = rows_[at(vars_[at(leaving)].row)];
-  const exact inverse = exact(1) / coefficient_in(r, entering);
+  const exact inverse = ratio(r.scale, coefficient_in(r, entering));
   const delta_number by = (target - vars_[at(leaving)].value) * inverse;
   move(entering, by);
   vars_[at(leaving)].value = target;
   pivot(leaving, entering);
   suspect(entering);
+}
+
+// ---- All violations together.
+//
+// The sum of all distances to the bounds falls until it is 0 or no variable can make it fall, which refutes the bounds:
+// the same combination of rows that gives the sum shows that it cannot be 0.
+
+simplex::answer simplex::reduce_violations() {
+  std::size_t stalls = 0;
+  while (!broken_ && work_.charge(1)) {
+    add_up_violations();
+    if (violated_.empty()) {
+      return answer::feasible;
+    }
+    for (const linear_var x : violated_) {
+      const row& r = rows_[at(vars_[at(x)].row)];
+      const int direction = below(x) ? 1 : -1;
+      if (choose_entering(r, direction) < 0) {
+        explain_row(r, direction);
+        return answer::conflict;
+      }
+    }
+    const bool stalled = stalls > patient_stalls;
+    const auto useful = [&](const std::pair<linear_var, exact>& e) { return can_move(e.first, e.second.sign()); };
+    auto best = expression_.end();
+    for (auto e = expression_.begin(); e != expression_.end(); ++e) {
+      if (useful(*e) && (best == expression_.end() || (stalled ? e->first < best->first : steeper(*e, *best)))) {
+        best = e;
+      }
+    }
+    if (best == expression_.end()) {
+      explain_violations();
+      return answer::conflict;
+    }
+    const auto [entering, slope] = *best;
+    stalls = step_down(entering, slope, stalled) ? 0 : stalls + 1;
+  }
+  return answer::exhausted;
+}
+
+// Greater slopes first, then lesser numbers.
+bool simplex::steeper(const std::pair<linear_var, exact>& a, const std::pair<linear_var, exact>& b) {
+  const exact x = a.second.sign() < 0 ? -a.second : a.second;
+  const exact y = b.second.sign() < 0 ? -b.second : b.second;
+  return x == y ? a.first < b.first : y < x;
+}
+
+// Into violated_, and the sum of the violations, with what lies below counted upwards, into expression_.
+void simplex::add_up_violations() {
+  violated_.clear();
+  std::size_t kept = 0;
+  for (const linear_var x : suspects_) {
+    if (is_basic(x) && (below(x) || above(x))) {
+      suspects_[kept++] = x;
+    } else {
+      is_suspect_[at(x)] = 0;
+    }
+  }
+  suspects_.resize(kept);
+  std::sort(suspects_.begin(), suspects_.end());  // a heap
+  violated_ = suspects_;
+  std::vector<summand> sum;
+  for (const linear_var x : violated_) {
+    sum.emplace_back(x, exact(below(x) ? 1 : -1));
+  }
+  express(sum);
+}
+
+void simplex::explain_violations() {
+  conflict_.clear();
+  for (const linear_var x : violated_) {
+    const variable& v = vars_[at(x)];
+    conflict_.push_back(below(x) ? v.lower.why : v.upper.why);
+  }
+  for (const auto& [x, slope] : expression_) {
+    const variable& v = vars_[at(x)];
+    conflict_.push_back(slope.sign() > 0 ? v.upper.why : v.lower.why);
+  }
+}
+
+// Moves x, which is not basic, in the direction of the slope as far as the sum of violations falls; only to the first
+// bound in the way when stalled. False when nothing moves.
+bool simplex::step_down(linear_var x, const exact& slope, bool stalled) {
+  const int direction = slope.sign();
+  breakpoints_.clear();
+  const auto add = [&](linear_var y, const bound& b, int way, const exact& rate) {
+    const delta_number& value = vars_[at(y)].value;
+    const delta_number distance = (way > 0 ? b.value - value : value - b.value) * (exact(1) / rate);
+    breakpoints_.push_back({distance, y, &b == &vars_[at(y)].upper, rate});
+  };
+  for (const column_entry& c : vars_[at(x)].column) {
+    const linear_var y = rows_[at(c.row)].basic;
+    const variable& v = vars_[at(y)];
+    exact rate = rate_of(c);
+    const int way = direction * rate.sign();
+    rate = rate.sign() < 0 ? -rate : rate;
+    const bound& first = way > 0 ? v.lower : v.upper;
+    const bound& second = way > 0 ? v.upper : v.lower;
+    const bool outside_behind = way > 0 ? above(y) : below(y);
+    const bool outside_before = way > 0 ? below(y) : above(y);
+    if (outside_before) {
+      add(y, first, way, rate);
+    }
+    if (second.present && !outside_behind) {
+      add(y, second, way, rate);
+    }
+  }
+  const auto nearer = [](const breakpoint& a, const breakpoint& b) {
+    return a.distance == b.distance ? a.basic < b.basic : a.distance < b.distance;
+  };
+  std::sort(breakpoints_.begin(), breakpoints_.end(), nearer);
+  exact left = direction > 0 ? slope : -slope;
+  auto stop = breakpoints_.begin();
+  for (; stop != breakpoints_.end(); ++stop) {
+    left -= stop->change;
+    if (left.sign() <= 0 || stalled) {
+      break;
+    }
+  }
+  const variable& v = vars_[at(x)];
+  const bound& own = direction > 0 ? v.upper : v.lower;
+  if (own.present) {
+    const delta_number to_own = direction > 0 ? own.value - v.value : v.value - own.value;
+    if (stop == breakpoints_.end() || !(stop->distance < to_own)) {
+      move(x, own.value - v.value);
+      return true;
+    }
+  }
+  if (stop == breakpoints_.end()) {  // not reached: what is out of bounds comes to its bound
+    broken_ = true;
+    return false;
+  }
+  const breakpoint here = *stop;
+  const variable& leaving = vars_[at(here.basic)];
+  const delta_number target = here.at_upper ? leaving.upper.value : leaving.lower.value;
+  pivot_and_set(here.basic, x, target);
+  return !here.distance.is_zero();
 }
 
 // ---- Forced values.
@@ -293,10 +482,10 @@ void simplex::express(std::span<const summand> sum) {
       continue;
     }
     const row& r = rows_[at(vars_[at(x)].row)];
-    work_.charge(r.entries.size());
     for (const row_entry& e : r.entries) {
+      work_.charge(cost_of(e.coefficient));
       if (e.var != x) {
-        add(e.var, coefficient * e.coefficient);
+        add(e.var, coefficient * ratio(e.coefficient, r.scale));
       }
     }
   }
@@ -327,12 +516,9 @@ std::optional<delta_number> simplex::room(linear_var x, int direction, linear_va
   };
   stop(x, direction, exact(1));
   for (const column_entry& c : vars_[at(x)].column) {
-    const row& r = rows_[at(c.row)];
-    const exact& coefficient = r.entries[at(c.place)].coefficient;
-    const int sign = coefficient.sign();
-    stop(r.basic, direction * sign, sign > 0 ? coefficient : -coefficient);
+    const exact rate = rate_of(c);
+    stop(rows_[at(c.row)].basic, direction * rate.sign(), rate.sign() > 0 ? rate : -rate);
   }
-  work_.charge(vars_[at(x)].column.size());
   return least;
 }
 

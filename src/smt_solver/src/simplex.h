@@ -16,6 +16,7 @@
 #include <vector>
 
 #include "number/budget.h"
+#include "number/whole.h"
 #include "smt_solver/src/delta_number.h"
 
 namespace vetro::smt {
@@ -87,11 +88,13 @@ class simplex {
   struct row_entry {
     linear_var var;
     std::int32_t place;  // in the column of the variable
-    exact coefficient;
+    whole coefficient;
   };
-  // The sum of all entries is 0, and the coefficient of the basic variable is -1.
+  // The sum of all entries is 0. The coefficients are integers without a common factor, and that of the basic variable
+  // is -scale, below 0.
   struct row {
     linear_var basic;
+    whole scale;
     std::vector<row_entry> entries;
   };
   struct bound_change {
@@ -108,17 +111,33 @@ class simplex {
   bool above(linear_var x) const { return vars_[at(x)].upper.present && vars_[at(x)].upper.value < vars_[at(x)].value; }
   bool can_move(linear_var x, int direction) const;
 
-  void add_entry(std::int32_t r, linear_var x, exact coefficient);
+  void add_entry(std::int32_t r, linear_var x, whole coefficient);
   void remove_entry(std::int32_t r, std::int32_t place);
-  void add_row(std::int32_t target, const exact& factor, std::int32_t source);
+  void eliminate(linear_var x, std::int32_t target, std::int32_t source);
+  void reduce(row& r);
   void pivot(linear_var leaving, linear_var entering);
   void move(linear_var x, const delta_number& by);  // x is not basic
   void suspect(linear_var x);
   linear_var next_violated();
-  linear_var choose_entering(const row& r, int direction, bool least) const;
+  linear_var choose_entering(const row& r, int direction) const;
   void explain_row(const row& r, int direction);
   void pivot_and_set(linear_var leaving, linear_var entering, const delta_number& target);
-  const exact& coefficient_in(const row& r, linear_var x) const;
+  const whole& coefficient_in(const row& r, linear_var x) const;
+  exact rate_of(const column_entry& c) const;  // of the basic variable of the row, as the one of the column grows
+
+  // What is out of bounds, added up, as a function of one variable that is not basic: how it falls at first, and where
+  // it falls less.
+  struct breakpoint {
+    delta_number distance;
+    linear_var basic;
+    bool at_upper;
+    exact change;
+  };
+  answer reduce_violations();
+  void add_up_violations();
+  static bool steeper(const std::pair<linear_var, exact>& a, const std::pair<linear_var, exact>& b);
+  void explain_violations();
+  bool step_down(linear_var x, const exact& slope, bool stalled);
 
   void express(std::span<const summand> sum);  // over variables that are not basic, into expression_
   std::optional<delta_number> room(linear_var x, int direction, linear_var* blocking) const;
@@ -137,6 +156,8 @@ class simplex {
   std::vector<bound_change> undo_;
   std::vector<std::size_t> level_starts_;
   std::vector<std::pair<linear_var, exact>> expression_;
+  std::vector<linear_var> violated_;
+  std::vector<breakpoint> breakpoints_;
   std::vector<exact> dense_;
   std::uint32_t random_ = 1;
   std::size_t pivots_ = 0;
