@@ -51,6 +51,9 @@ inline constexpr std::uint32_t squeeze_subterms = 128;
 // Factors tried and edges followed in one call of the squeezing solver: some ten milliseconds. A real chain has a few.
 inline constexpr std::uint64_t squeeze_steps = 1'000'000;
 
+// Subterms of one closed expression for which bounds are computed, some ten microseconds each. A formula has some ten.
+inline constexpr std::size_t closed_value_nodes = 2'000;
+
 // Questions about one applied chain of implications that may end undecided. Each can cost the full work of the core.
 inline constexpr int apply_undecided = 8;
 
@@ -84,7 +87,8 @@ inline constexpr int root_sign_proofs = 200;
 // each.
 inline constexpr std::size_t poly_remembered = 200'000;
 
-// Work for telling whether the gaps of a formula are those of its derivative, as poly_work counts it: a few milliseconds.
+// Work for telling whether the gaps of a formula are those of its derivative, as poly_work counts it: a few
+// milliseconds.
 inline constexpr std::uint64_t zero_set_work = 200'000;
 
 // Distinct subterms that one computation of derivatives may look at, those of all orders together. The derivative of a

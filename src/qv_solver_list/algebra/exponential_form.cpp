@@ -329,21 +329,6 @@ term_ptr exponential_form(term_ptr t, root_normalizer& normalizer) { return real
 
 class circular_form::writer : public function_writer {
  public:
-  term_ptr cofactor() const {
-    joined product(Mult);
-    for (const std::int64_t prime : odd_primes_) {
-      product.add(one_plus(to_number(number(-1), exact(1) / exact(prime))));
-    }
-    return product.all();
-  }
-
- protected:
-  term_ptr write_operation(const composed_term& view) override {
-    const function_row* row = view.t2 == nullptr ? row_of(circular, view.oper) : nullptr;
-    return row == nullptr ? nullptr : row->apply(on_circle(view.t1));
-  }
-
- private:
   // e^(i * angle).
   term_ptr on_circle(term_ptr angle) {
     joined product(Mult);
@@ -363,6 +348,21 @@ class circular_form::writer : public function_writer {
     return product.all_or_one();
   }
 
+  term_ptr cofactor() const {
+    joined product(Mult);
+    for (const std::int64_t prime : odd_primes_) {
+      product.add(one_plus(to_number(number(-1), exact(1) / exact(prime))));
+    }
+    return product.all();
+  }
+
+ protected:
+  term_ptr write_operation(const composed_term& view) override {
+    const function_row* row = view.t2 == nullptr ? row_of(circular, view.oper) : nullptr;
+    return row == nullptr ? nullptr : row->apply(on_circle(view.t1));
+  }
+
+ private:
   // e^(i * π * turns).
   term_ptr half_turns(exact turns) {
     turns -= exact(2) * floor((turns + exact(1)) / exact(2));  // from -1 on, below 1
@@ -392,6 +392,8 @@ circular_form::circular_form() : writer_(std::make_unique<writer>()) {}
 circular_form::~circular_form() = default;
 
 term_ptr circular_form::of(term_ptr t) { return writer_->write(t); }
+
+term_ptr circular_form::turned(term_ptr angle) { return writer_->on_circle(angle); }
 
 term_ptr circular_form::cofactor() const { return writer_->cofactor(); }
 

@@ -27,6 +27,9 @@ class circular_form {
   // t with sin, cos, tan, cot, sec and csc rewritten. Multiples of π are powers of -1, and those of π/12 roots.
   term_ptr of(term_ptr t);
 
+  // e^(i * angle).
+  term_ptr turned(term_ptr angle);
+
   // A number other than zero by which a sum of powers of -1 may have to be multiplied to show that it is zero, as
   // 1 - z + z^2 for z = (-1)^(1/3) times 1 + z. Null where no such powers were written.
   term_ptr cofactor() const;

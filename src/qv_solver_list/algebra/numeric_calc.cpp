@@ -3,7 +3,9 @@
 #include "qv_solver_list/algebra/numeric_calc.h"
 
 #include <algorithm>
+#include <array>
 
+#include "qv_solver_list/algebra/closed_value.h"
 #include "qv_solver_list/algebra/exponential_form.h"
 #include "qv_solver_list/algebra/log_form.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
@@ -241,6 +243,66 @@ class simplification {
   node_memo<term_ptr> known_;
 };
 
+// ---- Inverse functions of angles.
+
+// f(g(v)) = v from low * π to high * π, and with its ends where these are g's own.
+struct inverse_row {
+  oper_type inverse;
+  oper_type function;
+  exact low;
+  exact high;
+  bool with_ends;
+};
+
+const inverse_row* inverse_row_of(oper_type oper) {
+  static const std::array rows = {
+      inverse_row{Arcsin, Sin, exact(-1) / exact(2), exact(1) / exact(2), true},
+      inverse_row{Arccos, Cos, 0, 1, true},
+      inverse_row{Arctan, Tan, exact(-1) / exact(2), exact(1) / exact(2), false},
+      inverse_row{Arccot, Cot, 0, 1, false},
+  };
+  const auto row = std::find_if(rows.begin(), rows.end(), [oper](const inverse_row& r) { return r.inverse == oper; });
+  return row == rows.end() ? nullptr : &*row;
+}
+
+term_ptr multiple_of_pi(const exact& factor) { return make_binOp_term(Mult, number_of_any_size(factor), mk_const(Pi)); }
+
+bool is_in_range(term_ptr angle, const inverse_row& row) {
+  if (const auto multiple = multiple_of_pi(angle)) {
+    return row.with_ends ? row.low <= *multiple && *multiple <= row.high : row.low < *multiple && *multiple < row.high;
+  }
+  return sign_of_difference(angle, multiple_of_pi(row.low)) > 0 &&
+         sign_of_difference(multiple_of_pi(row.high), angle) > 0;
+}
+
+// arcsin(u) = v where u = sin(v) and v is in the range of arcsin.
+bool equal_by_inverse(term_ptr left, term_ptr right, const solve_data& sdata) {
+  const auto view = left->has_meta() ? std::nullopt : composed_term_split(left);
+  const inverse_row* row = view && view->t2 == nullptr ? inverse_row_of(view->oper) : nullptr;
+  if (row == nullptr || !is_in_range(right, *row)) {
+    return false;
+  }
+  const term_ptr value = solver_numeric_calc_simplify(make_unOp_term(row->function, right));
+  return equal_values(view->t1, value, sdata);
+}
+
+// Two angles that differ by less than 2π and lie at the same place on the circle.
+bool equal_on_circle(term_ptr left, term_ptr right) {
+  const auto is_inverse = [](term_ptr t) { return t->type() == Oper && inverse_row_of(t->oper()) != nullptr; };
+  if (!any_subterm(left, walk_children, is_inverse) && !any_subterm(right, walk_children, is_inverse)) {
+    return false;
+  }
+  const term_ptr difference = make_binOp_term(Minus, left, right);
+  const term_ptr six = mk_integer(6);
+  return sign_of_difference(six, difference) > 0 && sign_of_difference(make_unOp_term(Neg, six), difference) < 0 &&
+         poly_rat_eqb(circular_form().turned(difference), mk_integer(1));
+}
+
+bool equal_angles(term_ptr left, term_ptr right, const solve_data& sdata) {
+  return left->name_mask() == 0 && right->name_mask() == 0 &&
+         (equal_by_inverse(left, right, sdata) || equal_by_inverse(right, left, sdata) || equal_on_circle(left, right));
+}
+
 }  // namespace
 
 std::optional<exact> solver_numeric_calc_eval_rational(term_ptr source) {
@@ -274,7 +336,11 @@ bool solver_numeric_calc(term_ptr target, const solve_data& sdata) {
       return true;
     }
   }
-  return relation->pred == Eq && equal_values(left, right, sdata);
+  if (relation->pred == Eq) {
+    return equal_values(left, right, sdata) || equal_angles(left, right, sdata);
+  }
+  const int order = sign_of_difference(left, right);
+  return order != 0 && holds(relation->pred, order);
 }
 
 }  // namespace vetro

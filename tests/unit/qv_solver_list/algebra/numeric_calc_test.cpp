@@ -145,5 +145,35 @@ TEST_F(numeric_calc_test, functions_as_powers) {
           {{}, "sin(∞)^2 + cos(∞)^2 = 1"}});
 }
 
+TEST_F(numeric_calc_test, bounds_and_angles) {
+  expect(solver_numeric_calc, true,
+         {{{}, "sqrt(2) + sqrt(3) > 3"},
+          {{}, "2^(1/2) < 3^(1/3)"},
+          {{}, "e^(π) > π^(e)"},
+          {{}, "cbrt(-7) > -2"},
+          {{}, "sin(10000) ≠ cos(10000)"},
+          {{}, "log(2, 3) ≥ lg(38)"},
+          {{}, "arccot(-1) = 3 * π / 4"},
+          {{}, "arcsin(-1) = -π / 2"},
+          {{}, "arccos(cos(20)) = 20 - 6 * π"},
+          {{}, "arctan(1) + arctan(2) + arctan(3) = π"}});
+  expect(solver_numeric_calc, false,
+         {{{}, "sqrt(2) * sqrt(2) ≠ 2"},
+          {{}, "sqrt(-1) ≠ 0"},
+          {{}, "1 / 0 > 0"},
+          {{}, "tan(π / 2) > 0"},
+          {{}, "(-8)^(1/3) ≠ 1"},
+          {{}, "0^0 > 0"},
+          {{}, "arcsin(2) > 0"},
+          {{}, "log(1, 5) > 0"},
+          {{}, "|±1| > 0"},
+          {{}, "1 + 2 + ... + 5 > 3"},
+          {{}, "x^2 > -1"},
+          {{}, "arccos(cos(20)) = 20"},
+          {{}, "arccot(-1) = -π / 4"},
+          {{}, "arcsin(-1) = 3 * π / 2"},
+          {{}, "arctan(-1) = 3 * π / 4"}});
+}
+
 }  // namespace
 }  // namespace vetro
