@@ -3,8 +3,10 @@
 
 #include <algorithm>
 #include <new>
+#include <optional>
 
 #include "number/limits.h"
+#include "qv_solver_list/call_work.h"
 #include "term/state.h"
 
 namespace vetro {
@@ -31,7 +33,39 @@ class factory_budget {
   std::uint64_t outer_;
 };
 
+// The shared work of the outermost call under way.
+struct shared_work {
+  std::optional<budget> kernel = std::nullopt;
+};
+
+class call_scope {
+ public:
+  call_scope() : outermost_(!work().kernel) {
+    if (outermost_) {
+      work().kernel.emplace(limits::smt_work);
+    }
+  }
+  ~call_scope() {
+    if (outermost_) {
+      work().kernel.reset();
+    }
+  }
+  call_scope(const call_scope&) = delete;
+  call_scope& operator=(const call_scope&) = delete;
+
+  static shared_work& work() { return state().slots.of<shared_work>(); }
+
+ private:
+  factory_budget terms_;
+  bool outermost_;
+};
+
 }  // namespace
+
+budget* kernel_work_of_call() {
+  auto& work = call_scope::work().kernel;
+  return work ? &*work : nullptr;
+}
 
 void install_solvers(std::span<const solver_row> rows) { installed_rows() = rows; }
 
@@ -53,7 +87,7 @@ bool call_decision_solver(solver_decide solve, term_ptr target, const solve_data
     return false;
   }
   try {
-    const factory_budget budget;
+    const call_scope scope;
     return solve(target, sdata);
   } catch (const std::bad_alloc&) {
     return false;
@@ -65,7 +99,7 @@ solve_res call_one_step_solver(solver_func_t solve, const solver_args& args) {
     return {};
   }
   try {
-    const factory_budget budget;
+    const call_scope scope;
     return solve(args);
   } catch (const std::bad_alloc&) {
     return {};

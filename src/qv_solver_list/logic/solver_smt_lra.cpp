@@ -1,36 +1,105 @@
 // Linear arithmetic with uninterpreted functions: the target is proved when the assumptions and its negation have no
 // model together.
-#include "number/budget.h"
+//
+// Of a long list only what belongs together with the target is looked at, and once for the list whether the rest
+// contradicts itself: the answers are those of one question about everything.
+#include <algorithm>
+#include <iterator>
+
 #include "number/limits.h"
+#include "qv_solver_list/assumption_facts.h"
+#include "qv_solver_list/call_work.h"
+#include "qv_solver_list/logic/smt_relevance.h"
 #include "qv_solver_list/logic/smt_translation.h"
 #include "qv_solver_list/logic/smt_values.h"
 #include "qv_solver_list/solvers.h"
 #include "smt_solver/src/lra_solver.h"
 
 namespace vetro {
+namespace {
+
+// Shorter lists are looked at as a whole.
+constexpr std::size_t short_list = 24;
+
+enum class answer : unsigned char { no_translation, refuted, open };
+
+// A question under construction.
+class question {
+ public:
+  question(term_span assumptions, term_ptr target) : assumptions_(assumptions), translation_(language_, kinds_) {
+    kinds_.add(target);
+    for (term_ptr assumption : assumptions) {
+      kinds_.add(assumption);
+    }
+  }
+
+  smt_prop negated_target(term_ptr target) {
+    const smt_prop goal = translation_.target(target);
+    return goal == smt_none ? smt_none : language_.negation(goal);
+  }
+  // Whether the assumptions refute the formula.
+  bool is_refuted(smt_prop formula, budget& work) {
+    for (term_ptr assumption : assumptions_) {
+      const smt_prop assumed = translation_.assumption(assumption);
+      formula = assumed == smt_none ? formula : language_.connective(SMTPROP_AND, assumed, formula);
+    }
+    for (const smt_prop constraint : translation_.constraints()) {
+      formula = language_.connective(SMTPROP_AND, constraint, formula);
+    }
+    return smt_solver_lra_uf(language_, formula, work) == 0;
+  }
+  smt_prop truth() { return language_.truth(true); }
+
+ private:
+  term_span assumptions_;
+  value_kinds kinds_;
+  smt_language language_;
+  smt_translation translation_;
+};
+
+answer refute(term_span assumptions, term_ptr target, budget& work) {
+  question asked(assumptions, target);
+  const smt_prop negated = asked.negated_target(target);
+  if (negated == smt_none) {
+    return answer::no_translation;
+  }
+  return asked.is_refuted(negated, work) ? answer::refuted : answer::open;
+}
+
+bool refute_alone(term_span assumptions, budget& work) {
+  question asked(assumptions, nullptr);
+  return asked.is_refuted(asked.truth(), work);
+}
+
+}  // namespace
 
 bool solver_smt_lra(term_ptr target, const solve_data& sdata) {
-  value_kinds kinds;
-  kinds.add(target);
-  for (term_ptr assumption : sdata.assum) {
-    kinds.add(assumption);
+  budget work(limits::smt_work, kernel_work_of_call());
+  if (target == nullptr || sdata.assum.size() <= short_list) {
+    return refute(sdata.assum, target, work) == answer::refuted;
   }
-  smt_language language;
-  smt_translation translation(language, kinds);
-  const smt_prop goal = translation.target(target);
-  if (goal == smt_none) {
-    return false;
+  assumption_facts* list = &facts_of(sdata);
+  term_list above;  // of the layers on top of the list
+  for (; list->below() != nullptr; list = list->below()) {
+    std::ranges::copy_if(list->own(), std::back_inserter(above), [](term_ptr t) { return t != nullptr; });
   }
-  smt_prop formula = language.negation(goal);
-  for (term_ptr assumption : sdata.assum) {
-    const smt_prop assumed = translation.assumption(assumption);
-    formula = assumed == smt_none ? formula : language.connective(SMTPROP_AND, assumed, formula);
+  smt_relevance& relevance = list->table<smt_relevance>();
+  term_list asked = above;
+  asked.push_back(target);
+  term_list assumptions = relevance.relevant_to(asked);
+  assumptions.insert(assumptions.end(), above.begin(), above.end());
+  const answer of_relevant = refute(assumptions, target, work);
+  if (of_relevant != answer::open || work.exhausted() || relevance.is_contradictory()) {
+    return of_relevant == answer::refuted || (of_relevant == answer::open && relevance.is_contradictory());
   }
-  for (const smt_prop constraint : translation.constraints()) {
-    formula = language.connective(SMTPROP_AND, constraint, formula);
+  relevance.relevant_are_consistent();
+  const term_list others = relevance.others();
+  if (!others.empty() && refute_alone(others, work)) {
+    relevance.contradicts_itself();
+  } else if (!work.exhausted()) {
+    relevance.others_are_consistent();
   }
-  budget work(limits::smt_work);
-  return smt_solver_lra_uf(language, formula, work) == 0;
+  return relevance.is_contradictory();
 }
 
 }  // namespace vetro

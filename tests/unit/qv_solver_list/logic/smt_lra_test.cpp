@@ -1,6 +1,7 @@
 // What the translation of terms keeps apart: kinds of values, names, scopes of meaning; and what it may leave out.
 #include <gtest/gtest.h>
 
+#include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/solvers.h"
 #include "support/solver_fixture.h"
 
@@ -100,6 +101,43 @@ TEST_F(smt_lra_test, what_is_left_out) {
              {{"y > 0 ⇒ x > 0 ∧ (forall (t), t > x)", "y > 1"}, "x > 0"},
              {{"x > 0 ∨ x > 1 ∧ (forall (t), t > 0)"}, "x > 0"},
          });
+}
+
+// What does not belong together with the goal is left out of long lists, and changes no answer.
+TEST_F(smt_lra_test, long_lists) {
+  std::vector<std::string> others;
+  for (int i = 0; i < 40; ++i) {
+    others.push_back("q" + std::to_string(i) + " + 2 * r" + std::to_string(i) + " ≤ " + std::to_string(i));
+  }
+  const auto list_of = [](const std::vector<std::string>& texts) {
+    solve_data sdata;
+    for (const std::string& text : texts) {
+      sdata.assum.push_back(read(text));
+    }
+    return sdata;
+  };
+  const auto proves = [&](const std::vector<std::string>& texts, std::string_view goal) {
+    std::vector<std::string> all = texts;
+    all.insert(all.begin() + 1, others.begin(), others.end());
+    const solve_data sdata = list_of(all);
+    const bool first = solver_smt_lra(read(goal), sdata);
+    EXPECT_EQ(solver_smt_lra(read(goal), sdata), first) << goal;
+    return first;
+  };
+  EXPECT_TRUE(proves({"x3 = y", "y = x5"}, "f(x3) = f(x5)"));
+  EXPECT_TRUE(proves({"x = 3", "y = 3", "f(x) = 5"}, "f(y) = 5"));
+  EXPECT_TRUE(proves({"x = 1", "y = 1", "f = 3", "g = 3", "f(x) = 5"}, "g(y) = 5"));
+  EXPECT_TRUE(proves({"x = 3", "y = 3", "x ∈ A"}, "y ∈ A"));
+  EXPECT_TRUE(proves({"x = 3", "y = 3", "x^2 = 9"}, "y^2 = 9"));
+  EXPECT_TRUE(proves({"u > 1", "u < 0"}, "x = 5"));
+  EXPECT_TRUE(proves({"1 > 2", "x > 0"}, "z = 1"));
+  EXPECT_FALSE(proves({"u > 1", "u < 0"}, "forall (t), t > 0"));
+  EXPECT_FALSE(proves({"u > 1", "u < 3"}, "x = 5"));
+  EXPECT_FALSE(proves({"S = Complex", "z ∈ S"}, "z < 0 ∨ z ≥ 0"));
+  const solve_data below = list_of(others);
+  const term_list more = {read("q3 > 5"), read("r3 > 0")};
+  EXPECT_TRUE(solver_smt_lra(read("x = 5"), with_assumptions(below, more)));
+  EXPECT_FALSE(solver_smt_lra(read("x = 5"), below));
 }
 
 }  // namespace
