@@ -1,5 +1,6 @@
 // Sturm's theorem on the whole line: the number of different real roots is the difference between the changes of sign
-// in the chain p, p', and the negated remainders of division, taken at -∞ and at +∞.
+// in the chain p, p', and the negated remainders of division, taken at -∞ and at +∞. The last of the chain is the
+// greatest common divisor of p and p'.
 #include "number/real_roots.h"
 
 #include <cstdint>
@@ -55,12 +56,7 @@ int changes_of_sign(const std::vector<dense_polynomial>& chain, bool negative) {
   return changes;
 }
 
-}  // namespace
-
-std::optional<bool> has_real_root(const dense_polynomial& p, budget& work) {
-  if (p.empty() || p.size() % 2 == 0) {  // zero, or an odd degree
-    return true;
-  }
+std::optional<std::vector<dense_polynomial>> chain_of(const dense_polynomial& p, budget& work) {
   std::vector<dense_polynomial> chain{p, slope_of(p)};
   while (!chain.back().empty()) {
     auto next = next_of_chain(chain[chain.size() - 2], chain.back(), work);
@@ -70,7 +66,25 @@ std::optional<bool> has_real_root(const dense_polynomial& p, budget& work) {
     chain.push_back(*std::move(next));
   }
   chain.pop_back();
-  return changes_of_sign(chain, true) != changes_of_sign(chain, false);
+  return chain;
+}
+
+}  // namespace
+
+std::optional<bool> has_real_root(const dense_polynomial& p, budget& work) {
+  if (p.empty() || p.size() % 2 == 0) {  // zero, or an odd degree
+    return true;
+  }
+  const auto chain = chain_of(p, work);
+  return chain ? std::optional(changes_of_sign(*chain, true) != changes_of_sign(*chain, false)) : std::nullopt;
+}
+
+std::optional<bool> has_multiple_root(const dense_polynomial& p, budget& work) {
+  if (p.empty()) {
+    return true;
+  }
+  const auto chain = chain_of(p, work);
+  return chain ? std::optional(chain->back().size() > 1) : std::nullopt;
 }
 
 }  // namespace vetro

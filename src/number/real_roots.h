@@ -1,4 +1,4 @@
-// Whether a polynomial with rational coefficients has a real root.
+// The roots of a polynomial with rational coefficients: whether one is real, whether one is multiple.
 #pragma once
 
 #include <optional>
@@ -8,8 +8,9 @@
 
 namespace vetro {
 
-// Zero has roots, other constants have none. Charges a unit for each product of coefficients and each word of the
-// result. Nothing when the work is used up or a coefficient leaves the range of exact.
+// Zero has roots, multiple ones too; other constants have none. Both charge a unit for each product of coefficients and
+// each word of the result. Nothing when the work is used up or a coefficient leaves the range of exact.
 std::optional<bool> has_real_root(const dense_polynomial& p, budget& work);
+std::optional<bool> has_multiple_root(const dense_polynomial& p, budget& work);  // a complex one counts
 
 }  // namespace vetro

@@ -296,7 +296,7 @@ class family_reader {
     if (integrand == nullptr || holds_source(integrand) || (!member.conditional && !antecedent_.empty())) {
       return std::nullopt;
     }
-    return family(integrand, {});
+    return family(integrand, nullptr, {});
   }
 
   std::optional<function_family> closed_form(const definition& member) {
@@ -304,8 +304,8 @@ class family_reader {
     if (formula == nullptr) {
       return std::nullopt;
     }
-    term_ptr slopes = mk_integer(0);
-    term_list formulas;
+    term_ptr sum = mk_integer(0);
+    term_list slopes;
     bool varies = false;
     const std::vector<source> sources = sources_;
     for (const source& s : sources) {
@@ -322,8 +322,8 @@ class family_reader {
             !has_primitives(slope)) {
           return std::nullopt;
         }
-        formulas.push_back(slope);
-        slopes = mk_sum(slopes, mk_product(factor, slope));
+        slopes.push_back(slope);
+        sum = mk_sum(sum, mk_product(factor, slope));
       }
     }
     if (!varies) {
@@ -334,8 +334,7 @@ class family_reader {
     if (own_slope == nullptr) {
       return std::nullopt;
     }
-    formulas.push_back(rest);
-    return family(mk_sum(own_slope, slopes), std::move(formulas));
+    return family(mk_sum(own_slope, sum), rest, std::move(slopes));
   }
 
   term_ptr reduced(term_ptr t) { return t == nullptr ? nullptr : reduce_known_derivatives(t, facts_); }
@@ -355,7 +354,7 @@ class family_reader {
     return formula;
   }
 
-  std::optional<function_family> family(term_ptr derivative, term_list formulas) const {
+  std::optional<function_family> family(term_ptr derivative, term_ptr formula, term_list slopes) const {
     const bool all_used = std::all_of(functions_.begin(), functions_.end(), [](const auto& entry) {
       return entry.second.used || entry.first == family_member();
     });
@@ -364,7 +363,7 @@ class family_reader {
     if (!all_used || !antecedent_free) {
       return std::nullopt;
     }
-    return function_family{derivative, antecedent_, memberships_, std::move(formulas)};
+    return function_family{derivative, antecedent_, memberships_, formula, std::move(slopes)};
   }
 
   domain_prover facts_;

@@ -25,9 +25,10 @@ struct function_family {
   term_ptr derivative;    // of the members
   term_list antecedent;   // the conjuncts that the variable must satisfy
   term_list memberships;  // further conjuncts, which speak of the member alone
-  // Empty for the first shape, which has all primitives by definition. For the second the formula of F without its
-  // constants, and the derivatives of the helper functions: the family has all primitives only where these are smooth.
-  term_list formulas;
+  // Null for the first shape, which has all primitives by definition. For the second the formula of F without its
+  // constants: the family has all primitives only where this and the derivatives of the helper functions are smooth.
+  term_ptr formula = nullptr;
+  term_list slopes;  // of the helper functions
 };
 
 // The family that the set is; nothing for any other set, and where a factor is not shown to be different from zero.

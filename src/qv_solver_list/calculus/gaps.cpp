@@ -7,6 +7,7 @@
 #include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/algebra/zero_set.h"
+#include "qv_solver_list/calculus/kinks.h"
 #include "qv_solver_list/calculus/natural_domains.h"
 #include "term/build.h"
 #include "term/node_memo.h"
@@ -20,11 +21,36 @@ term_ptr inside_magnitude(term_ptr t) {
   return view && view->oper == Abs && view->t2 == nullptr ? view->t1 : nullptr;
 }
 
+term_ptr under_logarithm(term_ptr operand) {
+  term_ptr inside = inside_magnitude(operand);
+  return inside == nullptr ? operand : inside;
+}
+
 // ---- Finding gaps.
 
 class gap_finder {
  public:
-  explicit gap_finder(const variable_facts& facts) : facts_(facts) {}
+  explicit gap_finder(variable_facts& facts) : facts_(facts) {}
+
+  // The gaps of t, without those that come from logarithms which t adds.
+  void visit_addends(term_ptr t) {
+    const auto view = composed_term_split(t);
+    const bool binary = view && view->t2 != nullptr;
+    if (binary && (view->oper == Plus || view->oper == Minus)) {
+      visit_addends(view->t1);
+      visit_addends(view->t2);
+    } else if (view && view->oper == Neg) {
+      visit_addends(view->t1);
+    } else if (binary && view->oper == Mult && !facts_.moves(view->t1)) {
+      visit_addends(view->t2);
+    } else if (binary && (view->oper == Mult || view->oper == Div || view->oper == Frac) && !facts_.moves(view->t2)) {
+      visit_addends(view->t1);
+    } else if (view && view->oper == Ln && has_even_zeros(under_logarithm(view->t1), facts_)) {
+      visit(view->t1);
+    } else {
+      visit(t);
+    }
+  }
 
   void visit(term_ptr t) {
     if (!facts_.moves(t) || !visited_.insert(t)) {
@@ -51,14 +77,15 @@ class gap_finder {
     } else if (view.oper == Power) {
       add_power(view.t1, view.t2, gap_kind::certain, false);
     } else if (view.oper == Log) {
-      add_zeros(view.t2, gap_kind::of_logarithm, nullptr);
+      add_zeros(view.t2, gap_kind::certain, nullptr);
     }
   }
 
   void note_unary(oper_type oper, term_ptr operand) {
     if (oper == Ln || oper == Lg) {
-      term_ptr inside = inside_magnitude(operand);
-      add_zeros(inside == nullptr ? operand : inside, gap_kind::of_logarithm, nullptr);
+      if (!facts_.positive(operand)) {
+        add_zeros(under_logarithm(operand), gap_kind::certain, nullptr);
+      }
       return;
     }
     const natural_domain* domain = find_natural_domain(oper);
@@ -107,7 +134,7 @@ class gap_finder {
     return binary ? oper == Div || oper == Frac : oper == Neg || oper == Abs || oper == Sqrt || oper == Cbrt;
   }
 
-  const variable_facts& facts_;
+  variable_facts& facts_;
   node_set visited_;
 };
 
@@ -144,7 +171,7 @@ class gap_comparison {
  public:
   gap_comparison(term_ptr integrand, variable_facts& facts) : facts_(facts) {
     for (const gap& g : gaps_of(integrand, facts)) {
-      if (g.kind == gap_kind::certain || g.kind == gap_kind::of_logarithm) {
+      if (g.kind == gap_kind::certain) {
         known_.add(g.part);
         known_parts_.push_back(g.part);
       } else if (g.kind == gap_kind::of_power) {
@@ -218,22 +245,30 @@ class gap_comparison {
   term_list radicands_;
 };
 
+bool are_shared(const std::vector<gap>& gaps, term_ptr integrand, variable_facts& facts) {
+  if (gaps.empty()) {
+    return true;
+  }
+  gap_comparison comparison(integrand, facts);
+  return std::all_of(gaps.begin(), gaps.end(), [&](const gap& g) { return comparison.is_shared(g); });
+}
+
 }  // namespace
 
-std::vector<gap> gaps_of(term_ptr t, const variable_facts& facts) {
+std::vector<gap> gaps_of(term_ptr t, variable_facts& facts) {
   gap_finder finder(facts);
   finder.visit(t);
   return std::move(finder.found);
 }
 
-bool breaks_off_with(term_ptr formula, term_ptr integrand, variable_facts& facts) {
-  const std::vector<gap> gaps = gaps_of(formula, facts);
-  const auto counts = [](const gap& g) { return g.kind != gap_kind::of_logarithm; };
-  if (std::none_of(gaps.begin(), gaps.end(), counts)) {
-    return true;
-  }
-  gap_comparison comparison(integrand, facts);
-  return std::all_of(gaps.begin(), gaps.end(), [&](const gap& g) { return !counts(g) || comparison.is_shared(g); });
+bool ends_only_with(term_ptr formula, term_ptr integrand, variable_facts& facts) {
+  return are_shared(gaps_of(formula, facts), integrand, facts);
+}
+
+bool jumps_only_with(term_ptr formula, term_ptr integrand, variable_facts& facts) {
+  gap_finder finder(facts);
+  finder.visit_addends(formula);
+  return are_shared(finder.found, integrand, facts);
 }
 
 bool logarithms_are_defined(term_ptr formula, variable_facts& facts) {

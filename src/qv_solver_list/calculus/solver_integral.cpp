@@ -27,14 +27,19 @@ bool same_conjuncts(const term_list& a, const term_list& b) {
 bool is_real(const function_family& family, const solve_data& sdata) {
   complex_values& complex = facts_of(sdata).table<complex_values>();
   return !complex.may_be_complex(family.derivative) &&
-         std::none_of(family.formulas.begin(), family.formulas.end(),
-                      [&](term_ptr formula) { return complex.may_be_complex(formula); });
+         (family.formula == nullptr || !complex.may_be_complex(family.formula)) &&
+         std::none_of(family.slopes.begin(), family.slopes.end(),
+                      [&](term_ptr slope) { return complex.may_be_complex(slope); });
 }
 
 bool has_all_primitives(const function_family& family, const function_family& other, variable_facts& facts) {
-  return std::all_of(family.formulas.begin(), family.formulas.end(), [&](term_ptr formula) {
-    return logarithms_are_defined(formula, facts) && breaks_off_with(formula, other.derivative, facts);
-  });
+  if (family.formula == nullptr) {
+    return true;
+  }
+  return logarithms_are_defined(family.formula, facts) && jumps_only_with(family.formula, other.derivative, facts) &&
+         std::all_of(family.slopes.begin(), family.slopes.end(), [&](term_ptr slope) {
+           return logarithms_are_defined(slope, facts) && ends_only_with(slope, other.derivative, facts);
+         });
 }
 
 // That no member is missing is asked last: the derivatives of most pairs of sets differ at the first look.
@@ -44,7 +49,7 @@ bool same_family(const function_family& left, const function_family& right, cons
                                expr_equiv_derivative_config())) {
     return false;
   }
-  if (left.formulas.empty() && right.formulas.empty()) {
+  if (left.formula == nullptr && right.formula == nullptr) {
     return true;
   }
   if (!is_real(left, sdata) || !is_real(right, sdata) ||

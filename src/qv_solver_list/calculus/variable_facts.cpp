@@ -32,6 +32,30 @@ term_ptr under_square_root(term_ptr t) {
   return exponent && *exponent == exact(1) / exact(2) ? view->t1 : nullptr;
 }
 
+// Built of names and integers by sums, products and powers: two of these are equal only if calculation says so.
+bool is_polynomial(term_ptr t) {
+  if (is_var(t)) {
+    return !t->has_meta();
+  }
+  const auto view = composed_term_split(t);
+  if (!view) {
+    return is_constant(t, Integer);
+  }
+  switch (view->oper) {
+    case Neg:
+      return is_polynomial(view->t1);
+    case Plus:
+    case Minus:
+    case Mult:
+      return view->t2 != nullptr && is_polynomial(view->t1) && is_polynomial(view->t2);
+    case Power:
+      return view->t2 != nullptr && is_constant(view->t2, Integer) && view->t2->integer() > 0 &&
+             is_polynomial(view->t1);
+    default:
+      return false;
+  }
+}
+
 std::optional<composed_term> plus_view(term_ptr t) {
   auto view = composed_term_split(t);
   return view && view->oper == Plus && view->t2 != nullptr ? view : std::nullopt;
@@ -75,7 +99,7 @@ variable_facts::variable_facts(const solve_data& sdata, term_ptr var)
 
 bool variable_facts::moves(term_ptr t) const { return name_occurs(var_->name(), t); }
 
-bool variable_facts::nonzero(term_ptr t) { return facts_.nonzero(t) || has_no_root(t); }
+bool variable_facts::nonzero(term_ptr t) { return facts_.nonzero(t) || exceeds_by_root(t) || has_no_root(t); }
 
 bool variable_facts::positive(term_ptr t) {
   return facts_.relation(Gt, t, zero()) || exceeds_by_root(t) ||
@@ -120,6 +144,16 @@ bool variable_facts::has_one_sign(term_ptr t) {
 bool variable_facts::has_simple_zeros(term_ptr t) {
   const auto q = as_quadratic(t);
   return q && (poly_rat_eqb(q->bend, zero()) || facts_.nonzero(q->discriminant()));
+}
+
+bool variable_facts::has_simple_zeros_mostly(term_ptr t) {
+  if (const ratio* r = polynomials_.read(t)) {
+    budget work(limits::univariate_work);
+    const auto multiple = r->den.size() == 1 ? has_multiple_root(r->num, work) : std::nullopt;
+    return multiple && !*multiple;
+  }
+  const auto q = is_polynomial(t) ? as_quadratic(t) : std::nullopt;
+  return q && (poly_rat_eqb(q->bend, zero()) || !poly_rat_eqb(q->discriminant(), zero()));
 }
 
 // A polynomial in the variable that is 0 for no real value.

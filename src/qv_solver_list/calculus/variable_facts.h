@@ -32,6 +32,8 @@ class variable_facts {
   bool has_one_sign(term_ptr t);
   // A linear or quadratic expression that changes its sign at each zero, unless it is 0 everywhere.
   bool has_simple_zeros(term_ptr t);
+  // A polynomial that changes its sign at each zero, but for special values of the other names.
+  bool has_simple_zeros_mostly(term_ptr t);
 
   domain_prover& facts() { return facts_; }
   differentiator& derivatives() { return by_var_; }  // with respect to the variable

@@ -89,6 +89,15 @@ TEST_F(integral_test, closed_forms_without_condition) {
       {"1 / x", "ln(x) + C", false},
       {"tan(x)", "-ln(Abs(cos(x))) + C", false},
       {"sin(x) / cos(x)", "-ln(Abs(cos(x))) + C", true},
+      {"ln(Abs(x))", "x * ln(Abs(x)) - x + C", true},
+      {"0", "ln(Abs(2 * x)) - ln(Abs(x)) + C", true},
+      {"0", "x * e^(-ln(Abs(x))) + C", false},
+      {"0", "ln(Abs(2 * x + (x^2)^(1/2))) - ln(Abs(x)) + C", false},
+      {"1 / ((x + 1)^(1/2) * x)", "-(ln(Abs(1 + (x + 1)^(1/2))) - ln(Abs(1 - (x + 1)^(1/2)))) + C", true},
+      {"10 / 3 * (x^2 + x^3)^(1/2) / ((1 + x) * (3 - x) * (8 - x))",
+       "ln(Abs(2 * x + (x^2 + x^3)^(1/2))) - ln(Abs(2 * x - (x^2 + x^3)^(1/2))) - 16 / 9 * (ln(Abs(3 * x + (x^2 + "
+       "x^3)^(1/2))) - ln(Abs(3 * x - (x^2 + x^3)^(1/2)))) + C",
+       false},
       // No real functions.
       {"2 * x", "x^2 + C + ∞", false},
       {"2 * x * __IMAGINARY_UNIT__", "x^2 * __IMAGINARY_UNIT__ + C", false},
@@ -235,6 +244,9 @@ TEST_F(integral_test, descriptions) {
       {"{ F | exists (G), forall (x), FunDeri(G, 1, 1, a, x) = 2 * x ∧ F(x) = G(a, x) }", false},
       {"{ F | exists (G)(H), forall (x), FunDeri(G, 1, 1, x) = 1 / x ∧ FunDeri(H, 1, 1, x) = 2 * x - 1 / x ∧ F(x) = "
        "G(x) + H(x) }",
+       false},
+      {"{ F | exists (G)(H), forall (x), FunDeri(G, 1, 1, x) = ln(Abs(x)) ∧ FunDeri(H, 1, 1, x) = 2 * x - ln(Abs(x)) ∧ "
+       "F(x) = G(x) + H(x) }",
        false},
       {"{ F | exists (G)(H), forall (x), FunDeri(G, 1, 1, x) = sgn(x) ∧ FunDeri(H, 1, 1, x) = 2 * x - sgn(x) ∧ F(x) = "
        "G(x) + H(x) }",
