@@ -27,12 +27,13 @@ inline constexpr std::size_t propositional_nodes = 1'000'000;
 inline constexpr std::size_t set_statements = 200;
 
 // Literals that one run of the clause-learning core may look at, counted at each assignment, each return and each
-// resolution. About a second of work; a problem that learns its full quota of clauses needs far less.
-inline constexpr std::uint64_t cdcl_work = 150'000'000;
+// resolution. Some seconds of work, so that nine pigeons in eight holes are refuted, and ten in nine learn their full
+// quota of clauses.
+inline constexpr std::uint64_t cdcl_work = 2'000'000'000;
 
 // Terms of one polynomial that a multiplication may make. An identity of a page has some hundred, (x1 + ... + x5)^20
 // has 10,000; a term takes some 60 bytes.
-inline constexpr std::size_t poly_terms = 1'000'000;
+inline constexpr std::size_t poly_terms = 4'000'000;
 
 // Tightenings of each expression's bounds before everything else has had its turn, in one settling of intervals. Bounds
 // that reach a fixed point at all reach it in a few; x = x/2 + y/2 goes on for ever.
@@ -58,9 +59,9 @@ inline constexpr std::size_t closed_value_nodes = 2'000;
 inline constexpr int apply_undecided = 8;
 
 // Work for the forms of one expression, beside what its size allows: products of two terms, and eight bytes of what is
-// stored each. Some tenths of a second and 150 MB at most. The identities that people write need some hundred;
-// (x1 + ... + x5)^20 needs 500,000.
-inline constexpr std::uint64_t poly_work = 20'000'000;
+// stored each. Some tenths of a second and 300 MB at most. The identities that people write need some hundred;
+// (x1 + ... + x5)^20 needs 500,000, two products of a million terms 26 million.
+inline constexpr std::uint64_t poly_work = 40'000'000;
 
 // The same for each node of the expression, so that long sums and products that nothing multiplies out are read.
 inline constexpr std::uint64_t poly_work_of_node = 16;

@@ -6,6 +6,7 @@
 //
 //   value                                    a cheap copyable handle
 //   const value* recall(term_ptr)            what was remembered for a term, or null
+//   const value* recall_equal(term_ptr)      the same for one that is equal up to bound names
 //   void remember(term_ptr, const value&)
 //   bool gave_up()                           no further reading makes sense; every value may be failed()
 //   value failed()
@@ -40,6 +41,7 @@
 #include "qv_solver_list/algebra/root_view.h"
 #include "qv_solver_list/number_reading.h"
 #include "term/ast.h"
+#include "term/compare.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
 #include "term/variables/binding.h"
@@ -68,6 +70,35 @@ enum class compound_kind : std::uint8_t {
 
 constexpr whole_part several_valued = whole_part::landau | whole_part::several_values | whole_part::indefinite_integral;
 constexpr whole_part not_finite = whole_part::infinity_value | whole_part::set_size;
+
+// What was read for terms. Terms that are equal up to bound names have one value.
+template <class Value>
+class values_of_terms {
+ public:
+  const Value* find(term_ptr t) const {
+    const auto known = by_node_.find(t);
+    return known == by_node_.end() ? nullptr : &known->second;
+  }
+  const Value* find_equal(term_ptr t) const {
+    const auto known = binds_names(t) ? by_meaning_.find(t) : by_meaning_.end();
+    return known == by_meaning_.end() ? nullptr : &known->second;
+  }
+  void keep(term_ptr t, const Value& value) {
+    by_node_.emplace(t, value);
+    if (binds_names(t)) {
+      by_meaning_.emplace(t, value);
+    }
+  }
+  std::size_t size() const { return by_node_.size(); }
+
+ private:
+  static bool binds_names(term_ptr t) {
+    return t->has(fact_binding) && (t->type() == Quant || t->type() == Lambda || binding_row_of(t) != nullptr);
+  }
+
+  std::unordered_map<term_ptr, Value> by_node_;
+  std::unordered_map<term_ptr, Value, alpha_hasher, alpha_equal> by_meaning_;
+};
 
 template <class Value>
 struct signed_value {
@@ -120,6 +151,11 @@ class expression_reader {
     if (const value* known = domain_.recall(t)) {
       return *known;
     }
+    if (const value* known = domain_.recall_equal(t)) {
+      const value equal = *known;
+      domain_.remember(t, equal);
+      return equal;
+    }
     value result = domain_.gave_up() ? domain_.failed() : read_new(t);
     domain_.remember(t, result);
     return result;
@@ -136,6 +172,15 @@ class expression_reader {
       everywhere_.emplace(t, result);
     }
     return result;
+  }
+
+  // a - b, with what both add up in common taken away before anything is multiplied out.
+  value read_difference(term_ptr a, term_ptr b) {
+    addends all = read_addends(a);
+    for (signed_value<value>& addend : read_addends(b)) {
+      all.push_back({std::move(addend.value), !addend.negative});
+    }
+    return domain_.sum(all);
   }
 
  private:

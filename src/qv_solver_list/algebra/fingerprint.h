@@ -49,11 +49,9 @@ class fingerprint_domain {
  public:
   using value = fingerprint;
 
-  const value* recall(term_ptr t) const {
-    const auto known = known_.find(t);
-    return known == known_.end() ? nullptr : &known->second;
-  }
-  void remember(term_ptr t, const value& v) { known_.emplace(t, v); }
+  const value* recall(term_ptr t) const { return known_.find(t); }
+  const value* recall_equal(term_ptr t) const { return known_.find_equal(t); }
+  void remember(term_ptr t, const value& v) { known_.keep(t, v); }
   std::size_t remembered() const { return known_.size(); }
 
   static bool gave_up() { return false; }
@@ -74,7 +72,7 @@ class fingerprint_domain {
   static value root(const value& radicand, std::int64_t index) { return fingerprint_root(radicand, index); }
 
  private:
-  std::unordered_map<term_ptr, value> known_;
+  values_of_terms<value> known_;
 };
 
 }  // namespace vetro

@@ -19,6 +19,11 @@ namespace {
 // First words of keys; 1 is a root.
 enum key_tag : std::uint64_t { tag_leaf = 2, tag_opaque, tag_symbolic_power, tag_compound, tag_unexpanded };
 
+bool is_sum(term_ptr t) {
+  const auto view = composed_term_split(t);
+  return view && (view->oper == Plus || view->oper == Minus);
+}
+
 std::uint64_t address_word(term_ptr t) { return reinterpret_cast<std::uintptr_t>(t); }
 
 }  // namespace
@@ -365,6 +370,20 @@ std::string rational_forms::text(term_ptr t) {
 
 bool rational_forms::equal(term_ptr a, term_ptr b) {
   return ask({a, b}, [&] {
+    const rational_domain::value left = reader_.read(a);
+    const rational_domain::value right = reader_.read(b);
+    return domain_.equal(left, right);
+  });
+}
+
+bool rational_forms::equal_at_once(term_ptr a, term_ptr b) {
+  return ask({a, b}, [&] {
+    if (is_sum(a) || is_sum(b)) {
+      const rational_domain::value difference = reader_.read_difference(a, b);
+      if (!difference->r.pole) {
+        return domain_.is_zero(difference);
+      }
+    }
     const rational_domain::value left = reader_.read(a);
     const rational_domain::value right = reader_.read(b);
     return domain_.equal(left, right);

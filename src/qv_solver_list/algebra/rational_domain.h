@@ -33,14 +33,12 @@ class rational_domain {
 
   explicit rational_domain(budget& work) : registry_(work) {}
 
-  const value* recall(term_ptr t) const {
-    const auto known = known_.find(t);
-    return known == known_.end() ? nullptr : &known->second;
-  }
+  const value* recall(term_ptr t) const { return known_.find(t); }
+  const value* recall_equal(term_ptr t) const { return known_.find_equal(t); }
   // What was read after the end of a budget is not remembered: the next expression has a budget of its own.
   void remember(term_ptr t, const value& v) {
     if (!gave_up()) {
-      known_.emplace(t, v);
+      known_.keep(t, v);
     }
   }
   bool gave_up() const { return registry_.pdata.exhausted(); }
@@ -59,6 +57,7 @@ class rational_domain {
   value root(const value& radicand, std::int64_t index);
 
   bool equal(const value& a, const value& b) { return rat_eq(registry_, a->r, b->r); }
+  bool is_zero(const value& v) { return rat_eq(registry_, v->r, rat_const(0)); }
   // Holds an unknown that is no single finite value.
   bool is_special(const value& v) const { return registry_.is_special(v->r); }
   // Equal forms have equal numbers, from 1 on. Nothing for a not-a-number.
@@ -84,7 +83,7 @@ class rational_domain {
   value known_equal(const value& v);
 
   rational_registry registry_;
-  std::unordered_map<term_ptr, value> known_;
+  values_of_terms<value> known_;
   std::unordered_map<rat, std::uint32_t, rat_hash> numbers_;
   // The first form of each number, and the same in other orders: those with a fingerprint by that, those without one,
   // and those that may equal a form with another list.
@@ -107,6 +106,9 @@ class rational_forms {
   std::string text(term_ptr t);
 
   bool equal(term_ptr a, term_ptr b);
+  // The same, where a and b are not compared with anything else: what both add up in common goes away before anything
+  // is multiplied out, and is not remembered.
+  bool equal_at_once(term_ptr a, term_ptr b);
   // Equal, and defined at the same places.
   bool equal_everywhere(term_ptr a, term_ptr b);
   // a1 - a2 = b1 - b2, so that an equation or comparison of the first two says the same of the others. What is no

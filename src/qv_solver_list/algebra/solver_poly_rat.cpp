@@ -63,7 +63,7 @@ bool poly_rat_eqb(term_ptr a, term_ptr b) {
   if (answer != known.answers.end()) {
     return answer->second;
   }
-  const bool equal = rational_forms().equal(a, b);
+  const bool equal = rational_forms().equal_at_once(a, b);
   known.answers.emplace(node_pair{a, b}, equal);
   return equal;
 }

@@ -1,11 +1,13 @@
 // Propositional reasoning: assumptions and negated target become clauses over opaque atoms, and the target is proved
 // when these are unsatisfiable. Every term whose head is no connective is an atom, quantified formulas included.
 //
-// Where a question speaks of sets and stays open, it is asked again with the meaning of inclusions and memberships.
+// Where a question speaks of sets and stays open, it is asked again with the meaning of inclusions and memberships; and
+// where there are equations among the assumptions, with equal things in place of one another.
 #include <algorithm>
 #include <optional>
 
 #include "qv_solver_list/assumption_facts.h"
+#include "qv_solver_list/logic/equation_logic.h"
 #include "qv_solver_list/logic/propositional.h"
 #include "qv_solver_list/logic/propositional_problem.h"
 #include "qv_solver_list/logic/set_logic.h"
@@ -86,7 +88,8 @@ bool solver_sat(term_ptr target, const solve_data& sdata) {
   }
   const bool of_sets =
       target != nullptr && (speaks_of_sets(target) || facts_of(sdata).table<assumed_propositions>().speak_of_sets());
-  return of_sets && follows_by_set_logic(sdata.assum, target);
+  return (of_sets && follows_by_set_logic(sdata.assum, target)) ||
+         (target != nullptr && follows_by_equations(target, sdata));
 }
 
 }  // namespace vetro
