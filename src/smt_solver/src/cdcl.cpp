@@ -1,11 +1,16 @@
-// Clause learning with counters and occurrence lists.
+// Clause learning with two watched literals.
 //
-// An assignment touches the clauses that hold the variable and no others; everything it does to one clause is the
-// transition of that clause's counters. Because the lists are in index order and unit clauses wait in a heap, the run
-// goes the same way as one that scans all clauses for each assignment.
+// An assignment looks at the clauses that watch the literal which became false, and moves their watch to another one
+// that is not false. Where there is none, the clause is unit or falsified: so each clause is found that a scan of all
+// would find, and because unit clauses are taken by their number and all watching clauses are looked at before the
+// lowest conflict is reported, the run goes the same way as one with such scans.
+//
+// A level is propagated to its end before the next one is opened, so that after a return no clause is unit but the one
+// just learnt: nothing has to be kept for the return.
 #include "smt_solver/src/cdcl.h"
 
 #include <algorithm>
+#include <bit>
 #include <cassert>
 #include <cstdlib>
 
@@ -15,118 +20,140 @@
 namespace vetro {
 namespace {
 
-enum clause_state : int { satisfied = 0, conflicting = 1, unit = 2 };  // and -k: k literals unassigned, none true
-
 int variable_of(int literal) { return std::abs(literal) - 1; }
 
-[[maybe_unused]] bool is_true(int literal, const sat_data& s) {
-  return s.v_data.value[static_cast<std::size_t>(variable_of(literal))] == (literal > 0 ? 1 : 0);
+// Where a literal stands in the lists by literal.
+std::size_t place_of(int literal) {
+  return 2 * static_cast<std::size_t>(variable_of(literal)) + (literal < 0 ? 1U : 0U);
 }
 
-// The state of a clause without a true literal.
-int open_state(int unassigned) { return unassigned == 0 ? conflicting : unassigned == 1 ? unit : -unassigned; }
+int truth_of(int literal, const sat_data& s) { return s.truth[place_of(literal)]; }
 
 void spend(sat_data& s, std::size_t literals) { s.work_left -= std::min<std::uint64_t>(s.work_left, literals); }
 
-// Makes a clause of the literals that stand behind the last clause.
-void close_clause(sat_data& s, int state, int unassigned) {
-  constexpr std::size_t usual_occurrences = 4;
-  const int index = s.cl_size();
-  s.cl_data.push_back({state, 0, unassigned});
-  s.literals_end.push_back(s.literals.size());
-  for (const int literal : s.clause(index)) {
-    auto& places = s.occurs[static_cast<std::size_t>(variable_of(literal))];
-    if (places.empty()) {
-      places.reserve(usual_occurrences);
+std::size_t begin_of(int clause, const sat_data& s) {
+  return clause == 0 ? 0 : s.literals_end[static_cast<std::size_t>(clause) - 1];
+}
+
+// Watches the first two literals of the last clause.
+void attach_last_clause(sat_data& s) {
+  const int index = s.cl_size() - 1;
+  const literal_span literals = s.clause(index);
+  if (literals.size() > 2) {
+    s.watches[place_of(literals[0])].push_back({index, literals[1]});
+    s.watches[place_of(literals[1])].push_back({index, literals[0]});
+  } else {
+    for (std::size_t i = 0; i < literals.size(); ++i) {
+      s.short_clauses[place_of(literals[i])].push_back({index, literals[literals.size() - 1 - i]});
     }
-    places.push_back({index, literal > 0});
-  }
-  if (state == unit) {
-    s.units.push(index);
   }
 }
 
-// A literal of the clause, unassigned so far, becomes true or false.
-void assign_literal(clause_data& clause, bool becomes_true) {
-  --clause.unassign_num;
-  if (becomes_true) {
-    clause.lit_state = clause.state == satisfied ? clause.lit_state + 1 : 1;
-    clause.state = satisfied;
-  } else if (clause.state != satisfied) {
-    clause.state = open_state(clause.unassign_num);
+void note_conflict(int clause, int& conflict) { conflict = conflict < 0 ? clause : std::min(conflict, clause); }
+
+// All literals of the clause but the last one are false.
+void last_literal_left(int clause, int literal, sat_data& s, int& conflict) {
+  if (truth_of(literal, s) < 0) {
+    note_conflict(clause, conflict);
+  } else {
+    s.units.insert(clause);
   }
 }
 
-// The reverse: a literal of the clause loses its value.
-void release_literal(clause_data& clause, bool was_true) {
-  ++clause.unassign_num;
-  if (clause.state == satisfied && (!was_true || --clause.lit_state > 0)) {
-    return;
+// A literal behind the first two that is not false takes the place of the second. False when there is none.
+bool moves_watch(int clause, sat_data& s) {
+  int* literals = s.literals.data() + begin_of(clause, s);
+  const std::size_t size = s.clause(clause).size();
+  for (std::size_t i = 2; i < size; ++i) {
+    if (truth_of(literals[i], s) >= 0) {
+      spend(s, i);
+      std::swap(literals[1], literals[i]);
+      s.watches[place_of(literals[1])].push_back({clause, literals[0]});
+      return true;
+    }
   }
-  assert(clause.state == satisfied || !was_true);
-  clause.state = open_state(clause.unassign_num);
+  spend(s, size);
+  return false;
 }
 
-// Gives the variable its value and every clause that holds it its new counters, to the end even after a conflict, so
-// that all of them stay exact. The first clause falsified, or -1.
-int assign(int variable, bool value, int reason, sat_data& s) {
+// The literal has become false: the lowest clause that has no other literal left, or -1.
+int visit_watchers(int literal, sat_data& s) {
+  int conflict = -1;
+  for (const sat_data::watch& w : s.short_clauses[place_of(literal)]) {
+    if (truth_of(w.other, s) <= 0) {
+      last_literal_left(w.clause, w.other, s, conflict);
+    }
+  }
+  std::vector<sat_data::watch>& list = s.watches[place_of(literal)];
+  spend(s, s.short_clauses[place_of(literal)].size() + list.size() + 1);
+  std::size_t kept = 0;
+  for (std::size_t i = 0; i < list.size(); ++i) {
+    sat_data::watch w = list[i];
+    if (truth_of(w.other, s) <= 0) {
+      int* literals = s.literals.data() + begin_of(w.clause, s);
+      if (literals[0] == literal) {
+        std::swap(literals[0], literals[1]);
+      }
+      w.other = literals[0];
+      if (truth_of(w.other, s) <= 0) {
+        if (moves_watch(w.clause, s)) {
+          continue;
+        }
+        last_literal_left(w.clause, w.other, s, conflict);
+      }
+    }
+    list[kept++] = w;
+  }
+  list.resize(kept);
+  return conflict;
+}
+
+// Gives the literal's variable the value that makes it true. The first clause falsified, or -1.
+int assign(int literal, int reason, sat_data& s) {
+  const int variable = variable_of(literal);
   const auto v = static_cast<std::size_t>(variable);
   assert(s.v_data.value[v] == -1);
-  s.v_data.value[v] = value ? 1 : 0;
+  s.v_data.value[v] = literal > 0 ? 1 : 0;
   s.v_data.ancient[v] = reason;
   s.v_data.dl[v] = s.cur_dl;
+  s.truth[place_of(literal)] = 1;
+  s.truth[place_of(-literal)] = -1;
   s.trail.push_back(variable);
-  spend(s, s.occurs[v].size() + 1);
-  int conflict = -1;
-  for (const sat_data::occurrence& o : s.occurs[v]) {
-    clause_data& clause = s.cl_data[static_cast<std::size_t>(o.clause)];
-    assign_literal(clause, o.positive == value);
-    if (clause.state == unit) {
-      s.units.push(o.clause);
-    } else if (clause.state == conflicting && conflict < 0) {
-      conflict = o.clause;
-    }
-  }
-  return conflict;
+  return visit_watchers(-literal, s);
 }
 
 void release(int variable, sat_data& s) {
   const auto v = static_cast<std::size_t>(variable);
-  spend(s, s.occurs[v].size() + 1);
-  const bool value = s.v_data.value[v] == 1;
-  for (const sat_data::occurrence& o : s.occurs[v]) {
-    clause_data& clause = s.cl_data[static_cast<std::size_t>(o.clause)];
-    release_literal(clause, o.positive == value);
-    if (clause.state == unit) {
-      s.units.push(o.clause);
-    }
-  }
   s.v_data.value[v] = -1;
   s.v_data.ancient[v] = -1;
   s.v_data.dl[v] = -1;
+  s.truth[2 * v] = 0;
+  s.truth[2 * v + 1] = 0;
   s.lowest_free = std::min(s.lowest_free, variable);
 }
 
-// The unit clause with the lowest index, or -1.
-int next_unit(sat_data& s) {
-  while (!s.units.empty()) {
-    const int clause = s.units.top();
-    s.units.pop();
-    if (s.cl_data[static_cast<std::size_t>(clause)].state == unit) {
-      return clause;
-    }
+// The literal that a clause still forces, or 0 when one of its literals has become true. All but the watched ones are
+// false.
+int forced_literal(int clause, const sat_data& s) {
+  const literal_span literals = s.clause(clause);
+  const int first = literals[0];
+  const int second = literals[literals.size() > 1 ? 1 : 0];
+  if (truth_of(first, s) > 0 || truth_of(second, s) > 0) {
+    return 0;
   }
-  return -1;
+  return truth_of(first, s) == 0 ? first : second;
 }
 
-int unassigned_literal(int clause, const sat_data& s) {
-  for (const int literal : s.clause(clause)) {
-    if (s.v_data.value[static_cast<std::size_t>(variable_of(literal))] == -1) {
-      return literal;
-    }
-  }
-  assert(false && "a unit clause has an unassigned literal");
-  return 0;
+int level_of(int literal, const sat_data& s) { return s.v_data.dl[static_cast<std::size_t>(variable_of(literal))]; }
+
+// Appends the learnt clause, with the literals that lose their value first in front.
+void append_learnt(const std::vector<int>& learnt, sat_data& s) {
+  s.literals.insert(s.literals.end(), learnt.begin(), learnt.end());
+  s.literals_end.push_back(s.literals.size());
+  const auto begin = s.literals.end() - static_cast<std::ptrdiff_t>(learnt.size());
+  const auto watched = begin + static_cast<std::ptrdiff_t>(std::min<std::size_t>(learnt.size(), 2));
+  std::partial_sort(begin, watched, s.literals.end(), [&s](int a, int b) { return level_of(a, s) > level_of(b, s); });
+  attach_last_clause(s);
 }
 
 enum class conflict_outcome : unsigned char { resolved, unsatisfiable, exhausted };
@@ -141,21 +168,61 @@ conflict_outcome resolve_conflict(int conflict, sat_data& s) {
     print_progress("too many clause\n");
     return conflict_outcome::exhausted;
   }
-  s.literals.insert(s.literals.end(), learnt.begin(), learnt.end());
-  close_clause(s, conflicting, 0);
+  append_learnt(learnt, s);
   const int level = conflict_analysis(learnt, s);
   if (level < 0) {
     return conflict_outcome::unsatisfiable;
   }
   backtrack(level, s);
+  if (learnt.size() == 1 || truth_of(s.clause(s.cl_size() - 1)[1], s) < 0) {
+    s.units.insert(s.cl_size() - 1);
+  }
   return s.work_left == 0 ? conflict_outcome::exhausted : conflict_outcome::resolved;
 }
 
 }  // namespace
 
+// ---- Sets of clauses.
+
+void clause_set::insert(int clause) {
+  const auto word = static_cast<std::size_t>(clause) / 64;
+  if (word >= words_.size()) {
+    words_.resize(word + 1);
+    groups_.resize(word / 64 + 1);
+  }
+  words_[word] |= std::uint64_t{1} << (static_cast<unsigned>(clause) % 64);
+  groups_[word / 64] |= std::uint64_t{1} << (word % 64);
+}
+
+void clause_set::erase(int clause) {
+  const auto word = static_cast<std::size_t>(clause) / 64;
+  words_[word] &= ~(std::uint64_t{1} << (static_cast<unsigned>(clause) % 64));
+  if (words_[word] == 0) {
+    groups_[word / 64] &= ~(std::uint64_t{1} << (word % 64));
+  }
+}
+
+void clause_set::clear() {
+  for (std::size_t i = 0; i < groups_.size(); ++i) {
+    for (; groups_[i] != 0; groups_[i] &= groups_[i] - 1) {
+      words_[64 * i + static_cast<std::size_t>(std::countr_zero(groups_[i]))] = 0;
+    }
+  }
+}
+
+int clause_set::lowest() const {
+  for (std::size_t i = 0; i < groups_.size(); ++i) {
+    if (groups_[i] != 0) {
+      const std::size_t word = 64 * i + static_cast<std::size_t>(std::countr_zero(groups_[i]));
+      return static_cast<int>(64 * word) + std::countr_zero(words_[word]);
+    }
+  }
+  return -1;
+}
+
 literal_span sat_data::clause(int c) const {
   const auto i = static_cast<std::size_t>(c);
-  const std::size_t begin = i == 0 ? 0 : literals_end[i - 1];
+  const std::size_t begin = begin_of(c, *this);
   return literal_span(literals).subspan(begin, literals_end[i] - begin);
 }
 
@@ -165,8 +232,10 @@ sat_data init_cdcl(int n, int m) {
   s.v_size = n;
   s.cl_maxsize = 8 * m;
   s.v_data = {std::vector<std::int8_t>(size, -1), std::vector<int>(size, -1), std::vector<int>(size, -1)};
-  s.occurs.resize(size);
-  s.seen.resize(size, false);
+  s.watches.resize(2 * size);
+  s.short_clauses.resize(2 * size);
+  s.truth.resize(2 * size, 0);
+  s.seen.resize(size, 0);
   s.work_left = limits::cdcl_work;
   return s;
 }
@@ -185,7 +254,11 @@ void add_clause(sat_data& s, literal_span literals) {
     all.erase(begin, all.end());
     return;
   }
-  close_clause(s, open_state(size), size);
+  s.literals_end.push_back(all.size());
+  attach_last_clause(s);
+  if (size == 1) {
+    s.units.insert(s.cl_size() - 1);
+  }
 }
 
 cdcl_result cdcl_solver(sat_data& s) {
@@ -208,9 +281,10 @@ cdcl_result cdcl_solver(sat_data& s) {
 }
 
 int bcp(sat_data& s) {
-  for (int clause = next_unit(s); clause >= 0; clause = next_unit(s)) {
-    const int literal = unassigned_literal(clause, s);
-    const int conflict = assign(variable_of(literal), literal > 0, clause, s);
+  for (int clause = s.units.lowest(); clause >= 0; clause = s.units.lowest()) {
+    s.units.erase(clause);
+    const int literal = forced_literal(clause, s);
+    const int conflict = literal == 0 ? -1 : assign(literal, clause, s);
     if (conflict >= 0) {
       return conflict;
     }
@@ -227,7 +301,7 @@ int decide(sat_data& s) {
   }
   const int variable = s.lowest_free;
   ++s.cur_dl;
-  assign(variable, true, -1, s);
+  assign(variable + 1, -1, s);
   return variable;
 }
 
@@ -236,29 +310,29 @@ int decide(sat_data& s) {
 // reached through reasons from the conflict. So every variable is visited once. All of them stand false in the clause.
 std::vector<int> clause_learning(int clause, sat_data& s) {
   std::vector<int> learnt;
-  std::vector<int> met;              // variables to be unmarked
-  std::vector<int> open = {clause};  // clauses still to be read
-  while (!open.empty()) {
-    const literal_span literals = s.clause(open.back());
-    open.pop_back();
+  s.met.clear();             // variables to be unmarked
+  s.open.assign(1, clause);  // clauses still to be read
+  while (!s.open.empty()) {
+    const literal_span literals = s.clause(s.open.back());
+    s.open.pop_back();
     spend(s, literals.size());
     for (const int literal : literals) {
       const auto v = static_cast<std::size_t>(variable_of(literal));
-      if (s.seen[v]) {
+      if (s.seen[v] != 0) {
         continue;
       }
-      s.seen[v] = true;
-      met.push_back(variable_of(literal));
+      s.seen[v] = 1;
+      s.met.push_back(variable_of(literal));
       if (s.v_data.dl[v] == s.cur_dl && s.v_data.ancient[v] != -1) {
-        open.push_back(s.v_data.ancient[v]);
+        s.open.push_back(s.v_data.ancient[v]);
       } else {
-        assert(!is_true(literal, s));
+        assert(truth_of(literal, s) < 0);
         learnt.push_back(literal);
       }
     }
   }
-  for (const int variable : met) {
-    s.seen[static_cast<std::size_t>(variable)] = false;
+  for (const int variable : s.met) {
+    s.seen[static_cast<std::size_t>(variable)] = 0;
   }
   std::sort(learnt.begin(), learnt.end(), [](int a, int b) { return std::abs(a) < std::abs(b); });
   return learnt;
@@ -289,6 +363,7 @@ void backtrack(int back_dl, sat_data& s) {
     s.trail.pop_back();
     release(variable, s);
   }
+  s.units.clear();
   s.cur_dl = back_dl;
 }
 

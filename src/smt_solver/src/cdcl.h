@@ -1,15 +1,13 @@
 // The propositional engine: conflict-driven clause learning over sparse clauses.
 //
-// It keeps exact counters for each clause and decides without heuristics: the lowest unassigned variable becomes true.
-// The next unit clause is always the one with the lowest index, and a conflict is the first clause in index order that
-// the last assignment falsified. A learnt clause keeps, of the current level, the decision alone.
+// It decides without heuristics: the lowest unassigned variable becomes true. The next unit clause is always the one
+// with the lowest index, and a conflict is the first clause in index order that the last assignment falsified. A learnt
+// clause keeps, of the current level, the decision alone.
 //
 // Variables count from 0. A literal is +(v + 1) or -(v + 1).
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <queue>
 #include <span>
 #include <vector>
 
@@ -26,11 +24,17 @@ struct var_data {
   std::vector<int> dl;             // decision level of the assignment, -1 if unassigned
 };
 
-// What is known of one clause. Between any two steps the counters agree with the values.
-struct clause_data {
-  int state;         // 0 satisfied, 1 in conflict, 2 unit, -k with k >= 2: no literal true, k unassigned
-  int lit_state;     // true literals while the clause is satisfied
-  int unassign_num;  // unassigned literals
+// Numbers of clauses, of which the lowest is asked for.
+class clause_set {
+ public:
+  void insert(int clause);
+  void erase(int clause);
+  void clear();
+  int lowest() const;  // -1 when there is none
+
+ private:
+  std::vector<std::uint64_t> words_;
+  std::vector<std::uint64_t> groups_;  // a bit for each word that is not 0
 };
 
 // One problem and one run over it. Clauses never change their order; learnt ones are appended.
@@ -39,25 +43,30 @@ struct sat_data {
   int cl_maxsize = 0;  // capacity in clauses
   int cur_dl = 0;      // current decision level
   var_data v_data;
-  std::vector<clause_data> cl_data;
   std::uint64_t work_left = 0;  // literals that may still be looked at
 
-  int cl_size() const { return static_cast<int>(cl_data.size()); }
-  literal_span clause(int c) const;
+  int cl_size() const { return static_cast<int>(literals_end.size()); }
+  literal_span clause(int c) const;  // its literals, in an order that changes
 
   std::vector<int> literals;              // of all clauses, one after the other
   std::vector<std::size_t> literals_end;  // where those of each clause end; they begin where the last one's end
 
   // The rest makes the steps cheap and follows from the above.
-  struct occurrence {
+  struct watch {
     int clause;
-    bool positive;
+    int other;  // a literal of the clause; while it is true, the clause needs no look
   };
-  std::vector<std::vector<occurrence>> occurs;                       // of each variable, by clause index
-  std::priority_queue<int, std::vector<int>, std::greater<>> units;  // all unit clauses, and former ones
-  std::vector<int> trail;                                            // assigned variables, oldest first
-  int lowest_free = 0;                                               // no variable below is unassigned
-  std::vector<bool> seen;                                            // scratch of clause_learning
+  // A clause stands in the lists of its first two literals: with short ones where it has no others. As long as it is
+  // neither satisfied nor unit, these two are not false.
+  std::vector<std::vector<watch>> watches;        // by literal
+  std::vector<std::vector<watch>> short_clauses;  // by literal
+  std::vector<std::int8_t> truth;                 // of each literal: 1 true, -1 false, 0 unassigned
+  clause_set units;                               // all unit clauses, and former ones
+  std::vector<int> trail;                         // assigned variables, oldest first
+  int lowest_free = 0;                            // no variable below is unassigned
+  std::vector<char> seen;                         // scratch of clause_learning
+  std::vector<int> met;
+  std::vector<int> open;
 };
 
 // A problem of n variables without clauses, and room for m given clauses: the capacity is 8 m.
