@@ -1,6 +1,7 @@
 // get_prop brings a fact into the proof state: a theorem or hypothesis, instantiated, compared with the formula that
 // the script expects, and appended in the script's own wording.
 #include <algorithm>
+#include <unordered_set>
 
 #include "dsl_interpreter/dsl_handler.h"
 #include "dsl_interpreter/instructions/single_value.h"
@@ -105,17 +106,26 @@ bool get_prop_source(const dsl_execute_data& data, const dsl_term& ref, term_ptr
 }
 
 // A placeholder is a name that the program alone uses; one that a user has taken is passed over.
-term_ptr make_get_prop_placeholder(term_ptr source, const dsl_sub_list& pairs) {
-  for (;;) {
-    term_ptr placeholder = make_var(state().placeholder_counter++);
-    const auto occurs_in = [placeholder](const dsl_sub_pair& pair) {
-      return name_occurs(placeholder->name(), pair.sub_term);
-    };
-    if (!name_occurs(placeholder->name(), source) && std::none_of(pairs.begin(), pairs.end(), occurs_in)) {
-      return placeholder;
+class placeholder_source {
+ public:
+  placeholder_source(term_ptr source, const dsl_sub_list& pairs) {
+    taken_.add(source);
+    for (const dsl_sub_pair& pair : pairs) {
+      taken_.add(pair.sub_term);
     }
   }
-}
+
+  term_ptr next() {
+    term_ptr placeholder = make_var(state().placeholder_counter++);
+    while (taken_.contains(placeholder->name())) {
+      placeholder = make_var(state().placeholder_counter++);
+    }
+    return placeholder;
+  }
+
+ private:
+  name_collection taken_;
+};
 
 // Checks every pair against the quantifier; false after a message.
 bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, term_ptr quantified,
@@ -124,14 +134,17 @@ bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, ter
     log_error_text(data, "invalid term for get_prop instantiation\n" + pretty(quantified) + "\n");
     return false;
   }
+  placeholder_source placeholders(quantified, pairs);
+  const term_span vars = quantified->vars();
+  const std::unordered_set<term_ptr, alpha_hasher, alpha_equal> binders(vars.begin(), vars.end());
+  std::unordered_set<term_ptr, alpha_hasher, alpha_equal> substituted;
   for (const dsl_sub_pair& pair : pairs) {
-    const auto same_binder = [&pair](const get_prop_subst& known) { return term_eqb(known.src, pair.binder); };
-    if (!term_is_var(pair.binder) || !term_list_contains(quantified->vars(), pair.binder)) {
+    if (!term_is_var(pair.binder) || binders.count(pair.binder) == 0) {
       log_error_text(data, "quant var don't have '" + pretty(pair.binder) + "'\n");
       result.redundant_flag = redundant_fail;
       return false;
     }
-    if (std::any_of(substs.begin(), substs.end(), same_binder)) {
+    if (!substituted.insert(pair.binder).second) {
       log_error_text(data, "duplicate substitution for quant var '" + pretty(pair.binder) + "'\n");
       result.redundant_flag = redundant_fail;
       return false;
@@ -140,19 +153,24 @@ bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, ter
       log_value_refused(data, pair.binder);
       return false;
     }
-    term_ptr placeholder = make_get_prop_placeholder(quantified, pairs);
-    substs.push_back({pair.binder, pair.sub_term, placeholder});
+    substs.push_back({pair.binder, pair.sub_term, placeholders.next()});
   }
   return true;
 }
 
-// The quantifier with all pairs substituted at once: binders by placeholders, then placeholders by values.
+// The quantifier with all pairs substituted at once: in one walk where names do not get in the way, else binders by
+// placeholders, then placeholders by values.
 term_ptr substitute_at_once(term_ptr quantified, const std::vector<get_prop_subst>& substs, term_ptr& refused) {
   term_list binders;
   term_list placeholders;
+  term_list values;
   for (const get_prop_subst& subst : substs) {
     binders.push_back(subst.src);
     placeholders.push_back(subst.placeholder);
+    values.push_back(subst.dest);
+  }
+  if (term_ptr plain = instantiate_plain_body(quantified, binders, values); plain != nullptr) {
+    return plain;
   }
   term_ptr t = instantiate_binders(quantified, binders, placeholders, &refused);
   for (const get_prop_subst& subst : substs) {

@@ -1,8 +1,12 @@
 // The rules of instantiation, and taking binders off a quantifier.
 #include "term/substitute/instantiate.h"
 
+#include <algorithm>
+#include <unordered_map>
+
 #include "term/compare.h"
 #include "term/substitute/substitution.h"
+#include "term/traverse.h"
 
 namespace vetro {
 namespace {
@@ -30,6 +34,11 @@ term_ptr with_own_name(term_ptr quantified, std::size_t position, term_ptr name)
   }
   const term_ptr body = behind.empty() ? changed : changed->body();
   return with_meta(mk_quant(quantified->quant(), entries, body), quantified->meta());
+}
+
+bool is_plain(term_ptr t) {
+  return t != nullptr && !t->has(fact_binding) && !t->has(fact_guard) && !t->has(fact_landau) && !t->has(fact_scope) &&
+         !t->has(fact_empty_list);
 }
 
 // In forall (x ∈ S)(S) the S of the entry is another variable than the one behind it. Such a binder gets a name of its
@@ -64,6 +73,32 @@ term_ptr instantiate_term(term_ptr src, term_ptr dest, term_ptr t, term_ptr* ref
     *refused = walk.refused();
   }
   return result;
+}
+
+term_ptr instantiate_plain_body(term_ptr quantified, term_span binders, term_span values) {
+  std::unordered_map<term_ptr, term_ptr> value_of;
+  for (std::size_t i = 0; i < binders.size(); ++i) {
+    value_of.emplace(binders[i]->bare(), values[i]);
+  }
+  const auto has_value = [&](term_ptr entry) { return is_var(entry) && value_of.count(entry->bare()) != 0; };
+  const term_span entries = quantified->vars();
+  if (!is_plain(quantified->body()) || !std::all_of(values.begin(), values.end(), is_plain) ||
+      !std::all_of(entries.begin(), entries.end(), has_value)) {
+    return nullptr;
+  }
+  walk_memo<term_ptr> known(quantified->body());
+  const auto replaced = [&](const auto& self, term_ptr t) -> term_ptr {
+    if (t->name_mask() == 0) {
+      return t;
+    }
+    if (t->type() == Var) {
+      const auto found = value_of.find(t->bare());
+      return found == value_of.end() ? t : found->second;
+    }
+    return known.get(t,
+                     [&] { return map_children(t, walk_children, [&](term_ptr part) { return self(self, part); }); });
+  };
+  return replaced(replaced, quantified->body());
 }
 
 term_ptr instantiate_binders(term_ptr quantified, term_span binders, term_span values, term_ptr* refused) {

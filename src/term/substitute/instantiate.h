@@ -16,4 +16,9 @@ term_ptr instantiate_term(term_ptr src, term_ptr dest, term_ptr t, term_ptr* ref
 // over the other entries, or its body. Null when an instantiation fails.
 term_ptr instantiate_binders(term_ptr quantified, term_span binders, term_span values, term_ptr* refused = nullptr);
 
+// The body of the quantifier with all its binders replaced at once: the values may speak of what the binders are
+// called. Only where nothing is bound, guarded or scoped in the body and the values, so that nothing is to be renamed
+// or refused; else, and where a binder has no value, null.
+term_ptr instantiate_plain_body(term_ptr quantified, term_span binders, term_span values);
+
 }  // namespace vetro
