@@ -190,6 +190,20 @@ void pigeons(problem& p, int n) {  // n pigeons, n - 1 holes; "pigeon i is in ho
   }
 }
 
+void cases_of_signs(problem& p,
+                    int n) {  // x_i >= 0 and a_i = x_i, or x_i < 0 and a_i = -x_i; the sum of x above that of a
+  smt_term values = p.num(0);
+  smt_term sizes = p.num(0);
+  for (int i = 0; i < n; ++i) {
+    const smt_term a = p.named("a", i);
+    const smt_prop same = p.both(p.ge(p.x(i), p.num(0)), p.eq(a, p.x(i)));
+    p.add(p.either(same, p.both(p.lt(p.x(i), p.num(0)), p.eq(a, p.l.negated(p.x(i))))));
+    values = p.plus(values, p.x(i));
+    sizes = p.plus(sizes, a);
+  }
+  p.add(p.no(p.le(values, sizes)));
+}
+
 void job_shop(problem& p, int n) {  // n jobs over n machines, within the length of the longest job: too short
   std::vector<int> longest(static_cast<std::size_t>(n), 0);
   const auto start = [&](int job, int machine) { return p.named("s", job * n + machine); };
@@ -293,6 +307,7 @@ BENCHMARK(kernel<powers_of_a_function>)->RangeMultiplier(4)->Range(16, 1000)->Co
 BENCHMARK(kernel<few_of_many>)->Arg(100)->Arg(1000)->Arg(10000)->Complexity();
 BENCHMARK(kernel<irrelevant_cases>)->Arg(10)->Arg(100)->Arg(1000)->Complexity();
 BENCHMARK(kernel<pigeons>)->DenseRange(5, 9);
+BENCHMARK(kernel<cases_of_signs>)->Arg(5)->Arg(10)->Arg(30)->Arg(100);
 BENCHMARK(kernel<job_shop>)->DenseRange(3, 6);
 BENCHMARK(small_goal_proved);
 BENCHMARK(small_goal_open);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cassert>
+#include <map>
 #include <unordered_map>
 
 namespace vetro::smt {
@@ -25,10 +26,57 @@ void combination::set_meaning(node n, linear_form form) {
 // Values of nodes are compared with each other, so that they must be unknowns, up to a number, for the differences to
 // do.
 void combination::start() {
-  const bool simple = std::all_of(meanings_.begin(), meanings_.end(), [](const meaning& m) {
+  arithmetic_.start(simple_meanings() && arithmetic_.only_differences());
+  if (arithmetic_.implies_bounds()) {
+    watch_bounds();
+  }
+}
+
+bool combination::simple_meanings() const {
+  return std::all_of(meanings_.begin(), meanings_.end(), [](const meaning& m) {
     return !m.known || m.form.terms.empty() || (m.form.terms.size() == 1 && m.form.terms.front().second.is_one());
   });
-  arithmetic_.start(simple && arithmetic_.only_differences());
+}
+
+void combination::watch_bounds() {
+  noted_.resize(atoms_.size(), 0);
+  implication_of_.resize(atoms_.size(), -1);
+  for (std::size_t v = 0; v < atoms_.size(); ++v) {
+    if (atoms_[v].kind == atom_kind::at_most) {
+      const std::size_t x = at(arithmetic_.variable_of_sum(atoms_[v].sum));
+      bound_atoms_.resize(std::max(bound_atoms_.size(), x + 1));
+      bound_atoms_[x].push_back({atoms_[v].bound, static_cast<int>(v)});
+      arithmetic_.watch(atoms_[v].sum);
+    }
+  }
+  for (auto& list : bound_atoms_) {
+    std::stable_sort(list.begin(), list.end(),
+                     [](const bound_atom& a, const bound_atom& b) { return a.bound < b.bound; });
+  }
+}
+
+void combination::add_bounds_of_equations(search& into) {
+  if (simple_meanings() && arithmetic_.only_differences()) {
+    return;
+  }
+  std::map<std::pair<linear_arithmetic::sum_id, delta_number>, bool> known;
+  for (const arithmetic_atom& a : atoms_) {
+    if (a.kind == atom_kind::at_most) {
+      known[{a.sum, a.bound}] = true;
+    }
+  }
+  for (std::size_t v = 0, end = atoms_.size(); v < end; ++v) {
+    const arithmetic_atom a = atoms_[v];
+    if (a.kind != atom_kind::equal || into.value(literal_of(static_cast<int>(v))) != truth::open) {
+      continue;
+    }
+    for (const std::int64_t delta : {0, -1}) {
+      const delta_number bound{a.bound.real, exact(delta)};
+      if (known.try_emplace({a.sum, bound}, true).second) {
+        atom_of(literal_of(into.add_variable(true, search::decided::no))) = {atom_kind::at_most, a.sum, bound};
+      }
+    }
+  }
 }
 
 combination::arithmetic_atom& combination::atom_of(literal l) {
@@ -113,13 +161,21 @@ void combination::add_order_clauses(search& into) const {
 void combination::open_level() {
   equality_.open_level();
   arithmetic_.open_level();
-  level_starts_.push_back(false_equations_.size());
+  level_starts_.push_back({false_equations_.size(), noted_order_.size(), implications_.size()});
 }
 
 void combination::back_to_level(int level) {
   equality_.back_to_level(level);
   arithmetic_.back_to_level(level);
-  false_equations_.resize(level_starts_[at(level)]);
+  const level_start& start = level_starts_[at(level)];
+  false_equations_.resize(start.false_equations);
+  for (; noted_order_.size() > start.noted; noted_order_.pop_back()) {
+    noted_[at(noted_order_.back())] = 0;
+  }
+  for (; implications_.size() > start.implications; implications_.pop_back()) {
+    implication_of_[at(variable_of(implications_.back().implied))] = -1;
+    implication_reasons_.resize(implications_.back().begin);
+  }
   level_starts_.resize(at(level));
 }
 
@@ -128,6 +184,7 @@ theory_answer combination::assert_literal(literal l) {
     return refused_by_equality();
   }
   const arithmetic_atom& atom = atom_of(l);
+  note(variable_of(l));
   const bool consistent = atom.kind == atom_kind::none || assert_arithmetic(l, atom);
   return consistent ? theory_answer::consistent : refused_by_arithmetic();
 }
@@ -172,6 +229,7 @@ theory_answer combination::propagate() {
   }
   implied_.swap(equality_.implied());
   equality_.implied().clear();
+  arithmetic_.imply_bounds(*this);
   return implied_.empty() ? theory_answer::consistent : theory_answer::progress;
 }
 
@@ -226,7 +284,53 @@ theory_answer combination::refused_by_equality() {
   return theory_answer::conflict;
 }
 
-void combination::explain(literal l, std::vector<literal>& premises) { equality_.explain_implied(l, premises); }
+void combination::explain(literal l, std::vector<literal>& premises) {
+  const std::size_t v = at(variable_of(l));
+  const std::int32_t number = v < implication_of_.size() ? implication_of_[v] : -1;
+  if (number < 0) {
+    equality_.explain_implied(l, premises);
+    return;
+  }
+  const auto next = at(number) + 1;
+  const std::size_t end = next < implications_.size() ? implications_[next].begin : implication_reasons_.size();
+  const std::size_t begin = implications_[at(number)].begin;
+  premises_.clear();
+  to_literals({implication_reasons_.data() + begin, end - begin}, premises_);
+  premises.insert(premises.end(), premises_.begin(), premises_.end());
+}
+
+// ---- What follows from bounds.
+
+void combination::note(int variable) {
+  if (at(variable) < noted_.size() && noted_[at(variable)] == 0) {
+    noted_[at(variable)] = 1;
+    noted_order_.push_back(variable);
+  }
+}
+
+// The tightest atom that the bound makes true, or false; the others follow from that one by clauses.
+bool combination::is_news(linear_var x, bound_side side, const delta_number& value) {
+  if (at(x) >= bound_atoms_.size()) {
+    return false;
+  }
+  const auto& list = bound_atoms_[at(x)];
+  auto found = std::partition_point(list.begin(), list.end(), [&](const bound_atom& a) { return a.bound < value; });
+  if (side == bound_side::upper ? found == list.end() : found == list.begin()) {
+    return false;
+  }
+  found -= side == bound_side::upper ? 0 : 1;
+  news_ = literal_of(found->variable, side == bound_side::upper);
+  return noted_[at(found->variable)] == 0;
+}
+
+void combination::learn(std::span<const bound_reason> why) {
+  const int v = variable_of(news_);
+  note(v);
+  implication_of_[at(v)] = static_cast<std::int32_t>(implications_.size());
+  implications_.push_back({news_, implication_reasons_.size()});
+  implication_reasons_.insert(implication_reasons_.end(), why.begin(), why.end());
+  implied_.push_back(news_);
+}
 
 // ---- When every atom has a value.
 

@@ -19,7 +19,7 @@
 
 namespace vetro::smt {
 
-class combination final : public theory {
+class combination final : public theory, private simplex::listener {
  public:
   explicit combination(budget& work) : work_(work), equality_(work), arithmetic_(work) {}
 
@@ -35,6 +35,8 @@ class combination final : public theory {
   void add_equal(literal l, const linear_terms& terms, const exact& value);
   // The literal says that the nodes are equal: to the arithmetic too, if both have a meaning there.
   void connect_equation(literal l, node a, node b);
+  // For each equation of sums that is open: atoms for its two bounds, which carry what follows from rows.
+  void add_bounds_of_equations(search& into);
   // What atoms about one arithmetic variable say of each other, as clauses for the search.
   void add_order_clauses(search& into) const;
   // Everything has been added.
@@ -71,7 +73,23 @@ class combination final : public theory {
     literal why;
   };
 
+  // An "at most" atom of one variable of the tableau.
+  struct bound_atom {
+    delta_number bound;
+    int variable;
+  };
+  // Why a literal follows from bounds.
+  struct implication {
+    literal implied;
+    std::size_t begin;  // of the reasons
+  };
+
   static std::size_t at(std::int32_t i) { return static_cast<std::size_t>(i); }
+  bool simple_meanings() const;
+  void watch_bounds();
+  bool is_news(linear_var x, bound_side side, const delta_number& value) override;
+  void learn(std::span<const bound_reason> why) override;
+  void note(int variable);
   arithmetic_atom& atom_of(literal l);
   bool is_arithmetic(literal l) const {
     return at(variable_of(l)) < atoms_.size() && atoms_[at(variable_of(l))].kind != atom_kind::none;
@@ -96,7 +114,19 @@ class combination final : public theory {
   std::vector<meaning> meanings_;       // by node
   std::vector<arithmetic_atom> atoms_;  // by variable of the search
   std::vector<literal> false_equations_;
-  std::vector<std::size_t> level_starts_;
+  std::vector<std::vector<bound_atom>> bound_atoms_;  // by variable of the tableau, by bound
+  std::vector<std::uint8_t> noted_;                   // by variable of the search: it has a value or is implied
+  std::vector<std::int32_t> implication_of_;          // by variable of the search; -1: not from bounds
+  std::vector<int> noted_order_;
+  std::vector<implication> implications_;
+  std::vector<bound_reason> implication_reasons_;
+  literal news_ = -1;
+  struct level_start {
+    std::size_t false_equations;
+    std::size_t noted;
+    std::size_t implications;
+  };
+  std::vector<level_start> level_starts_;
   std::vector<question> questions_;
   std::vector<bound_reason> reasons_;
   std::vector<literal> premises_;

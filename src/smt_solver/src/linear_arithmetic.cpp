@@ -148,6 +148,18 @@ linear_arithmetic::answer linear_arithmetic::check() {
   return answer::feasible;
 }
 
+void linear_arithmetic::watch(sum_id s) {
+  if (!with_graph_) {
+    tableau_.watch(in_tableau_[at(s)]);
+  }
+}
+
+void linear_arithmetic::imply_bounds(simplex::listener& out) {
+  if (!with_graph_) {
+    tableau_.imply_bounds(out);
+  }
+}
+
 void linear_arithmetic::open_level() { with_graph_ ? graph_.open_level() : tableau_.open_level(); }
 
 void linear_arithmetic::back_to_level(int level) {

@@ -43,6 +43,11 @@ class linear_arithmetic {
   bool assert_bound(sum_id s, bound_side side, const delta_number& value, bound_reason why);
   answer check();
   const std::vector<bound_reason>& conflict() const { return *conflict_; }
+  // Bounds that follow for sums, as simplex.h has it, by its variables; nothing where differences suffice.
+  void watch(sum_id s);
+  void imply_bounds(simplex::listener& out);
+  bool implies_bounds() const { return !with_graph_; }
+  linear_var variable_of_sum(sum_id s) const { return in_tableau_[at(s)]; }
   void open_level();
   void back_to_level(int level);
 

@@ -12,6 +12,10 @@ enum done_bit : std::uint8_t { asserted_true = 1, asserted_false = 2, defined_tr
 // Disjunctions and conjunctions of more parts are not searched for equations that hold in every case.
 constexpr std::size_t most_common_parts = 64;
 
+// Disjunctions of more cases, or with longer ones, are not searched for bounds that hold in every case.
+constexpr std::size_t most_bounded_cases = 4;
+constexpr std::size_t longest_bounded_case = 6;
+
 bool is_composed(const smt_prop_row& row) { return row.type == SMTB_PROP || row.type == SMTU_PROP; }
 
 }  // namespace
@@ -187,6 +191,7 @@ void preprocessor::connect_atoms() {
       connect(known);
     }
   }
+  theories_.add_bounds_of_equations(search_);
   theories_.add_order_clauses(search_);
   theories_.start();
 }
@@ -227,7 +232,8 @@ void preprocessor::assert_true(smt_prop p, bool positive) {
     std::vector<literal> clause;
     gather_parts(p, positive, clause);
     search_.add_clause(clause);
-    return learn_common_equations(p, positive);
+    learn_common_equations(p, positive);
+    return learn_common_bounds(p, positive);
   }
   if (row.type == SMTB_PROP) {
     define(p, positive, -1);
@@ -407,6 +413,64 @@ void preprocessor::learn_common_equations(smt_prop disjunction, bool positive) {
       const literal equation[] = {name_of(atoms_[at(keep(nodes_equal(known->second, n)))])};
       search_.add_clause(equation);
     }
+  }
+}
+
+// Only where an equation stands in some case and an inequality in some case of more than one part: x = y or x = z has
+// no bound in common.
+void preprocessor::learn_common_bounds(smt_prop disjunction, bool positive) {
+  std::vector<signed_prop> parts;
+  take_parts({disjunction, positive}, true, parts);
+  if (parts.size() < 2 || parts.size() > most_bounded_cases) {
+    return;
+  }
+  std::vector<sum_case> cases;
+  bool any_equation = false;
+  bool any_inequality = false;
+  for (const signed_prop& part : parts) {
+    std::vector<signed_prop> conjuncts;
+    take_parts(part, false, conjuncts);
+    sum_case& constraints = cases.emplace_back();
+    for (const signed_prop& conjunct : conjuncts) {
+      if (constraints.size() == longest_bounded_case || !add_constraint(conjunct, constraints)) {
+        return;
+      }
+      const bool equation = constraints.back().at_most && constraints.back().at_least;
+      any_equation = any_equation || equation;
+      any_inequality = any_inequality || (!equation && conjuncts.size() > 1);
+    }
+  }
+  if (!any_equation || !any_inequality) {
+    return;
+  }
+  for (common_bound& b : common_bounds(cases, work_)) {
+    const std::int32_t number = keep({.kind = atom_kind::at_most, .terms = std::move(b.terms), .bound = b.at_most});
+    const literal name = name_of(atoms_[at(number)]);
+    const literal clause[] = {b.negated ? negation(name) : name};
+    search_.add_clause(clause);
+  }
+}
+
+// False for what is no linear atom, or is false by itself.
+bool preprocessor::add_constraint(const signed_prop& part, sum_case& to) const {
+  const std::int32_t number = is_composed(language_.prop(part.p)) ? -1 : atom_of_[at(part.p)];
+  if (number < 0) {
+    return false;
+  }
+  const atom& a = atoms_[at(number)].content;
+  const bool holds = part.positive == (atom_negated_[at(part.p)] == 0);
+  switch (a.kind) {
+    case atom_kind::at_most:
+      to.push_back({a.terms, holds ? a.bound : delta_number{a.bound.real, a.bound.delta + exact(1)}, holds, !holds});
+      return true;
+    case atom_kind::equal_value:
+      to.push_back({a.terms, a.bound, true, true});
+      return holds;
+    case atom_kind::equal_nodes:
+      to.push_back({{{static_cast<atom_id>(a.a), exact(1)}, {static_cast<atom_id>(a.b), exact(-1)}}, {}, true, true});
+      return holds;
+    default:
+      return false;
   }
 }
 

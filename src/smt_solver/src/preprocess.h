@@ -10,6 +10,7 @@
 
 #include "number/linear_form.h"
 #include "smt_solver/src/combination.h"
+#include "smt_solver/src/common_bounds.h"
 #include "smt_solver/src/purify.h"
 #include "smt_solver/src/search.h"
 #include "smt_solver/src/smt_lang.h"
@@ -64,6 +65,8 @@ class preprocessor {
     bool positive;
   };
   void learn_common_equations(smt_prop disjunction, bool positive);
+  void learn_common_bounds(smt_prop disjunction, bool positive);
+  bool add_constraint(const signed_prop& part, sum_case& to) const;
   void take_parts(signed_prop whole, bool of_disjunction, std::vector<signed_prop>& parts) const;
   literal name_of(known_atom& known);
 

@@ -32,7 +32,7 @@ std::size_t luby(std::size_t i) {
 
 }  // namespace
 
-int search::add_variable(bool is_atom) {
+int search::add_variable(bool is_atom, decided d) {
   const int v = variables();
   values_.push_back(truth::open);
   levels_.push_back(0);
@@ -41,10 +41,12 @@ int search::add_variable(bool is_atom) {
   phase_.push_back(0);
   seen_.push_back(0);
   activity_.push_back(0);
-  heap_place_.push_back(-1);
+  heap_place_.push_back(d == decided::yes ? -1 : never);
   watches_.emplace_back();
   watches_.emplace_back();
-  heap_insert(v);
+  if (d == decided::yes) {
+    heap_insert(v);
+  }
   return v;
 }
 
@@ -114,7 +116,7 @@ void search::back_to(int target) {
     const std::size_t v = index(l);
     phase_[v] = is_positive(l) ? 1 : 0;
     values_[v] = truth::open;
-    if (heap_place_[v] < 0) {
+    if (heap_place_[v] == -1) {
       heap_insert(variable_of(l));
     }
   }

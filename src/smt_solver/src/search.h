@@ -61,8 +61,10 @@ class search {
  public:
   search(theory& atoms, budget& work) : theory_(atoms), work_(work) {}
 
-  // The next variable. Values of atoms are reported to the theory.
-  int add_variable(bool is_atom);
+  // The next variable. Values of atoms are reported to the theory. One that is not decided may stay open in the end, so
+  // that it must not matter for the given clauses.
+  enum class decided : bool { no, yes };
+  int add_variable(bool is_atom, decided d = decided::yes);
   // A clause, before solve. Repeated literals and clauses that are always true are sorted out.
   void add_clause(std::span<const literal> literals);
   outcome solve();
@@ -76,6 +78,7 @@ class search {
   // Position of a clause in the arena: two words of header (size; rank of a learnt clause, 0 for a given one), then the
   // literals.
   using clause_ref = std::int32_t;
+  static constexpr int never = -2;
   static constexpr clause_ref no_reason = -1;
   static constexpr clause_ref theory_reason = -2;
   static constexpr std::int32_t header = 2;
@@ -161,7 +164,7 @@ class search {
   std::vector<std::uint64_t> activity_;
   std::uint64_t bump_ = std::uint64_t{1} << 20;
   std::vector<int> heap_;
-  std::vector<int> heap_place_;  // -1 when not in the heap
+  std::vector<int> heap_place_;  // -1 when not in the heap, never when it is not decided
 
   std::size_t conflicts_ = 0;
   std::size_t decisions_ = 0;

@@ -15,6 +15,9 @@ constexpr std::size_t patient_pivots = 20;
 // circles.
 constexpr std::size_t patient_stalls = 20;
 
+// Longer rows imply no bounds: each of their variables would have to be bounded.
+constexpr std::size_t longest_implying_row = 24;
+
 // Work for one operation on a number: about ten nanoseconds each.
 std::uint64_t cost_of(const exact& number) { return number.limbs() <= 2 ? 2 : 16 * number.limbs(); }
 std::uint64_t cost_of(const whole& number) { return 2 + 2 * number.size(); }
@@ -28,6 +31,7 @@ linear_var simplex::add_variable() {
   vars_.emplace_back();
   place_in_row_.push_back(0);
   is_suspect_.push_back(0);
+  is_watched_.push_back(0);
   dense_.emplace_back();
   return x;
 }
@@ -42,6 +46,7 @@ linear_var simplex::add_sum(std::span<const summand> sum) {
     scale = scale / gcd(scale, denominator) * denominator;
   }
   rows_.push_back({x, whole(scale), {}});
+  is_touched_.push_back(0);
   rows_.back().entries.reserve(expression_.size() + 1);
   vars_[at(x)].row = r;
   delta_number value;
@@ -168,9 +173,11 @@ void simplex::pivot(linear_var leaving, linear_var entering) {
   pivot_row.basic = entering;
   vars_[at(leaving)].row = -1;
   vars_[at(entering)].row = r;
+  touch_row(r);
   auto& column = vars_[at(entering)].column;
   for (std::size_t i = column.size(); i > 0; --i) {  // entries vanish behind the place of the walk
     if (column[i - 1].row != r) {
+      touch_row(column[i - 1].row);
       eliminate(entering, column[i - 1].row, r);
     }
   }
@@ -205,6 +212,7 @@ bool simplex::assert_bound(linear_var x, bound_side side, const delta_number& va
   }
   undo_.push_back({x, side, own});
   own = {value, why, true};
+  touch_rows(x);
   if (is_basic(x)) {
     suspect(x);
   } else if (beyond(v.value)) {
@@ -324,6 +332,99 @@ void simplex::pivot_and_set(linear_var leaving, linear_var entering, const delta
   vars_[at(leaving)].value = target;
   pivot(leaving, entering);
   suspect(entering);
+}
+
+// ---- Implied bounds.
+
+void simplex::watch(linear_var x) {
+  is_watched_[at(x)] = 1;
+  watching_ = true;
+}
+
+void simplex::touch_row(std::int32_t r) {
+  if (watching_ && is_touched_[at(r)] == 0) {
+    is_touched_[at(r)] = 1;
+    touched_rows_.push_back(r);
+  }
+}
+
+void simplex::touch_rows(linear_var x) {
+  if (!watching_) {
+    return;
+  }
+  work_.charge(vars_[at(x)].column.size());
+  for (const column_entry& c : vars_[at(x)].column) {
+    touch_row(c.row);
+  }
+}
+
+void simplex::imply_bounds(listener& out) {
+  for (const std::int32_t r : touched_rows_) {
+    is_touched_[at(r)] = 0;
+    if (rows_[at(r)].entries.size() <= longest_implying_row) {
+      imply_bounds_in(rows_[at(r)], out);
+    }
+  }
+  touched_rows_.clear();
+}
+
+void simplex::imply_bounds_in(const row& r, listener& out) {
+  const auto is_watched = [this](const row_entry& e) { return is_watched_[at(e.var)] != 0; };
+  work_.charge(r.entries.size());
+  if (std::none_of(r.entries.begin(), r.entries.end(), is_watched)) {
+    return;
+  }
+  for (const int direction : {1, -1}) {
+    row_end end;
+    for (const row_entry& e : r.entries) {
+      add_to_end(end, e, direction);
+    }
+    for (const row_entry& e : r.entries) {
+      if (is_watched(e) && end.without <= 1 && (end.without == 0 || end.last_without == e.var)) {
+        imply(r, e, direction, end, out);
+      }
+    }
+  }
+}
+
+// Direction 1 for the greatest value.
+void simplex::add_to_end(row_end& end, const row_entry& e, int direction) const {
+  const variable& v = vars_[at(e.var)];
+  const bound& b = direction * e.coefficient.sign() > 0 ? v.upper : v.lower;
+  if (!b.present) {
+    ++end.without;
+    end.last_without = e.var;
+  } else if (end.without <= 1) {
+    work_.charge(cost_of(b.value.real) + cost_of(e.coefficient));
+    end.value.add_multiple(ratio(e.coefficient, 1), b.value);
+  }
+}
+
+// The sum is 0, so that the summand of one variable is at least what is left when all others are as great as they can
+// be, and at most so where they are as small.
+void simplex::imply(const row& r, const row_entry& e, int direction, const row_end& end, listener& out) {
+  const variable& v = vars_[at(e.var)];
+  const int own = direction * e.coefficient.sign();
+  const exact coefficient = ratio(e.coefficient, 1);
+  delta_number others = end.value;
+  if (end.without == 0) {
+    others.add_multiple(-coefficient, (own > 0 ? v.upper : v.lower).value);
+  }
+  const delta_number value = others * (exact(-1) / coefficient);
+  const bound_side side = own > 0 ? bound_side::lower : bound_side::upper;
+  const bound& known = own > 0 ? v.lower : v.upper;
+  const bool tighter = !known.present || (own > 0 ? known.value < value : value < known.value);
+  if (!tighter || !value.is_known() || !out.is_news(e.var, side, value)) {
+    return;
+  }
+  reasons_.clear();
+  for (const row_entry& other : r.entries) {
+    if (other.var != e.var) {
+      const variable& w = vars_[at(other.var)];
+      reasons_.push_back((direction * other.coefficient.sign() > 0 ? w.upper : w.lower).why);
+    }
+  }
+  out.learn(reasons_);
 }
 
 // ---- All violations together.

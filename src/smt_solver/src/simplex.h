@@ -48,6 +48,22 @@ class simplex {
   answer check();
   const std::vector<bound_reason>& conflict() const { return conflict_; }
 
+  // Who is told what follows for a variable from the bounds of the others in one row.
+  class listener {
+   public:
+    listener() = default;
+    listener(const listener&) = delete;
+    listener& operator=(const listener&) = delete;
+    virtual ~listener() = default;
+    // Whether the bound is news; it is explained then.
+    virtual bool is_news(linear_var x, bound_side side, const delta_number& value) = 0;
+    virtual void learn(std::span<const bound_reason> why) = 0;
+  };
+  // Bounds of x are of interest to the listener.
+  void watch(linear_var x);
+  // After a feasible check: tells what follows in the rows that changed since the last time.
+  void imply_bounds(listener& out);
+
   void open_level() { level_starts_.push_back(undo_.size()); }
   void back_to_level(int level);
 
@@ -133,6 +149,18 @@ class simplex {
     bool at_upper;
     exact change;
   };
+  // The least and the greatest value of a row, by the bounds of its variables.
+  struct row_end {
+    delta_number value;
+    std::size_t without = 0;  // variables without the bound
+    linear_var last_without = -1;
+  };
+  void touch_row(std::int32_t r);
+  void touch_rows(linear_var x);
+  void imply_bounds_in(const row& r, listener& out);
+  void add_to_end(row_end& end, const row_entry& e, int direction) const;
+  void imply(const row& r, const row_entry& e, int direction, const row_end& end, listener& out);
+
   answer reduce_violations();
   void add_up_violations();
   static bool steeper(const std::pair<linear_var, exact>& a, const std::pair<linear_var, exact>& b);
@@ -156,6 +184,11 @@ class simplex {
   std::vector<bound_change> undo_;
   std::vector<std::size_t> level_starts_;
   std::vector<std::pair<linear_var, exact>> expression_;
+  std::vector<std::uint8_t> is_watched_;  // by variable
+  bool watching_ = false;
+  std::vector<std::int32_t> touched_rows_;
+  std::vector<std::uint8_t> is_touched_;
+  std::vector<bound_reason> reasons_;
   std::vector<linear_var> violated_;
   std::vector<breakpoint> breakpoints_;
   std::vector<exact> dense_;

@@ -260,6 +260,31 @@ TEST(lra_solver, shared_parts_and_deep_formulas_cost_what_they_are_written_in) {
   EXPECT_EQ(solve(l, l.connective(SMTPROP_AND, all, l.negation(l.atom(SMT_EQ, deep, l.name("a"))))), 0);
 }
 
+// Thirty numbers with their signs by cases: nothing is tried for each combination.
+TEST(lra_solver, cases_have_bounds_in_common) {
+  small_language l;
+  const smt_term zero = l.const_num(0);
+  const auto sums = [&](bool strict) {
+    smt_term values = zero;
+    smt_term sizes = zero;
+    smt_prop all = l.truth(true);
+    for (int i = 0; i < 30; ++i) {
+      const smt_term x = l.var_name(smt_name::variable, "x", i);
+      const smt_term a = l.var_name(smt_name::variable, "a", i);
+      const smt_prop itself = l.connective(SMTPROP_AND, l.atom(SMT_GE, x, zero), l.atom(SMT_EQ, a, x));
+      const smt_prop turned = l.connective(SMTPROP_AND, l.atom(SMT_LT, x, zero), l.atom(SMT_EQ, a, l.negated(x)));
+      all = l.connective(SMTPROP_AND, all, l.connective(SMTPROP_OR, itself, turned));
+      values = l.binary(LIA_ADD, values, x);
+      sizes = l.binary(LIA_ADD, sizes, a);
+    }
+    return l.connective(SMTPROP_AND, all, l.atom(strict ? SMT_GT : SMT_GE, values, sizes));
+  };
+  budget work(1'000'000);
+  EXPECT_EQ(smt_solver_lra_uf(l, sums(true), work), 0);
+  EXPECT_EQ(smt_solver_lra_uf(l, sums(false), work), 1);
+  EXPECT_FALSE(work.exhausted());
+}
+
 TEST(lra_solver, used_up_work_proves_nothing) {
   smt_language l;
   const random_formula r(0);
