@@ -25,7 +25,7 @@
 #include "qv_solver_list/solver_registry.h"
 #include "structured_result.h"
 #include "term/pattern_match.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/report.h"
 
 namespace vetro {

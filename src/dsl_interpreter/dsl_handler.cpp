@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "term/compare.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {

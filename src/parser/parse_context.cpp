@@ -4,7 +4,7 @@
 #include <algorithm>
 #include <string>
 
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/report.h"
 
 namespace vetro {
