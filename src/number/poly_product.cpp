@@ -71,15 +71,35 @@ exact common_denominator(const poly& p) {
   return common;
 }
 
-// Bits of the sum of the magnitudes of the coefficients, which are integers. The sum of a product is at most the
-// product of the sums.
-std::uint64_t bits_of(const poly& p) {
+// The sum of the magnitudes of the coefficients, which are integers. The sum of a product is at most the product of the
+// sums.
+exact size_of(const poly& p) {
   exact sum = 0;
   for (const poly_term& t : p) {
     sum += t.coef.sign() < 0 ? -t.coef : t.coef;
   }
-  const auto small = sum.to_int64();
+  return sum;
+}
+
+std::uint64_t bits_of(const exact& integer) {
+  const auto small = integer.to_int64();
   return small ? static_cast<std::uint64_t>(64 - std::countl_zero(static_cast<std::uint64_t>(*small))) : 128;
+}
+
+// The greatest sums for which 64 or 128 bits suffice.
+const wide_int most_small = std::numeric_limits<std::int64_t>::max();
+const wide_int most_wide = wide_int{1} << 125U;
+
+// bound * size^exp, or more than most_wide.
+wide_int raised(wide_int bound, const exact& size, std::uint64_t exp) {
+  const auto factor = size.to_int64();
+  if (!factor) {
+    return most_wide + 1;
+  }
+  for (; exp > 0 && bound <= most_wide && *factor > 1; --exp) {
+    bound = bound > most_wide / *factor ? most_wide + 1 : bound * *factor;
+  }
+  return bound;
 }
 
 // ---- Layout.
@@ -347,7 +367,7 @@ std::optional<packed_poly<Coef>> multiply(poly_data& pdata, const packed_poly<Co
   if (!pdata.charge(products * cost)) {
     return std::nullopt;
   }
-  if (words <= most_dense_bytes / sizeof(Coef) && words <= products * 8 + 4096) {
+  if (words <= most_dense_bytes / sizeof(Coef) && words <= products * 8 + 256) {
     return multiply_dense(a, b, words);
   }
   word_table<Coef> table(a.size() + b.size());
@@ -398,7 +418,7 @@ poly packed_product(poly_data& pdata, const layout& words, std::span<const poly_
   for (const poly_power& power : powers) {
     const packed_poly<Coef> base = words.pack<Coef>(*power.base);
     const packed_word range = words_of(base) - 1;
-    const std::uint64_t base_bits = bits_of(*power.base);
+    const std::uint64_t base_bits = bits_of(size_of(*power.base));
     std::uint64_t left = power.exp;
     if (result.empty()) {
       result = base;
@@ -477,7 +497,7 @@ class prepared_product {
       }
     }
     sums_.push_back({base, power.exp});
-    bits_ += bits_of(*base) * std::min<std::uint64_t>(power.exp, limits::exact_bits);
+    bound_ = raised(bound_, size_of(*base), power.exp);
     return true;
   }
 
@@ -507,10 +527,11 @@ class prepared_product {
     if (!words) {
       return plain_product(pdata_, sums_);
     }
-    if (bits_ < 63) {
+    if (bound_ <= most_small) {
       return packed_product<std::int64_t>(pdata_, *words, sums_);
     }
-    return bits_ < 125 ? packed_product<wide_int>(pdata_, *words, sums_) : packed_product<exact>(pdata_, *words, sums_);
+    return bound_ <= most_wide ? packed_product<wide_int>(pdata_, *words, sums_)
+                               : packed_product<exact>(pdata_, *words, sums_);
   }
 
   poly_data& pdata_;
@@ -518,7 +539,7 @@ class prepared_product {
   monomial_id monomial_ = 0;
   std::deque<poly> whole_;  // bases with their denominators taken out
   std::vector<poly_power> sums_;
-  std::uint64_t bits_ = 0;
+  wide_int bound_ = 1;  // for the coefficients of the product
 };
 
 }  // namespace

@@ -364,6 +364,9 @@ class product_collector {
           add(view.t1, how);
           return true;
         }
+        if (open_magnitude(view_of(view.t1), how)) {
+          return true;
+        }
         break;
       case part_kind::other:
         break;
@@ -371,6 +374,35 @@ class product_collector {
     const bool calculates = view.kind == part_kind::absolute || !how.exponent.is_integer();
     const auto number = calculates ? evaluate(t, forms_of_numbers) : std::nullopt;
     return number && add_number(*number, how);
+  }
+
+  // |a * b| is |a| * |b|, and alike. As none of these is negative, that holds under every exponent.
+  bool open_magnitude(const part_view& inner, const occurrence& how) {
+    const auto add_size = [this](term_ptr t, const occurrence& of) { add(make_unOp_term(Abs, t), of); };
+    switch (inner.kind) {
+      case part_kind::product:
+      case part_kind::quotient:
+        add_size(inner.t1, how);
+        add_size(inner.t2, inner.kind == part_kind::product ? how : how.times(-1));
+        return true;
+      case part_kind::power:
+        if (inner.number.is_integer()) {
+          add_size(inner.t1, how.times(inner.number));
+          return true;
+        }
+        return false;
+      case part_kind::root:
+        if (is_odd(inner.number)) {
+          add_size(inner.t1, how.times(exact(1) / inner.number));
+          return true;
+        }
+        return false;
+      case part_kind::negation:
+        add_size(inner.t1, how);
+        return true;
+      default:
+        return false;
+    }
   }
 
   static bool is_negative_number(term_ptr t) {

@@ -38,7 +38,15 @@ void limit_memory(term_ptr a, term_ptr b) {
   }
 }
 
-fingerprint print_of(term_ptr t) { return expression_reader<fingerprint_domain>(memory().prints).read(t); }
+// Good as long as it is remembered.
+const fingerprint& print_of(term_ptr t) {
+  fingerprint_domain& prints = memory().prints;
+  if (const fingerprint* known = prints.recall(t)) {
+    return *known;
+  }
+  expression_reader<fingerprint_domain>(prints).read(t);
+  return *prints.recall(t);
+}
 
 // The exact comparison would certainly fail.
 bool certainly_open(const fingerprint& a, const fingerprint& b) {
@@ -141,8 +149,8 @@ std::optional<decision_normal_form> decision_normalize_atomic(term_ptr t) {
 }
 
 fingerprint print_of_difference(term_ptr a, term_ptr b) {
-  const fingerprint left = print_of(a);
-  const fingerprint right = print_of(b);
+  const fingerprint& left = print_of(a);
+  const fingerprint& right = print_of(b);
   const signed_value<fingerprint> difference[] = {{left, false}, {right, true}};
   return fingerprint_sum(difference);
 }

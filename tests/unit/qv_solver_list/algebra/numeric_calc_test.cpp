@@ -106,6 +106,17 @@ TEST_F(numeric_calc_test, trigonometric_values_fit_together) {
   EXPECT_EQ(with_value, 97);
 }
 
+TEST_F(numeric_calc_test, magnitudes) {
+  expect(solver_numeric_calc, true,
+         {{{}, "|2 * π * x * y| = 2 * π * |x * y|"},
+          {{}, "|x^3| = x^2 * |x|"},
+          {{}, "|1 / x| = 1 / |x|"},
+          {{}, "|-x / cbrt(y)| = |x| / cbrt(|y|)"},
+          {{"x > 0"}, "|x * y| = x * |y|"}});
+  expect(solver_numeric_calc, false,
+         {{{}, "|x * y| = x * |y|"}, {{}, "|x^3| = x^3"}, {{}, "|x + y| = |x| + |y|"}, {{}, "|-x| = x"}});
+}
+
 // Laws of functions, and statements like them that are false or have another value at each place.
 TEST_F(numeric_calc_test, functions_as_powers) {
   expect(solver_numeric_calc, true,
