@@ -2,6 +2,7 @@
 // the call: the handler runs on a stack of its own and goes back to the beginning of the thread.
 #include "platform/large_stack.h"
 
+#include <fcntl.h>
 #include <pthread.h>
 #include <sys/mman.h>
 #include <sys/resource.h>
@@ -9,13 +10,14 @@
 
 #include <algorithm>
 #include <array>
+#include <charconv>
 #include <csetjmp>
 #include <csignal>
 #include <cstddef>
 #include <cstdint>
 #include <cstdio>
-#include <fstream>
-#include <string>
+#include <optional>
+#include <string_view>
 
 namespace vetro {
 namespace {
@@ -68,27 +70,45 @@ void* call_on_stack(void* argument) {
   return nullptr;
 }
 
-// A value in kB from the kernel's account of memory; 0 when it is not there.
-std::size_t memory_info(const std::string& key) {
-  std::ifstream file("/proc/meminfo");
-  for (std::string line; std::getline(file, line);) {
-    if (line.starts_with(key + ":")) {
-      return std::stoull(line.substr(key.size() + 1));
+// The beginning of a file of the kernel; empty when it cannot be read.
+class kernel_file {
+ public:
+  explicit kernel_file(const char* path) {
+    const int descriptor = open(path, O_RDONLY | O_CLOEXEC);
+    const ssize_t got = descriptor < 0 ? 0 : read(descriptor, bytes_.data(), bytes_.size());
+    size_ = got > 0 ? static_cast<std::size_t>(got) : 0;
+    if (descriptor >= 0) {
+      close(descriptor);
     }
   }
-  return 0;
-}
+
+  // The number behind the label; nothing when the label or the number is not there.
+  std::optional<std::size_t> number_behind(std::string_view label) const {
+    const std::string_view text(bytes_.data(), size_);
+    const std::size_t at = text.find(label);
+    const std::size_t begin = text.find_first_not_of(" \t", at == std::string_view::npos ? at : at + label.size());
+    std::size_t value = 0;
+    if (at == std::string_view::npos || begin == std::string_view::npos ||
+        std::from_chars(text.data() + begin, text.data() + text.size(), value).ec != std::errc()) {
+      return std::nullopt;
+    }
+    return value;
+  }
+
+ private:
+  std::array<char, 8192> bytes_{};
+  std::size_t size_ = 0;
+};
 
 // Where the kernel counts reserved memory as used, what is left of it.
 std::size_t uncommitted_bytes() {
-  std::ifstream file("/proc/sys/vm/overcommit_memory");
-  int policy = 0;
-  constexpr int strict = 2;
-  if (!(file >> policy) || policy != strict) {
+  constexpr std::size_t strict = 2;
+  if (kernel_file("/proc/sys/vm/overcommit_memory").number_behind("") != strict) {
     return SIZE_MAX;
   }
-  const std::size_t limit = memory_info("CommitLimit");
-  const std::size_t used = memory_info("Committed_AS");
+  const kernel_file memory("/proc/meminfo");
+  const std::size_t limit = memory.number_behind("CommitLimit:").value_or(0);
+  const std::size_t used = memory.number_behind("Committed_AS:").value_or(0);
   return limit > used ? (limit - used) * 1024 : 0;
 }
 

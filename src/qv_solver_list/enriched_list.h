@@ -43,14 +43,19 @@ class enriched_list {
   std::vector<derived_fact> derived_;  // one for each formula, in the order of the assumptions
   shared_terms result_;
   std::shared_ptr<assumption_facts> facts_;
+  bool whole_ = true;  // not where memory ran out on the way from one list to another
 };
 
 template <class FactsOf>
 bool enriched_list::follow(const shared_terms& list, FactsOf facts_of) {
+  if (!whole_) {
+    *this = enriched_list();
+  }
   const std::size_t kept = common_beginning(list);
   if (kept == list.size() && kept == source_.size() && facts_ != nullptr) {
     return true;
   }
+  whole_ = false;
   facts_ = nullptr;
   ++table_->version;
   while (source_.size() > kept) {
@@ -59,11 +64,13 @@ bool enriched_list::follow(const shared_terms& list, FactsOf facts_of) {
   for (std::size_t i = kept; i < list.size(); ++i) {
     const term_list* facts = facts_of(list[i]);
     if (facts == nullptr) {
+      whole_ = true;
       return false;
     }
     append(list, *facts);
   }
   publish();
+  whole_ = true;
   return true;
 }
 

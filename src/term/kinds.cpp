@@ -2,7 +2,7 @@
 #include "term/kinds.h"
 
 #include <array>
-#include <unordered_map>
+#include <cstdint>
 
 #include "term/report.h"
 
@@ -131,23 +131,57 @@ std::string_view pattern_type_internal(int number) {
                       "Error: pattern_type_internal visiting unknown pattern type %d\n");
 }
 
-int name_number(std::string_view word) {
-  // The words never change, so the index is built once; the first row that has a word wins. "Integer" and "Decimal" are
-  // kinds of literals and no words; "Integer" is written for the set.
-  static const std::unordered_map<std::string_view, int> index = [] {
-    std::unordered_map<std::string_view, int> words;
+namespace {
+
+constexpr std::uint32_t word_hash(std::string_view word) {
+  std::uint32_t hash = 2166136261U;
+  for (const char c : word) {
+    hash = (hash ^ static_cast<std::uint8_t>(c)) * 16777619U;
+  }
+  return hash ^ (hash >> 15U);
+}
+
+// The words, made by the compiler: a place holds a word or is empty, and a word stands at the place of its hash or
+// behind it. The first row that has a word wins. "Integer" and "Decimal" are kinds of literals and no words; "Integer"
+// is written for the set.
+class word_index {
+ public:
+  constexpr word_index() {
     for (int row = Infty; row < row_count && name_rows[row].number <= Iff; ++row) {
-      if (!name_rows[row].printed.empty()) {
-        words.emplace(name_rows[row].printed, name_rows[row].number);
-      }
+      add({name_rows[row].printed, name_rows[row].number});
     }
     for (const alias_row& alias : alias_rows) {
-      words.emplace(alias.written, alias.number);
+      add(alias);
     }
-    return words;
-  }();
-  const auto found = index.find(word);
-  return found == index.end() ? -1 : found->second;
-}
+  }
+
+  constexpr int number_of(std::string_view word) const {
+    const alias_row& found = places_[place_of(word)];
+    return found.written.empty() ? -1 : found.number;
+  }
+
+ private:
+  constexpr std::size_t place_of(std::string_view word) const {
+    std::size_t place = word_hash(word) % places_.size();
+    while (!places_[place].written.empty() && places_[place].written != word) {
+      place = (place + 1) % places_.size();
+    }
+    return place;
+  }
+  constexpr void add(const alias_row& row) {
+    alias_row& place = places_[place_of(row.written)];
+    if (!row.written.empty() && place.written.empty()) {
+      place = row;
+    }
+  }
+
+  std::array<alias_row, 1024> places_{};
+};
+
+constexpr word_index words;
+
+}  // namespace
+
+int name_number(std::string_view word) { return words.number_of(word); }
 
 }  // namespace vetro
