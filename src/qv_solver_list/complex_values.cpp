@@ -8,6 +8,7 @@
 #include "term/node_memo.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
+#include "term/variables/free_names.h"
 
 namespace vetro {
 namespace {
@@ -70,6 +71,16 @@ void complex_values::name_complex(term_ptr t) {
   });
 }
 
+// What is real as a whole may be made of names that are not: z + i = 2.
+void complex_values::name_operands(term_ptr t) {
+  for (term_ptr name : free_names_beside_heads(t)) {
+    if (!in_a_real_set(*facts_, name)) {
+      named_.insert(name);
+      names_ |= name->name_mask();
+    }
+  }
+}
+
 // Equations carry it from one side to the other, also those of the layers below once something new is complex.
 void complex_values::spread() {
   for (bool grown = true; grown;) {
@@ -79,9 +90,15 @@ void complex_values::spread() {
         if (fact.pred != Eq || may_be_complex(fact.left) == may_be_complex(fact.right)) {
           continue;
         }
-        term_ptr other = may_be_complex(fact.left) ? fact.right : fact.left;
-        if (!solver_const_expr_is_closed(other) && !in_a_real_set(*facts_, other)) {
+        const bool from_left = may_be_complex(fact.left);
+        const std::size_t before = named_.size();
+        if (term_ptr other = from_left ? fact.right : fact.left;
+            !solver_const_expr_is_closed(other) && !in_a_real_set(*facts_, other)) {
           name_complex(other);
+        } else {
+          name_operands(from_left ? fact.left : fact.right);
+        }
+        if (named_.size() > before) {
           known_.clear();
           grown = true;
         }

@@ -23,6 +23,7 @@ class complex_values {
   bool is_named(term_ptr t) const;
   void spread();
   void name_complex(term_ptr t);
+  void name_operands(term_ptr t);
 
   assumption_facts* facts_;
   std::unordered_set<term_ptr> named_;  // bare

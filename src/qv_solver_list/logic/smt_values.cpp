@@ -214,7 +214,9 @@ void value_kinds::add_membership(term_ptr elements, term_ptr set) {
   if (is_constant(set, ComplexSet)) {
     node_set seen;
     put_into_complex(elements, seen);
-  } else if (!is_set_of_reals(set)) {
+  } else if (is_set_of_reals(set)) {
+    reals_.insert(elements->bare());
+  } else {
     memberships_.push_back(elements);
     settled_ = settled_ && !complex_set_is_named_;
   }
@@ -225,7 +227,7 @@ void value_kinds::put_into_complex(term_ptr elements, node_set& seen) {
   if (!seen.insert(elements)) {
     return;
   }
-  if (seen.size() == 1 || elements->type() == Var) {
+  if ((seen.size() == 1 || elements->type() == Var) && !is_known_real(elements)) {
     mark(elements, value_kind::complex);
   }
   for (term_ptr part : elements->children()) {
@@ -248,6 +250,9 @@ void value_kinds::mark(term_ptr t, value_kind kind) {
 }
 
 // Equations carry the greater kind from one side to the other, in both directions by turns, until nothing changes.
+// A number, or what stands in a set of reals.
+bool value_kinds::is_known_real(term_ptr t) const { return t->name_mask() == 0 || reals_.count(t->bare()) != 0; }
+
 void value_kinds::settle() {
   if (complex_set_is_named_) {
     node_set seen;
@@ -264,7 +269,14 @@ void value_kinds::settle() {
       const value_kind of_left = of(left);
       const value_kind of_right = of(right);
       if (of_left != of_right) {
-        mark(of_left < of_right ? left : right, std::max(of_left, of_right));
+        const term_ptr lesser = of_left < of_right ? left : right;
+        const term_ptr greater = of_left < of_right ? right : left;
+        if (std::max(of_left, of_right) == value_kind::complex && is_known_real(lesser)) {  // z + i = 2
+          node_set seen;
+          put_into_complex(greater, seen);
+        } else {
+          mark(lesser, std::max(of_left, of_right));
+        }
         grown = grown || !settled_;
         known_.clear();
         settled_ = true;

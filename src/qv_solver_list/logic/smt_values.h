@@ -8,6 +8,7 @@
 
 #include <cstdint>
 #include <unordered_map>
+#include <unordered_set>
 #include <utility>
 #include <vector>
 
@@ -35,6 +36,7 @@ class value_kinds {
   void settle();
   void add_membership(term_ptr elements, term_ptr set);
   void put_into_complex(term_ptr elements, node_set& seen);
+  bool is_known_real(term_ptr t) const;
   value_kind by_form(term_ptr t);
   value_kind by_application(term_ptr t);
 
@@ -42,8 +44,9 @@ class value_kinds {
   std::unordered_map<term_ptr, value_kind> marked_;  // bare terms
   node_memo<value_kind> known_;
   std::vector<std::pair<term_ptr, term_ptr>> equations_;
-  term_list memberships_;              // what stands in a set that may hold complex numbers
-  bool complex_set_is_named_ = false;  // the set of complex numbers stands elsewhere than to the right of ∈
+  std::unordered_set<term_ptr> reals_;  // bare terms in sets of reals
+  term_list memberships_;               // what stands in a set that may hold complex numbers
+  bool complex_set_is_named_ = false;   // the set of complex numbers stands elsewhere than to the right of ∈
   bool settled_ = true;
 };
 

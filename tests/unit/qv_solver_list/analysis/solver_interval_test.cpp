@@ -136,6 +136,7 @@ TEST_F(interval_solver, values_that_are_no_real_numbers_have_no_bounds) {
                     {{"x > ±1"}, "x > ±1"},
                     {{"1 + 2 + ... + n > 5"}, "1 + 2 + ... + n > 4"},
                     {{"z ∈ Complex"}, "z^2 + 1 > 0"},
+                    {{"z + __IMAGINARY_UNIT__ = 2"}, "z^2 > -1"},
                     {{"z = 1 + __IMAGINARY_UNIT__", "w = z^2"}, "w^2 ≥ 0"},
                     {{"x < Infty"}, "x < 3"},
                 });

@@ -25,6 +25,8 @@ TEST_F(smt_lra_test, values_without_order_or_arithmetic) {
              {{"x = ∞", "y = x + 1", "y = ∞"}, "0 = 1"},
              {{"z ∈ S", "S = Complex"}, "z < 0 ∨ z ≥ 0"},
              {{"T ⊆ Complex", "z ∈ S ∪ T"}, "|z| = z ∨ |z| = -z"},
+             {{"z + __IMAGINARY_UNIT__ = 2"}, "z < 3 ∨ z ≥ 3"},
+             {{"z * __IMAGINARY_UNIT__ = w", "w ∈ Real"}, "z < 3 ∨ z ≥ 3"},
          });
   expect(solver_smt_lra, true,
          {
@@ -34,6 +36,7 @@ TEST_F(smt_lra_test, values_without_order_or_arithmetic) {
              {{}, "||x| - |y|| ≤ |x - y|"},
              {{}, "|x|^4 = x^4"},
              {{"x ∈ S", "z ∈ Complex"}, "x < 0 ∨ x ≥ 0"},
+             {{"z = a + b * __IMAGINARY_UNIT__", "a > 1"}, "a > 0 ∧ b * 2 = b + b"},
              {{"S = Complex", "z ∈ S", "x ∈ [0, 1]"}, "x < 0 ∨ x ≥ 0"},
          });
 }
