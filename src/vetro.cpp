@@ -1,4 +1,4 @@
-// The program: command line, the fixed sequence of a run, its report and the exit status. Text in and out is UTF-8,
+// The program: command line, its files and logs around the run, and the exit status. Text in and out is UTF-8,
 // which the C locale that the program stays in passes through byte by byte.
 #include <fcntl.h>
 #include <getopt.h>
@@ -13,25 +13,19 @@
 #include <string>
 #include <vector>
 
-#include "dsl_interpreter/dsl_execute.h"
-#include "lib/dsl_parser.h"
 #include "lib/log_stream.h"
-#include "lib/proof_gap_parser.h"
 #include "lib/thm_lib.h"
 #include "parser/parser_api.h"
 #include "platform/file_identity.h"
 #include "platform/large_stack.h"
-#include "program_context.h"
 #include "qv_solver_list/solver_registry.h"
-#include "structured_result.h"
+#include "run/proof_run.h"
+#include "run/structured_result.h"
 #include "term/pattern_match.h"
-#include "term/print/pretty.h"
 #include "term/report.h"
 
 namespace vetro {
 namespace {
-
-constexpr int run_failed = -1;  // beside the values of dsl_exe_code
 
 // ---- Command line.
 
@@ -184,50 +178,7 @@ int close_log(log_stream& log, const config_text& path, const log_purpose& purpo
   return run_failed;
 }
 
-// ---- Inputs.
-
-std::optional<proof_gap_full> read_proof_gap(const ProgramContext& context, log_stream& err_log) {
-  print_progress("================start parse proof gap===================\n");
-  std::optional<proof_gap_full> gap = parse_proof_gap(context.proof_gap_file);
-  if (!gap.has_value()) {
-    err_log.write("proof gap parse failed: " + context.proof_gap_file + "\n");
-    err_log.flush();
-    report_error("Error: Failed to parse proof gap file: %s\n", context.proof_gap_file.c_str());
-  }
-  return gap;
-}
-
-std::optional<dsl_instruction_list> read_script(const ProgramContext& context, log_stream& err_log) {
-  print_progress("==================start parse dsl_file==================\n");
-  dsl_parser_error error;
-  std::optional<dsl_instruction_list> script = parse_dsl_instructions(context.dsl_file, &error);
-  if (!script.has_value()) {
-    std::string message = "dsl parse failed: " + context.dsl_file + "\n";
-    if (error.line >= 1) {
-      message += "line " + std::to_string(error.line) + (error.text.empty() ? "" : ": " + error.text) + "\n";
-    }
-    err_log.write(message);
-    err_log.flush();
-    report_error("Error: Failed to parse DSL instructions\n");
-  }
-  return script;
-}
-
-void print_inputs(const ProgramContext& context, const proof_gap_full& gap, const dsl_instruction_list& script) {
-  std::string out = "==================start print proof gap=================\n";
-  print_proof_gap_full(out, gap);
-  if (context.print_internal) {
-    out += "\n[INTERNAL]\n";
-    print_proof_gap_full_internal(out, gap);
-  }
-  out += "\n==================start print dsl file=================\n";
-  print_dsl_instruction_list(out, script, false);
-  if (context.print_internal) {
-    out += "[INTERNAL]\n";
-    print_dsl_instruction_list(out, script, true);
-  }
-  print_progress(out);
-}
+// ---- The run.
 
 std::unique_ptr<thm_lib> load_library(const FileConfig& config) {
   print_progress("thm_lib load ...\n");
@@ -243,90 +194,25 @@ std::unique_ptr<thm_lib> load_library(const FileConfig& config) {
   return nullptr;
 }
 
-// ---- Execution and report.
-
-const char* outcome_line(dsl_exe_code code) {
-  switch (code) {
-    case exe_success:
-      return "dsl interpret success\n";
-    case exe_fail:
-      return "dsl interpret failed\n";
-    case exe_gap_split:
-      return "dsl gap split\n";
-    case exe_finish:
-      return "dsl proof finished\n";
-  }
-  return "";
-}
-
-// No line ends stand around the formulas.
-std::string pending_goal_notice(const proof_gap_full& gap) {
-  std::string notice = "Proof is not finished. Remaining goal:\n";
-  print_term(notice, gap.goal);
-  notice += "[INTERNAL]\n";
-  print_term_internal(notice, gap.goal);
-  return notice;
-}
-
-std::string admitted_propositions(const dsl_execute_data& data) {
-  std::string report;
-  for (std::size_t i = 0; i < data.admits.size(); ++i) {
-    report += i == 0 ? "\nAdmitted assertions (not proved):\n" : "";
-    report += std::to_string(i + 1) + ". ";
-    print_term(report, data.admits[i].proposition);
-    report += "\n";
-  }
-  return report;
-}
-
-void report_outcome(const dsl_execute_data& data, dsl_exe_code code) {
-  print_progress(outcome_line(code));
-  if (proof_gap_full_is_pending(*data.cur_gap)) {
-    const std::string notice = pending_goal_notice(*data.cur_gap);
-    print_progress(notice);
-    data.execute_log->write(notice);
-  }
-  data.execute_log->write(admitted_propositions(data));
-}
-
-int run_script(const ProgramContext& context, dsl_execute_data data, const dsl_instruction_list& script) {
-  data.print_internal = context.print_internal;
-  data.keep_records = context.result_json_file.has_value();
-  data.keep_admit_gaps = data.keep_records;
-  const proof_gap_full initial_gap = *data.cur_gap;
-  const dsl_exe_code code = execute_instruction_list(data, script);
-  report_outcome(data, code);
-  if (!context.result_json_file.has_value()) {
-    return code;
-  }
-  const run_outcome outcome{context, data, initial_gap, code};
-  return write_structured_result_file(*context.result_json_file, outcome) ? code : run_failed;
-}
-
 int run_with_error_log(const ProgramContext& context, log_stream& err_log) {
-  std::optional<proof_gap_full> gap = read_proof_gap(context, err_log);
-  if (!gap.has_value()) {
-    return run_failed;
-  }
-  print_progress("=======================parse finished===================\n");
-  const std::optional<dsl_instruction_list> script = read_script(context, err_log);
-  if (!script.has_value()) {
-    return run_failed;
-  }
-  print_inputs(context, *gap, *script);
-  const std::unique_ptr<thm_lib> library = load_library(context.config);
-  if (library == nullptr) {
-    return run_failed;
-  }
+  std::unique_ptr<thm_lib> library;
   log_stream execute_log;
   const config_text& path = context.config.dsl_responses.execute_log;
-  if (!open_log(execute_log, path, execute_log_purpose)) {
-    return run_failed;
-  }
-  print_progress("log File open success\n");
-  const int code =
-      run_script(context, dsl_execute_data_init(execute_log, err_log, library.get(), context.mode, *gap), *script);
-  return close_log(execute_log, path, execute_log_purpose, code);
+  bool opened = false;
+  run_environment environment{.err_log = err_log};
+  environment.library = [&] {
+    library = load_library(context.config);
+    return library.get();
+  };
+  environment.execute_log = [&]() -> log_stream* {
+    opened = open_log(execute_log, path, execute_log_purpose);
+    return opened ? &execute_log : nullptr;
+  };
+  environment.observe = [&](const run_outcome& outcome) {
+    return !context.result_json_file.has_value() || write_structured_result_file(*context.result_json_file, outcome);
+  };
+  const int code = run_proof(context, environment);
+  return opened ? close_log(execute_log, path, execute_log_purpose, code) : code;
 }
 
 // The dsl_exe_code of the run, or run_failed.

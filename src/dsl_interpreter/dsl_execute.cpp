@@ -2,11 +2,15 @@
 #include "dsl_interpreter/dsl_execute.h"
 
 #include <algorithm>
+#include <chrono>
 
+#include "dsl_interpreter/dsl_handler.h"
 #include "dsl_interpreter/dsl_instruction_table.h"
 #include "dsl_interpreter/dsl_trace.h"
+#include "dsl_interpreter/dsl_trace_instruction.h"
 #include "term/compare.h"
 #include "term/report.h"
+#include "term/state.h"
 
 namespace vetro {
 namespace {
@@ -73,6 +77,56 @@ void summary_append_step(dsl_execution_summary& summary, dsl_execution_step step
   summary.steps.push_back(std::move(step));
 }
 
+// The record of a step for whoever collects diagnostics.
+class step_record {
+ public:
+  step_record(const dsl_execute_data& data, const dsl_instruction& inst) {
+    if (collecting_diagnostics == nullptr) {
+      return;
+    }
+    step_.id = data.current_step_id;
+    step_.line = inst.number;
+    step_.instruction = dsl_type_name(inst.type());
+    trace_print_header(step_.header, inst);
+    step_.first_attempt = collecting_diagnostics->attempts.size();
+    step_.work = counted_work();
+    begun_ = std::chrono::steady_clock::now();
+    collecting_diagnostics->open_step(data.current_step_id, inst.number);
+  }
+  ~step_record() {
+    if (collecting_diagnostics != nullptr) {
+      collecting_diagnostics->close_step();
+    }
+  }
+  step_record(const step_record&) = delete;
+  step_record& operator=(const step_record&) = delete;
+
+  void keep(const dsl_execution_step& step, const proof_gap_full& before, const proof_gap_full& after) {
+    if (collecting_diagnostics == nullptr) {
+      return;
+    }
+    const auto time = std::chrono::steady_clock::now() - begun_;
+    step_.microseconds =
+        static_cast<std::uint64_t>(std::chrono::duration_cast<std::chrono::microseconds>(time).count());
+    step_.work = counted_work() - step_.work;
+    step_.result = dsl_exe_code_name(step.result_flag);
+    step_.behind_attempts = collecting_diagnostics->attempts.size();
+    if (step.goal_changed && proof_gap_full_is_pending(after)) {
+      step_.new_goal = after.goal;
+    }
+    for (std::size_t i = 0; i < after.assum.size(); ++i) {
+      if (i >= before.assum.size() || !same_formula(before.assum[i], after.assum[i])) {
+        step_.changed.push_back({static_cast<int>(i) + 1, after.assum[i]});
+      }
+    }
+    collecting_diagnostics->executed.push_back(std::move(step_));
+  }
+
+ private:
+  executed_step step_;
+  std::chrono::steady_clock::time_point begun_;
+};
+
 }  // namespace
 
 bool instruction_signatures::insert(const dsl_instruction& inst) {
@@ -116,6 +170,7 @@ dsl_exe_code execute_instruction_list(dsl_execute_data& data, const dsl_instruct
   for (const dsl_instruction& inst : list) {
     before = *data.cur_gap;
     begin_step(data, inst, &inst == &list.front());
+    step_record record(data, inst);
     const std::optional<dsl_result> result = execute_instruction(data);
     if (!result.has_value()) {
       data.err_log->write("execute_instruction returned NULL\n");
@@ -123,6 +178,7 @@ dsl_exe_code execute_instruction_list(dsl_execute_data& data, const dsl_instruct
     }
     dsl_execution_step step = describe_step(data, *result, before);
     dsl_trace_print_result(data, *result, before, step.goal_changed, step.assumption_changed);
+    record.keep(step, before, *data.cur_gap);
     summary_append_step(data.summary, std::move(step));
     if (result->flag != exe_success) {
       return result->flag;
@@ -133,7 +189,7 @@ dsl_exe_code execute_instruction_list(dsl_execute_data& data, const dsl_instruct
 
 std::optional<dsl_result> execute_instruction(dsl_execute_data& data) {
   if (proof_gap_full_is_finished(*data.cur_gap)) {
-    data.err_log->write("current proof gap is already finished\n");
+    log_error(data, fault(diagnostic_code::already_finished), "current proof gap is already finished\n");
     return dsl_result{};
   }
   const instruction_handler handler = instruction_handler_of(data.inst->type());

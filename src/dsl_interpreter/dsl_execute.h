@@ -8,6 +8,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "diagnostics/diagnostics.h"
 #include "dsl_interpreter/gap_texts.h"
 #include "lib/dsl_ast.h"
 #include "lib/log_stream.h"

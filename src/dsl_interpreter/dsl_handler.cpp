@@ -5,13 +5,14 @@
 #include <cstdio>
 #include <vector>
 
+#include "dsl_interpreter/advice.h"
 #include "term/compare.h"
-#include "term/print/pretty.h"
+#include "term/print.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
 
-void log_error(const dsl_execute_data& data, const char* format, ...) {
+void log_error(const dsl_execute_data& data, const fault& about, const char* format, ...) {
   std::va_list arguments;
   va_start(arguments, format);
   std::va_list again;
@@ -21,26 +22,53 @@ void log_error(const dsl_execute_data& data, const char* format, ...) {
   std::vector<char> text(static_cast<std::size_t>(length) + 1);
   std::vsnprintf(text.data(), text.size(), format, again);
   va_end(again);
-  data.err_log->write({text.data(), static_cast<std::size_t>(length)});
+  log_error_text(data, about, std::string(text.data(), static_cast<std::size_t>(length)));
 }
 
-void log_error_text(const dsl_execute_data& data, const std::string& text) { data.err_log->write(text); }
+void log_error_text(const dsl_execute_data& data, const fault& about, const std::string& text) {
+  data.err_log->write(text);
+  note_fault(data, about, text);
+}
 
-void log_failed_instantiation(const dsl_execute_data& data, term_ptr refused) {
-  if (refused == nullptr) {
-    log_error(data, "the instantiation of a quantifier failed\n");
-  } else {
-    log_error_text(data, "instantiation failed: a notation speaks of '" + pretty(refused) +
-                             "' without telling whether it binds it\n");
+void note_fault(const dsl_execute_data& data, const fault& about, const std::string& text) {
+  if (collecting_diagnostics != nullptr) {
+    collecting_diagnostics->add(described_fault(data, about, text));
   }
 }
 
-void log_value_refused(const dsl_execute_data& data, term_ptr binder) {
-  log_error_text(data, "instantiation failed: '" + pretty(binder) + "' stands for one finite value\n");
+void compare_written(const dsl_execute_data& data, const dsl_term& written, term_ptr added, int number) {
+  if (collecting_diagnostics == nullptr) {
+    return;
+  }
+  if (written.t != nullptr && added != nullptr && !term_eqb(written.t, added)) {
+    note_fault(data, fault(diagnostic_code::written_differs).at_formula(written).differs(added, written.t),
+               "the formula written here differs from the one that was added");
+  }
+  if (written.type == dsl_hypo && written.num != number) {
+    note_fault(data, fault(diagnostic_code::written_differs).at(written),
+               "the new hypothesis has number " + std::to_string(number) + ", whatever is written here");
+  }
+}
+
+void log_failed_instantiation(const dsl_execute_data& data, const dsl_sub_pair& pair, term_ptr refused) {
+  const fault about = fault(diagnostic_code::value_refused).at(pair);
+  if (refused == nullptr) {
+    log_error(data, about, "the instantiation of a quantifier failed\n");
+  } else {
+    log_error_text(
+        data, about,
+        "instantiation failed: a notation speaks of '" + pretty(refused) + "' without telling whether it binds it\n");
+  }
+}
+
+void log_value_refused(const dsl_execute_data& data, const dsl_sub_pair& pair) {
+  log_error_text(data, fault(diagnostic_code::value_refused).at(pair),
+                 "instantiation failed: '" + pretty(pair.binder) + "' stands for one finite value\n");
 }
 
 void log_pair_refused(const dsl_execute_data& data) {
-  log_error(data, "instantiation failed: a pair would stand in the place of a set, where it reads as an interval\n");
+  log_error(data, fault(diagnostic_code::value_refused),
+            "instantiation failed: a pair would stand in the place of a set, where it reads as an interval\n");
 }
 
 std::string pretty(term_ptr t) {
@@ -61,7 +89,8 @@ void strong_compare(const dsl_execute_data& data, dsl_result& result, term_ptr a
                     const char* actual_words, const char* expected_words) {
   if (strong_checks(data) && !term_eqb(actual, written)) {
     result.redundant_flag = redundant_fail;
-    log_error_text(data, actual_words + pretty(actual) + expected_words + pretty(written) + "\n");
+    log_error_text(data, fault(diagnostic_code::written_differs),
+                   actual_words + pretty(actual) + expected_words + pretty(written) + "\n");
   }
 }
 
@@ -84,9 +113,11 @@ const theorem* theorem_by_number(const dsl_execute_data& data, const dsl_term& r
   const theorem* found = thm_lib_find_by_ref(data.thmlib, ref.lib_alias, ref.num);
   const long long number = ref.num;
   if (found == nullptr && !ref.lib_alias.empty()) {
-    log_error(data, "Invalid external theorem reference @%s:%lld\n", ref.lib_alias.c_str(), number);
+    log_error(data, fault(diagnostic_code::no_such_theorem).at(ref), "Invalid external theorem reference @%s:%lld\n",
+              ref.lib_alias.c_str(), number);
   } else if (found == nullptr) {
-    log_error(data, "Invalid theorem number: %lld, theorem library has %d theorems\n", number,
+    log_error(data, fault(diagnostic_code::no_such_theorem).at(ref),
+              "Invalid theorem number: %lld, theorem library has %d theorems\n", number,
               data.thmlib == nullptr ? 0 : data.thmlib->num);
   }
   return found;

@@ -23,7 +23,8 @@ bool dsl_data_to_solve_data(const dsl_execute_data& data, const dsl_term_list& h
   for (const dsl_term& reference : hlist) {
     const term_ptr hypothesis = data.cur_gap->hypothesis(reference.num);
     if (hypothesis == nullptr) {
-      log_error(data, "Invalid hypothesis number: %lld, current proof gap has %d hypotheses\n",
+      log_error(data, fault(diagnostic_code::no_such_hypothesis).at(reference),
+                "Invalid hypothesis number: %lld, current proof gap has %d hypotheses\n",
                 static_cast<long long>(reference.num), data.cur_gap->assu_num());
       return false;
     }

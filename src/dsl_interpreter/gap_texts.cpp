@@ -2,7 +2,7 @@
 // step is the gap before the next).
 #include "dsl_interpreter/gap_texts.h"
 
-#include "term/print/pretty.h"
+#include "term/print.h"
 
 namespace vetro {
 

@@ -8,6 +8,7 @@
 #include <variant>
 #include <vector>
 
+#include "diagnostics/diagnostics.h"
 #include "term/ast.h"
 
 namespace vetro {
@@ -37,10 +38,8 @@ enum dsl_term_type : std::uint8_t { dsl_obvious = 0, dsl_hypo, dsl_thm, dsl_goal
 enum rewrite_direction : std::uint8_t { re_left2right = 0, re_right2left };
 enum rewrite_hypo_type : std::uint8_t { re_equation = 0, re_iff };
 enum rewrite_in_context : std::uint8_t { rewrite_in_limit = 0, rewrite_in_sum, rewrite_in_setdesc };
-enum class or_intro_side : std::uint8_t { or_intro_left = 0, or_intro_right };
-using enum or_intro_side;
-enum class dsl_assert_mode : std::uint8_t { dsl_assert_auto = 0, dsl_assert_by_proof, dsl_assert_by_admit };
-using enum dsl_assert_mode;
+enum or_intro_side : std::uint8_t { or_intro_left = 0, or_intro_right };
+enum dsl_assert_mode : std::uint8_t { dsl_assert_auto = 0, dsl_assert_by_proof, dsl_assert_by_admit };
 enum auto_replace_hypo_mode : std::uint8_t { ar_all_hypothesis = 0, ar_no_hypothesis, ar_specific_hypothesis };
 
 // A reference with its claimed formula.
@@ -50,6 +49,8 @@ struct dsl_term {
   std::string lib_alias;  // empty: none
   std::string name;       // empty: none
   term_ptr t = nullptr;   // null when the text in the braces did not parse
+  text_span head = {};    // in the line: the words in front of the colon, and the formula
+  text_span formula = {};
 };
 using dsl_term_list = std::vector<dsl_term>;
 
@@ -57,6 +58,7 @@ using dsl_term_list = std::vector<dsl_term>;
 struct dsl_sub_pair {
   term_ptr binder;
   term_ptr sub_term;
+  text_span place = {};
 };
 using dsl_sub_list = std::vector<dsl_sub_pair>;
 
@@ -138,6 +140,7 @@ struct dsl_auto_solve {
   bool all_assum;
   dsl_term_list hlist;
   std::string solver_name;  // empty: none
+  text_span solver_at = {};
 };
 
 // The alternatives stand in the order of dsl_type, so that index() is the type.
@@ -149,6 +152,7 @@ using dsl_content =
 struct dsl_instruction {
   int number = 0;  // physical line of the script file, from 1, also inside proof blocks
   dsl_content content;
+  text_span place = {};  // in its line
   dsl_type type() const { return static_cast<dsl_type>(content.index()); }
 };
 

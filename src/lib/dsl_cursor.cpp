@@ -5,6 +5,7 @@
 #include <charconv>
 #include <limits>
 #include <system_error>
+#include <utility>
 
 #include "lib/semantic_term.h"
 
@@ -126,6 +127,22 @@ std::string_view dsl_cursor::take_while(bool (*accepts)(char)) {
   return taken;
 }
 
+bool dsl_cursor::misses(std::string what) {
+  if (missing_.empty()) {
+    skip_whitespace();
+    missing_ = std::move(what);
+    missing_at_ = span_of(rest_.substr(0, 1));
+  }
+  return false;
+}
+
+void dsl_cursor::misses_as_in(const dsl_cursor& part) {
+  if (missing_.empty()) {
+    missing_ = part.missing_;
+    missing_at_ = part.missing_at_;
+  }
+}
+
 // ---- References.
 
 namespace {
@@ -134,13 +151,16 @@ namespace {
 bool read_theorem_number(dsl_cursor& in, dsl_term& reference) {
   if (in.take('@')) {
     const std::string_view alias = in.take_while(is_external_alias_char);
-    if (alias.empty() || !in.rest().starts_with(':')) {
-      return false;
+    if (alias.empty()) {
+      return in.misses("the name of an external library");
+    }
+    if (!in.rest().starts_with(':')) {
+      return in.misses("':' and a theorem's number");
     }
     in.take(':');
     reference.lib_alias = alias;
   }
-  return in.take_number(reference.num);
+  return in.take_number(reference.num) || in.misses("a theorem's number");
 }
 
 // A theorem's number, alone or in a citation such as 'Thm 12. (name)' or '@alias:12. (name)'.
@@ -156,7 +176,7 @@ bool read_theorem_ref(dsl_cursor& in, dsl_term& reference) {
   if (in.take('(')) {
     std::string_view name;
     if (!in.take_until(')', name)) {
-      return false;
+      return in.misses("')' behind the theorem's name");
     }
     reference.name = name.substr(0, max_theorem_name);
   }
@@ -167,7 +187,7 @@ bool read_theorem_ref(dsl_cursor& in, dsl_term& reference) {
 bool read_reference_head(dsl_cursor& in, dsl_term& reference) {
   if (in.take_prefix("hypothesis")) {
     reference.type = dsl_hypo;
-    return in.take_number(reference.num);
+    return in.take_number(reference.num) || in.misses("a hypothesis number");
   }
   if (in.take_prefix("theorem")) {
     reference.type = dsl_thm;
@@ -178,15 +198,37 @@ bool read_reference_head(dsl_cursor& in, dsl_term& reference) {
     return true;
   }
   reference.type = dsl_obvious;
-  return in.take_prefix("obvious");
+  return in.take_prefix("obvious") || in.misses("'hypothesis', 'theorem', 'GOAL' or 'obvious'");
+}
+
+// A formula that does not parse is missed only where it is needed, so that it is no error here.
+term_ptr read_reference_formula(std::string_view formula) {
+  diagnostics* d = collecting_diagnostics;
+  if (d == nullptr) {
+    return parse_semantic_term_from_str(formula);
+  }
+  const severity outside = std::exchange(d->bad_formula, severity::warning);
+  const term_ptr t = parse_semantic_term_from_str(formula);
+  d->bad_formula = outside;
+  return t;
 }
 
 bool read_dsl_term(dsl_cursor& in, dsl_term& reference) {
-  std::string_view formula;
-  if (!read_reference_head(in, reference) || !in.take(':') || !in.take_balanced('{', '}', formula)) {
+  in.skip_whitespace();
+  const std::string_view from_here = in.rest();
+  if (!read_reference_head(in, reference)) {
     return false;
   }
-  reference.t = parse_semantic_term_from_str(formula);
+  reference.head = in.span_of(from_here.substr(0, from_here.size() - in.rest().size()));
+  if (!in.take(':')) {
+    return in.misses("':'");
+  }
+  std::string_view formula;
+  if (!in.take_balanced('{', '}', formula)) {
+    return in.misses("a formula in braces");
+  }
+  reference.formula = in.span_of(formula);
+  reference.t = read_reference_formula(formula);
   return true;
 }
 
@@ -205,11 +247,22 @@ bool extract_binder_content(dsl_cursor& in, std::string_view& binder) {
 }  // namespace
 
 bool read_reference(dsl_cursor& in, dsl_term& reference) {
-  return in.take('(') && read_dsl_term(in, reference) && in.take(')');
+  if (!in.take('(')) {
+    return in.misses("a reference such as (hypothesis 1: {...})");
+  }
+  return read_dsl_term(in, reference) && (in.take(')') || in.misses("')'"));
 }
 
 bool read_reference_of_type(dsl_cursor& in, dsl_term_type type, dsl_term& reference) {
-  return read_reference(in, reference) && reference.type == type;
+  const dsl_cursor before = in;
+  if (!read_reference(in, reference)) {
+    return false;
+  }
+  if (reference.type != type) {
+    in = before;
+    return in.misses(type == dsl_goal ? "(GOAL: {...})" : "(hypothesis N: {...})");
+  }
+  return true;
 }
 
 bool read_references(dsl_cursor& in, dsl_term_list& list) {
@@ -223,14 +276,25 @@ bool read_references(dsl_cursor& in, dsl_term_list& list) {
 
 bool read_sub_pair(dsl_cursor& in, dsl_sub_pair& pair) {
   std::string_view binder;
-  if (!in.take('(') || !extract_binder_content(in, binder) || !in.rest().starts_with('=')) {
-    return false;
+  in.skip_whitespace();
+  const std::string_view from_here = in.rest();
+  if (!in.take('(')) {
+    return in.misses("a pair such as (x := {...})");
+  }
+  const dsl_cursor at_binder = in;
+  if (!extract_binder_content(in, binder) || !in.rest().starts_with('=')) {
+    in = at_binder;
+    return in.misses("a variable and ':='");
   }
   in.take('=');
   std::string_view value;
-  if (!in.take_balanced('{', '}', value) || !in.take(')')) {
-    return false;
+  if (!in.take_balanced('{', '}', value)) {
+    return in.misses("a value in braces");
   }
+  if (!in.take(')')) {
+    return in.misses("')'");
+  }
+  pair.place = in.span_of(from_here.substr(0, from_here.size() - in.rest().size()));
   pair.binder = parse_semantic_term_from_str(binder);
   if (pair.binder == nullptr) {
     return false;

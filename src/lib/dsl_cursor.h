@@ -5,8 +5,10 @@
 
 #include <cstdint>
 #include <optional>
+#include <string>
 #include <string_view>
 
+#include "diagnostics/diagnostics.h"
 #include "lib/dsl_ast.h"
 
 namespace vetro {
@@ -17,10 +19,27 @@ inline constexpr std::size_t max_theorem_name = 255;
 
 class dsl_cursor {
  public:
-  explicit dsl_cursor(std::string_view text) : rest_(text) {}
+  explicit dsl_cursor(std::string_view text) : start_(text.data()), rest_(text) {}
+  // A cursor on a part of the same line.
+  dsl_cursor part(std::string_view text) const {
+    dsl_cursor cursor(text);
+    cursor.start_ = start_;
+    return cursor;
+  }
 
   // Everything that has not been read.
   std::string_view rest() const { return rest_; }
+
+  // Where a part of the line stands.
+  text_span span_of(std::string_view text) const {
+    return {static_cast<int>(text.data() - start_) + 1, static_cast<int>(text.size())};
+  }
+
+  // What was missing where the reading of the line failed: the first one counts. Gives false.
+  bool misses(std::string what);
+  void misses_as_in(const dsl_cursor& part);
+  const std::string& missing() const { return missing_; }
+  text_span missing_at() const { return missing_at_; }
 
   void skip_whitespace();
   // The number that an author may write in front of a line: digits, then perhaps a dot.
@@ -43,7 +62,10 @@ class dsl_cursor {
   std::string_view take_while(bool (*accepts)(char));
 
  private:
+  const char* start_;
   std::string_view rest_;
+  std::string missing_;
+  text_span missing_at_;
 };
 
 bool is_script_space(char c);  // the six white space characters of the C locale

@@ -185,7 +185,8 @@ bool read_assert_mode(dsl_cursor& in, dsl_content& content) {
     return true;
   }
   mode = in.take_keyword("admit") ? dsl_assert_by_admit : dsl_assert_by_proof;
-  return mode == dsl_assert_by_admit || in.take_keyword("proof") || in.next_is('{');
+  return mode == dsl_assert_by_admit || in.take_keyword("proof") || in.next_is('{') ||
+         in.misses("'admit', 'proof' or '{' behind 'by'");
 }
 
 void print_assert_mode(std::string& out, const dsl_content& content, bool internal) {
@@ -275,7 +276,7 @@ bool read_hypothesis_selector(dsl_cursor& in, dsl_content& content) {
       return false;
     }
   }
-  return !inst.hlist.empty();
+  return !inst.hlist.empty() || in.misses("'all_hypothesis', 'no_hypothesis' or (hypothesis N: {...})");
 }
 
 void print_hypothesis_selector(std::string& out, const dsl_content& content, bool internal) {
@@ -335,28 +336,38 @@ std::size_t find_using(std::string_view text) {
 }
 
 // The one word behind "using".
-bool read_solver_name(dsl_cursor& in, std::string& name) {
+bool read_solver_name(dsl_cursor& in, dsl_auto_solve& inst) {
   if (!in.take_prefix("using")) {
     return false;
   }
   in.skip_whitespace();
-  name = in.take_while([](char c) { return !is_script_space(c); });
-  return !name.empty() && in.at_end();
+  const std::string_view name = in.take_while([](char c) { return !is_script_space(c); });
+  inst.solver_name = name;
+  inst.solver_at = in.span_of(name);
+  if (name.empty()) {
+    return in.misses("the name of a solver");
+  }
+  return in.at_end() || in.misses("the end of the line: nothing stands behind a solver's name");
 }
 
 // The solver is cut off first, so that "all_hypothesis", behind which nothing is read, cannot hide it.
 bool read_auto_solve(dsl_cursor& in, dsl_content& content) {
   dsl_auto_solve& inst = *std::get_if<dsl_auto_solve>(&content);
   const std::size_t cut = find_using(in.rest());
-  dsl_cursor selector(in.rest().substr(0, cut));
+  dsl_cursor selector = in.part(in.rest().substr(0, cut));
   if (cut != std::string_view::npos) {
-    dsl_cursor solver(in.rest().substr(cut));
-    if (!read_solver_name(solver, inst.solver_name)) {
+    dsl_cursor solver = in.part(in.rest().substr(cut));
+    if (!read_solver_name(solver, inst)) {
+      in.misses_as_in(solver);
       return false;
     }
   }
   inst.all_assum = selector.take_prefix("all_assume") || selector.take_prefix("all_hypothesis");
-  return inst.all_assum || (read_references(selector, inst.hlist) && selector.at_end());
+  const bool read = inst.all_assum || (read_references(selector, inst.hlist) &&
+                                       (selector.at_end() || selector.misses("'all_hypothesis', (hypothesis N: {...}), "
+                                                                             "'using', or the end of the line")));
+  in.misses_as_in(selector);
+  return read;
 }
 
 void print_auto_solve(std::string& out, const dsl_content& content, bool internal) {

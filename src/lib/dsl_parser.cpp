@@ -6,6 +6,7 @@
 #include <string_view>
 #include <utility>
 
+#include "diagnostics/nearest.h"
 #include "lib/dsl_cursor.h"
 #include "lib/dsl_form.h"
 #include "lib/line_reader.h"
@@ -27,7 +28,7 @@ struct part_reader {
     if (!found && part.complaint != nullptr) {
       report_error("%s", part.complaint);
     }
-    return found;
+    return found || in.misses("'" + std::string(part.word()) + "'");
   }
   bool operator()(const reference_part& part) const {
     dsl_term& reference = part.field.in(content);
@@ -35,11 +36,13 @@ struct part_reader {
   }
   bool operator()(const references_part& part) const {
     dsl_term_list& list = part.field.in(content);
-    return read_references(in, list) && (part.count == how_many::any || !list.empty());
+    return read_references(in, list) &&
+           (part.count == how_many::any || !list.empty() || in.misses("a reference such as (hypothesis 1: {...})"));
   }
   bool operator()(const pairs_part& part) const {
     dsl_sub_list& list = part.field.in(content);
-    return read_sub_list(in, list) && (part.count == how_many::any || !list.empty());
+    return read_sub_list(in, list) &&
+           (part.count == how_many::any || !list.empty() || in.misses("a pair such as (x := {...})"));
   }
   bool operator()(const word_part& part) const {
     for (std::size_t i = 0; i < part.field.words.size(); ++i) {
@@ -48,13 +51,13 @@ struct part_reader {
         return true;
       }
     }
-    return false;
+    return in.misses(alternatives(part.field.words));
   }
   // The formula must parse.
   bool operator()(const formula_part& part) const {
     std::string_view text;
     if (!in.take_balanced('(', ')', text)) {
-      return false;
+      return in.misses("an expression in parentheses");
     }
     term_ptr& t = part.field.in(content);
     t = parse_semantic_term_from_str(text);
@@ -65,18 +68,39 @@ struct part_reader {
     in.take(';');
     return true;
   }
-  bool operator()(const end_part&) const { return in.at_end(); }
+  bool operator()(const end_part&) const { return in.at_end() || in.misses("the end of the line"); }
+
+  static std::string alternatives(std::span<const std::string_view> words) {
+    std::string text;
+    for (std::string_view word : words) {
+      text += (text.empty() ? "'" : " or '") + std::string(word) + "'";
+    }
+    return text;
+  }
 };
 
 // A keyword is a plain prefix of its line, and the longest that fits decides: rewrite_in is no rewrite.
-bool read_instruction(dsl_cursor& in, dsl_content& content) {
-  in.skip_whitespace();
+const instruction_form* form_of_line(std::string_view line) {
   const instruction_form* found = nullptr;
   for (const instruction_form& form : instruction_forms()) {
-    if (in.rest().starts_with(form.keyword) && (found == nullptr || form.keyword.size() > found->keyword.size())) {
+    if (line.starts_with(form.keyword) && (found == nullptr || form.keyword.size() > found->keyword.size())) {
       found = &form;
     }
   }
+  return found;
+}
+
+std::string_view nearest_instruction(std::string_view word) {
+  std::vector<std::string_view> keywords;
+  for (const instruction_form& form : instruction_forms()) {
+    keywords.push_back(form.keyword);
+  }
+  return nearest_word(word, keywords);
+}
+
+bool read_instruction(dsl_cursor& in, dsl_content& content) {
+  in.skip_whitespace();
+  const instruction_form* found = form_of_line(in.rest());
   if (found == nullptr) {
     return false;
   }
@@ -110,7 +134,10 @@ class script_reader {
 
  private:
   bool record(int line, std::string_view text);
+  bool record_block(int line, std::string_view text);
   bool record_bad_line();
+  void diagnose(diagnostic d) const;
+  void diagnose_bad_line(const dsl_cursor& in, std::string_view instruction) const;
   line_status next_line();
   bool read_instruction_line(int depth, dsl_instruction_list& list);
   bool read_proof(int depth, bool block_is_open, dsl_assert& inst);
@@ -128,6 +155,46 @@ bool script_reader::record(int line, std::string_view text) {
   return false;
 }
 
+void script_reader::diagnose(diagnostic d) const {
+  if (collecting_diagnostics != nullptr) {
+    collecting_diagnostics->add(std::move(d));
+  }
+}
+
+// A failure of a proof block as a whole.
+bool script_reader::record_block(int line, std::string_view text) {
+  diagnose({.code = diagnostic_code::script_block,
+            .message = std::string(text),
+            .place = {source_file::script, line, 1, 0}});
+  return record(line, text);
+}
+
+// What was expected where the reading of the line ended; the instruction's text begins at the first argument.
+void script_reader::diagnose_bad_line(const dsl_cursor& in, std::string_view instruction) const {
+  diagnostics* d = collecting_diagnostics;
+  if (d == nullptr) {
+    return;
+  }
+  diagnostic bad = {.code = diagnostic_code::script_syntax, .message = {}, .place = {}};
+  if (!in.missing().empty()) {
+    bad.message = "expected " + std::string(in.missing());
+    bad.place = d->place_in_line(in.missing_at());
+  } else if (form_of_line(instruction) == nullptr) {
+    const std::string_view word = instruction.substr(0, instruction.find_first_of(" \t\r\n({:"));
+    bad.message = word.empty() ? "expected an instruction" : "there is no instruction '" + std::string(word) + "'";
+    bad.place = d->place_of(word);
+    bad.suggestion = did_you_mean(nearest_instruction(word));
+  } else if (std::any_of(d->records.begin(), d->records.end(), [&](const diagnostic& known) {
+               return known.level == severity::error && known.place.line == line_number_;
+             })) {
+    return;  // a formula that did not parse has said so
+  } else {
+    bad.message = "nothing may follow here";
+    bad.place = d->place_in_line(in.span_of(without_line_end(in.rest())));
+  }
+  d->add(std::move(bad));
+}
+
 bool script_reader::record_bad_line() {
   report_error("Error: Error parsing line %d: %s\n", line_number_, line_.c_str());
   return record(line_number_, line_);
@@ -137,7 +204,11 @@ line_status script_reader::next_line() {
   const line_status status = qv_read_line(file_, line_);
   if (status == line_status::line) {
     ++line_number_;
+    if (collecting_diagnostics != nullptr) {
+      collecting_diagnostics->reads_line(source_file::script, line_number_, line_);
+    }
   } else if (status == line_status::failed) {
+    diagnose_unreadable(source_file::script);
     report_error("Error: failed reading dsl file line dynamically\n");
     record(line_number_ + 1, "failed reading dsl file line dynamically");
   }
@@ -148,7 +219,7 @@ line_status script_reader::next_line() {
 // recorded at the line behind the last one read.
 bool script_reader::read_block(int depth, dsl_instruction_list& list) {
   if (depth > max_proof_block_depth) {
-    return record(line_number_ + 1, "assert proof block nesting is too deep");
+    return record_block(line_number_ + 1, "assert proof block nesting is too deep");
   }
   for (;;) {
     const line_status status = next_line();
@@ -156,13 +227,16 @@ bool script_reader::read_block(int depth, dsl_instruction_list& list) {
       return false;
     }
     if (status == line_status::end) {
-      return depth == 0 || record(line_number_ + 1, "missing closing brace for assert proof block");
+      return depth == 0 || record_block(line_number_ + 1, "missing closing brace for assert proof block");
     }
     if (line_is_brace(line_, '}')) {
       if (depth > 0) {
         return true;
       }
       report_error("Error: unmatched assert proof block close at line %d: %s\n", line_number_, line_.c_str());
+      diagnose({.code = diagnostic_code::script_block,
+                .message = "this brace closes no proof block",
+                .place = {source_file::script, line_number_, 1, static_cast<int>(without_line_end(line_).size())}});
       return record(line_number_, line_);
     }
     if (!line_is_ignorable(line_) && !read_instruction_line(depth, list)) {
@@ -176,13 +250,17 @@ bool script_reader::read_instruction_line(int depth, dsl_instruction_list& list)
   inst.number = line_number_;
   dsl_cursor in(line_);
   in.skip_line_number();
+  const std::string_view instruction = in.rest();
+  inst.place = in.span_of(without_line_end(instruction));
   if (!read_instruction(in, inst.content)) {
+    diagnose_bad_line(in, instruction);
     return record_bad_line();
   }
   if (dsl_assert* assertion = std::get_if<dsl_assert>(&inst.content)) {
     const bool by_proof = assertion->mode == dsl_assert_by_proof;
     const bool block_is_open = by_proof && in.take('{');
     if (!in.tail_is_empty_or_comment()) {
+      diagnose_bad_line(in, instruction);
       return record_bad_line();
     }
     if (by_proof && !read_proof(depth, block_is_open, *assertion)) {
@@ -201,7 +279,8 @@ bool script_reader::read_proof(int depth, bool block_is_open, dsl_assert& inst) 
   if (!read_block(depth + 1, inst.proof_body)) {
     return false;
   }
-  return !inst.proof_body.empty() || record(assert_line, "assert proof block must contain at least one instruction");
+  return !inst.proof_body.empty() ||
+         record_block(assert_line, "assert proof block must contain at least one instruction");
 }
 
 bool script_reader::find_block_open(int assert_line) {
@@ -211,13 +290,13 @@ bool script_reader::find_block_open(int assert_line) {
       return false;
     }
     if (status == line_status::end) {
-      return record(assert_line, "assert by proof requires a proof block in DSL files");
+      return record_block(assert_line, "assert by proof requires a proof block in DSL files");
     }
     if (line_is_brace(line_, '{')) {
       return true;
     }
     if (!line_is_ignorable(line_)) {
-      return record(line_number_, "assert by proof requires `{` on the same line or the next non-empty line");
+      return record_block(line_number_, "assert by proof requires `{` on the same line or the next non-empty line");
     }
   }
 }
@@ -228,7 +307,15 @@ std::optional<dsl_instruction_list> parse_dsl_instructions(std::FILE* file, dsl_
   *error = {};
   dsl_instruction_list list;
   script_reader reader(file, *error);
-  if (!reader.read_block(0, list) || list.empty()) {
+  if (!reader.read_block(0, list)) {
+    return std::nullopt;
+  }
+  if (list.empty()) {
+    if (collecting_diagnostics != nullptr) {
+      collecting_diagnostics->add({.code = diagnostic_code::script_empty,
+                                   .message = "the script has no instruction",
+                                   .place = {source_file::script, 1, 1, 0}});
+    }
     return std::nullopt;
   }
   return list;
@@ -237,6 +324,7 @@ std::optional<dsl_instruction_list> parse_dsl_instructions(std::FILE* file, dsl_
 std::optional<dsl_instruction_list> parse_dsl_instructions(const std::string& filename, dsl_parser_error* error) {
   const text_file file = open_text_file(filename.c_str(), directories::fail_at_reading);
   if (file == nullptr) {
+    diagnose_unreadable(source_file::script);
     std::perror("File open failed");
     *error = {0, filename};
     return std::nullopt;

@@ -8,6 +8,7 @@
 #include <new>
 #include <utility>
 
+#include "diagnostics/diagnostics.h"
 #include "lib/semantic_term.h"
 #include "platform/text_file.h"
 #include "term/report.h"
@@ -79,6 +80,8 @@ class library_reader {
     const std::string_view line = trim(raw_line);
     if (!line.starts_with("Thm ")) {
       if (open_) {
+        const std::size_t indent = line.empty() ? 0 : static_cast<std::size_t>(line.data() - raw_line.data());
+        pieces_.push_back({formula_.size(), static_cast<int>(line_number_), static_cast<int>(indent) + 1});
         formula_ += line;
         formula_ += ' ';
       }
@@ -92,6 +95,13 @@ class library_reader {
       message += line;
       message += '\n';
       report_text(message);
+      if (collecting_diagnostics != nullptr) {
+        collecting_diagnostics->add(
+            {.code = diagnostic_code::library_left_out,
+             .level = severity::warning,
+             .message = "this line is no header 'Thm N. (name)', so that its formula is left out",
+             .place = {source_file::library, static_cast<int>(line_number_), 1, 0}});
+      }
     }
   }
 
@@ -104,6 +114,9 @@ class library_reader {
  private:
   void close() {
     if (open_) {
+      if (collecting_diagnostics != nullptr) {
+        collecting_diagnostics->reads_pieces(source_file::library, formula_, pieces_);
+      }
       term_ptr content = parse_semantic_term_from_str(formula_);
       if (content != nullptr) {
         thm_lib_add({open_->id, std::string(open_->name), content}, lib_);
@@ -113,6 +126,7 @@ class library_reader {
     }
     open_.reset();
     formula_.clear();
+    pieces_.clear();
   }
 
   // Where the theorem stands whose formula the line before this one is about.
@@ -122,6 +136,13 @@ class library_reader {
     message += open_->name;
     message += ") does not parse and is left out\n";
     report_text(message);
+    if (collecting_diagnostics != nullptr) {
+      collecting_diagnostics->add({.code = diagnostic_code::library_left_out,
+                                   .level = severity::warning,
+                                   .message = "theorem " + std::to_string(open_->id) + " (" + std::string(open_->name) +
+                                              ") does not parse and is left out",
+                                   .place = {source_file::library, static_cast<int>(open_line_), 1, 0}});
+    }
   }
 
   thm_lib& lib_;
@@ -130,6 +151,7 @@ class library_reader {
   std::size_t open_line_ = 0;   // of the header of the open theorem
   std::optional<header> open_;  // its name is a part of the library text
   std::string formula_;
+  std::vector<text_piece> pieces_;  // the lines of the formula
 };
 
 // The whole file, byte for byte.

@@ -4,7 +4,9 @@
 #include <algorithm>
 #include <string>
 
-#include "term/print/pretty.h"
+#include "diagnostics/diagnostics.h"
+#include "parser/readable_error.h"
+#include "term/print.h"
 #include "term/report.h"
 
 namespace vetro {
@@ -78,15 +80,25 @@ std::string_view parse_context::error_slice() const {
   return begin < end ? source_.substr(begin, end - begin) : std::string_view();
 }
 
-void parse_context::syntax_error(const char* message) {
-  if (stopped_) {
-    return;
-  }
+void parse_context::report_at_token(const char* message) {
   std::string text(error_slice());
   text += ": ";
   text += message;
   text += ".\n";
   report_text(text);
+}
+
+void parse_context::syntax_error(const char* message) {
+  if (stopped_) {
+    return;
+  }
+  report_at_token(message);
+  if (diagnostics* d = collecting_diagnostics) {
+    d->add({.code = diagnostic_code::formula_syntax,
+            .level = d->bad_formula,
+            .message = readable_error(message, token_text()),
+            .place = d->place_of(token_text())});
+  }
 }
 
 void parse_context::ambiguous(term_ptr first, term_ptr second) {
@@ -99,7 +111,14 @@ void parse_context::ambiguous(term_ptr first, term_ptr second) {
   append_reading(text, second);
   text += '\n';
   report_text(text);
-  syntax_error("syntax is ambiguous");
+  report_at_token("syntax is ambiguous");
+  if (diagnostics* d = collecting_diagnostics) {
+    d->add({.code = diagnostic_code::formula_ambiguous,
+            .level = d->bad_formula,
+            .message = "the formula has two readings: " + print_term_internal_to_string(first) + " and " +
+                       print_term_internal_to_string(second),
+            .place = d->place_of(source_)});
+  }
   stopped_ = true;
 }
 

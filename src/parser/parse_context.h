@@ -101,6 +101,7 @@ class parse_context {
   static constexpr std::size_t cells_per_chunk = 64;
   list_cell* new_cell(const list_cell* before, term_ptr term);
   std::string_view error_slice() const;
+  void report_at_token(const char* message);
 
   std::string_view source_;
   std::vector<std::unique_ptr<list_cell[]>> chunks_;

@@ -5,8 +5,10 @@
 #include <new>
 #include <optional>
 
+#include "diagnostics/diagnostics.h"
 #include "number/limits.h"
 #include "qv_solver_list/call_work.h"
+#include "qv_solver_list/solver_shapes.h"
 #include "term/state.h"
 
 namespace vetro {
@@ -25,12 +27,16 @@ class factory_budget {
   factory_budget() : outer_(state().store.call_limit()) {
     state().store.set_call_limit(std::min(outer_, state().store.calls() + limits::solver_factory_calls));
   }
-  ~factory_budget() { state().store.set_call_limit(outer_); }
+  ~factory_budget() {
+    const std::uint64_t patterns = state().pattern_calls - patterns_before_;
+    state().store.set_call_limit(outer_ + std::min(patterns, UINT64_MAX - outer_));
+  }
   factory_budget(const factory_budget&) = delete;
   factory_budget& operator=(const factory_budget&) = delete;
 
  private:
   std::uint64_t outer_;
+  std::uint64_t patterns_before_ = state().pattern_calls;
 };
 
 // The shared work of the outermost call under way.
@@ -59,6 +65,18 @@ class call_scope {
   factory_budget terms_;
   bool outermost_;
 };
+
+// For whoever collects diagnostics: the attempt under way met the end of this solver's budget.
+void note_ended_budget(solver_decide solve) {
+  if (collecting_diagnostics == nullptr || collecting_diagnostics->attempts_under_way == 0) {
+    return;
+  }
+  const auto rows = installed_rows();
+  const auto row = std::find_if(rows.begin(), rows.end(), [&](const solver_row& r) { return r.solve == solve; });
+  if (row != rows.end()) {
+    collecting_diagnostics->attempts.back().budget_ended.push_back(solver_title(row->id));
+  }
+}
 
 }  // namespace
 
@@ -90,6 +108,7 @@ bool call_decision_solver(solver_decide solve, term_ptr target, const solve_data
     const call_scope scope;
     return solve(target, sdata);
   } catch (const std::bad_alloc&) {
+    note_ended_budget(solve);
     return false;
   }
 }

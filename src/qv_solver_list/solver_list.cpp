@@ -11,9 +11,11 @@
 #include <string>
 #include <utility>
 
+#include "diagnostics/diagnostics.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "qv_solver_list/solver_registry.h"
-#include "term/print/pretty.h"
+#include "qv_solver_list/solver_shapes.h"
+#include "term/print.h"
 #include "term/report.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
@@ -28,6 +30,9 @@ void progress_number(const char* format, int number) {
 }
 
 void progress_term(term_ptr t) {
+  if (!progress_is_shown()) {
+    return;
+  }
   std::string text;
   print_term_internal(text, t);
   text += '\n';
@@ -35,11 +40,61 @@ void progress_term(term_ptr t) {
 }
 
 void progress_list(std::string_view header, term_span list) {
+  if (!progress_is_shown()) {
+    return;
+  }
   std::string text(header);
   print_term_list(text, list);
   text += '\n';
   print_progress(text);
 }
+
+// What the search for a proof finds out, for whoever collects diagnostics. It is kept for the question from outside;
+// questions that the dispatcher asks itself belong to that one.
+class attempt_record {
+ public:
+  explicit attempt_record(term_ptr target, std::string_view requested = {}) {
+    if (collecting_diagnostics != nullptr && collecting_diagnostics->attempts_under_way++ == 0) {
+      collecting_diagnostics->attempts.push_back({.target = target, .requested_solver = std::string(requested)});
+    }
+  }
+  ~attempt_record() {
+    if (collecting_diagnostics != nullptr) {
+      --collecting_diagnostics->attempts_under_way;
+    }
+  }
+  attempt_record(const attempt_record&) = delete;
+  attempt_record& operator=(const attempt_record&) = delete;
+
+  static bool outermost() {
+    return collecting_diagnostics != nullptr && collecting_diagnostics->attempts_under_way == 1;
+  }
+  static bool answered(bool proved) {
+    if (outermost()) {
+      collecting_diagnostics->attempts.back().proved = proved;
+    }
+    return proved;
+  }
+  static void closed(term_ptr piece, std::string_view solver) {
+    if (collecting_diagnostics != nullptr && collecting_diagnostics->attempts_under_way > 0) {
+      collecting_diagnostics->attempts.back().closed.push_back({piece, std::string(solver)});
+    }
+  }
+  static void left_open(term_span pieces) {
+    if (collecting_diagnostics == nullptr) {
+      return;
+    }
+    proof_attempt& attempt = collecting_diagnostics->attempts.back();
+    const int depth = collecting_diagnostics->attempts_under_way;
+    if (depth == 1) {
+      attempt.open.assign(pieces.begin(), pieces.end());
+    } else if (depth == 2) {
+      std::copy_if(pieces.begin(), pieces.end(), std::back_inserter(attempt.unfolded), [&](term_ptr t) {
+        return std::find(attempt.unfolded.begin(), attempt.unfolded.end(), t) == attempt.unfolded.end();
+      });
+    }
+  }
+};
 
 enum class progress : bool { silent, shown };
 
@@ -49,6 +104,7 @@ bool run_battery(term_ptr target, const solve_data& sdata, progress lines) {
       progress_number("decision_solver id: %d\n", static_cast<int>(i));
     }
     if (call_decision_solver(solver_registry()[i].solve, target, sdata)) {
+      attempt_record::closed(target, solver_title(solver_registry()[i].id));
       return true;
     }
   }
@@ -90,12 +146,7 @@ solve_data active_record(const solve_data& sdata) {
   return sdata;
 }
 
-}  // namespace
-
-bool solver_manager_dsl(term_ptr target, const solve_data& sdata, int fee) {
-  if (target == nullptr) {
-    return false;
-  }
+bool work_on(term_ptr target, const solve_data& sdata, int fee) {
   const solve_data active = active_record(sdata);
   progress_number("fee = %d\n", fee);
   progress_term(target);
@@ -118,11 +169,24 @@ bool solver_manager_dsl(term_ptr target, const solve_data& sdata, int fee) {
     return true;
   }
   if (fee <= 0) {
+    attempt_record::left_open(list);
     return false;
   }
   progress_list("after filter\n", list);
-  return std::all_of(list.begin(), list.end(),
-                     [&](term_ptr t) { return apply_solvers_dsl(t, active, one_step_solvers(), fee); });
+  const auto open = std::find_if_not(list.begin(), list.end(),
+                                     [&](term_ptr t) { return apply_solvers_dsl(t, active, one_step_solvers(), fee); });
+  attempt_record::left_open({open, list.end()});
+  return open == list.end();
+}
+
+}  // namespace
+
+bool solver_manager_dsl(term_ptr target, const solve_data& sdata, int fee) {
+  if (target == nullptr) {
+    return false;
+  }
+  const attempt_record record(target);
+  return attempt_record::answered(work_on(target, sdata, fee));
 }
 
 bool solver_manager_dsl_with_solver(term_ptr target, const solve_data& sdata, int fee, std::string_view solver_name) {
@@ -136,8 +200,15 @@ bool solver_manager_dsl_with_solver(term_ptr target, const solve_data& sdata, in
   progress_number("fee = %d\n", fee);
   print_progress("selected solver: " + std::string(solver_name) + "\n");
   progress_term(target);
+  const attempt_record record(target, solver_name);
   const solve_data active = active_record(sdata);
-  return call_decision_solver(solve, target, active);
+  const bool proved = attempt_record::answered(call_decision_solver(solve, target, active));
+  if (proved) {
+    attempt_record::closed(target, solver_name);
+  } else {
+    attempt_record::left_open({&target, 1});
+  }
+  return proved;
 }
 
 bool solver_manager_list_dsl(const solve_res& res, const solve_data& sdata, int fee) {

@@ -2,6 +2,7 @@
 // another number of arguments is refused after a few steps down its own spine.
 #include "term/pattern_match.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdint>
 #include <memory>
@@ -73,6 +74,20 @@ pattern_reader match_init(pattern_reader reader) { return std::exchange(installe
 
 namespace {
 
+// The calls of the factory while it lives are no part of a question: its budget grows by them.
+class uncounted_calls {
+ public:
+  ~uncounted_calls() {
+    const std::uint64_t made = state().store.calls() - before_;
+    state().pattern_calls += made;
+    const std::uint64_t limit = state().store.call_limit();
+    state().store.set_call_limit(limit + std::min(made, UINT64_MAX - limit));
+  }
+
+ private:
+  std::uint64_t before_ = state().store.calls();
+};
+
 // The pattern of a text; null, with a report and nothing kept, when the text does not parse.
 const compiled_pattern* pattern_of_text(const char* text) {
   // The reader may itself match patterns, so nothing of the table is held across its call.
@@ -80,6 +95,7 @@ const compiled_pattern* pattern_of_text(const char* text) {
   if (found != state().patterns->texts.end()) {
     return found->second.get();
   }
+  const uncounted_calls uncounted;
   term_ptr parsed = installed_reader == nullptr ? nullptr : installed_reader(text);
   if (parsed == nullptr) {
     report_error("Error: parsing pattern error\n");

@@ -15,6 +15,18 @@ void report_error(const char* format, ...) {
 
 void report_text(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stderr); }
 
-void print_progress(std::string_view text) { std::fwrite(text.data(), 1, text.size(), stdout); }
+namespace {
+bool progress_shown = true;
+}
+
+void print_progress(std::string_view text) {
+  if (progress_shown) {
+    std::fwrite(text.data(), 1, text.size(), stdout);
+  }
+}
+
+bool progress_is_shown() { return progress_shown; }
+
+void show_progress(bool shown) { progress_shown = shown; }
 
 }  // namespace vetro

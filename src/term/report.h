@@ -14,4 +14,9 @@ void report_text(std::string_view text);
 // Writes text to standard output.
 void print_progress(std::string_view text);
 
+// Whether anybody reads the progress lines. Where nobody does, print_progress writes nothing, and a long text need not
+// be made.
+bool progress_is_shown();
+void show_progress(bool shown);
+
 }  // namespace vetro

@@ -20,6 +20,7 @@ struct process_state {
   node_memo<std::uint64_t> alpha_hashes;  // of the terms with bindings that were asked for
   node_memo<std::uint8_t> whole_parts;    // of large terms, as whole_parts.cpp found them
   typed_slots slots;                      // what layers above remember, each type for its owner
+  std::uint64_t pattern_calls = 0;        // of the factory, for compiling patterns
   int fresh_counter = 0;                  // fresh(): never goes back
   int placeholder_counter = 1000000000;   // "qvar" numbers of get_prop
   int binder_copy_counter = 0;            // names of binders that rewrite_in opens
@@ -27,6 +28,10 @@ struct process_state {
 
 // The state of this process.
 process_state& state();
+
+// Calls of the factory that the questions of this process made. A pattern is compiled by the first question that meets
+// it; that is nobody's work.
+inline std::uint64_t counted_work() { return state().store.calls() - state().pattern_calls; }
 
 // Throws away every term, pattern and counter. Only for tests: all term pointers become invalid.
 void reset_state();

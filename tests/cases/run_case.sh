@@ -29,6 +29,7 @@ prepare() {
     esac
   done
   ln -s "$vetro" "$scratch/vetro"
+  [ ! -e "$(dirname "$vetro")/vetro-check" ] || ln -s "$(dirname "$vetro")/vetro-check" "$scratch/vetro-check"
 }
 
 # run FOLDER COMMAND ...: leaves stdout, stderr and status in the folder.

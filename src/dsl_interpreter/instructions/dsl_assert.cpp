@@ -1,4 +1,5 @@
 // assert adds a proposition to the assumptions: proved by the solvers, proved by a nested block, or admitted as a debt.
+#include "dsl_interpreter/advice.h"
 #include "dsl_interpreter/dsl_admit.h"
 #include "dsl_interpreter/dsl_handler.h"
 
@@ -6,6 +7,7 @@ namespace vetro {
 namespace {
 
 void add_asserted_hypothesis(dsl_execute_data& data, dsl_result& result, term_ptr proposition) {
+  compare_written(data, instruction_as<dsl_assert>(data).new_hypo, proposition, data.cur_gap->assu_num() + 1);
   add_assumption(*data.cur_gap, proposition);
   result.flag = exe_success;
 }
@@ -23,11 +25,13 @@ void assert_by_block(dsl_execute_data& data, dsl_result& result, term_ptr propos
   const dsl_exe_code code = execute_instruction_list(local, body);
   dsl_merge_admitted_propositions(data, local);
   if (code == exe_gap_split) {
-    log_error(data, "execute_assert: proof blocks with split gaps are not supported yet\n");
+    log_error(data, fault(diagnostic_code::block_not_proved).at(instruction_as<dsl_assert>(data).new_hypo),
+              "execute_assert: proof blocks with split gaps are not supported yet\n");
   } else if (proof_gap_full_is_finished(gap) && !local.goal_was_given_up) {
     add_asserted_hypothesis(data, result, proposition);
   } else {
-    log_error(data, "execute_assert: proof block did not prove the asserted hypothesis\n");
+    log_error(data, fault(diagnostic_code::block_not_proved).at(instruction_as<dsl_assert>(data).new_hypo),
+              "execute_assert: proof block did not prove the asserted hypothesis\n");
   }
 }
 
@@ -64,14 +68,18 @@ dsl_result execute_assert(dsl_execute_data& data) {
   if (inst.mode == dsl_assert_by_admit) {
     if (!dsl_record_admitted_proposition(data, proposition, data.inst->number, data.current_step_id,
                                          inst.new_hypo.num)) {
-      log_error(data, "execute_assert: failed to record admitted proposition\n");
+      log_error(data, fault(diagnostic_code::formula_missing).at_formula(inst.new_hypo),
+                "execute_assert: failed to record admitted proposition\n");
       return result;
     }
+    note_fault(data, fault(diagnostic_code::admitted).at_formula(inst.new_hypo).differs(nullptr, proposition),
+               "this proposition is admitted without proof");
     add_asserted_hypothesis(data, result, proposition);
     return result;
   }
   if (proposition == nullptr) {
-    log_error(data, "execute_assert: the asserted proposition is missing, because its text does not parse\n");
+    log_error(data, fault(diagnostic_code::formula_missing).at_formula(inst.new_hypo),
+              "execute_assert: the asserted proposition is missing, because its text does not parse\n");
     return result;
   }
   if (!inst.proof_body.empty()) {
@@ -79,11 +87,16 @@ dsl_result execute_assert(dsl_execute_data& data) {
     return result;
   }
   if (inst.mode == dsl_assert_by_proof) {
-    log_error(data, "execute_assert: manual assert proof has no proof body\n");
+    log_error(data, fault(diagnostic_code::block_not_proved),
+              "execute_assert: manual assert proof has no proof body\n");
     return result;
   }
   if (solver_manager_dsl(proposition, dsl_data_to_solve_data_all(data), initial_fee)) {
+    warn_of_denominators(data, fault(diagnostic_code::denominator).at_formula(inst.new_hypo));
     add_asserted_hypothesis(data, result, proposition);
+  } else {
+    note_fault(data, fault(diagnostic_code::not_proved).at_formula(inst.new_hypo).differs(proposition, nullptr),
+               "the solvers do not prove this proposition");
   }
   return result;
 }

@@ -1,6 +1,7 @@
 // autoreplace replaces a subterm of the goal or of a hypothesis by one that is equal to it by calculation. The script
 // states both subterms and the new proposition; the handler checks that the replacement gives it, and that the subterms
 // are equal.
+#include "dsl_interpreter/advice.h"
 #include "dsl_interpreter/dsl_handler.h"
 #include "dsl_interpreter/instructions/replacement.h"
 #include "lib/interval_reading.h"
@@ -33,7 +34,8 @@ simpl_solver solver_select(term_ptr from, term_ptr to) {
 // The proposition that is rewritten. A null source is reported by who prepares it; false after a message.
 bool take_source(const dsl_execute_data& data, const dsl_auto_replace& inst, term_ptr& source) {
   if (inst.from_prop.type != inst.to_prop.type) {
-    log_error(data, "The from_prop and to_prop must be of the same type (both GOAL or both HYPOTHESIS).\n");
+    log_error(data, fault(diagnostic_code::wrong_kind).at(inst.to_prop),
+              "The from_prop and to_prop must be of the same type (both GOAL or both HYPOTHESIS).\n");
     return false;
   }
   const proof_gap_full& gap = *data.cur_gap;
@@ -43,11 +45,13 @@ bool take_source(const dsl_execute_data& data, const dsl_auto_replace& inst, ter
   } else if (inst.from_prop.type == dsl_hypo) {
     source = gap.hypothesis(inst.from_prop.num);
     if (source == nullptr) {
-      log_error(data, "Invalid from_prop hypothesis number: %lld\n", static_cast<long long>(inst.from_prop.num));
+      log_error(data, fault(diagnostic_code::no_such_hypothesis).at(inst.from_prop),
+                "Invalid from_prop hypothesis number: %lld\n", static_cast<long long>(inst.from_prop.num));
       return false;
     }
     if (inst.to_prop.num <= gap.assu_num()) {
-      log_error(data, "Invalid to_prop hypothesis number: %lld\n", static_cast<long long>(inst.to_prop.num));
+      log_error(data, fault(diagnostic_code::number_taken).at(inst.to_prop),
+                "Invalid to_prop hypothesis number: %lld\n", static_cast<long long>(inst.to_prop.num));
       return false;
     }
   }
@@ -75,22 +79,25 @@ class replacement_check {
     const term_ptr old_form = dsl_prepare_term_for_rewrite(source);
     const term_ptr new_form = dsl_prepare_term_for_rewrite(inst_.to_prop.t);
     if (old_form == nullptr || new_form == nullptr) {
-      log_error(data_, "Auto-replace failed: cannot prepare bound variables for replacement.\n");
+      log_error(data_, fault(diagnostic_code::preparation_failed),
+                "Auto-replace failed: cannot prepare bound variables for replacement.\n");
       return false;
     }
     const term_ptr from = autoreplace_prepare_contextual_result(replace_everywhere(rule_, old_form));
     const term_ptr to = autoreplace_prepare_contextual_result(replace_everywhere(rule_, new_form));
     if (from == nullptr || to == nullptr) {
-      log_error(data_, "Auto-replace failed: cannot analyze the replacement result in its target context.\n");
+      log_error(data_, fault(diagnostic_code::preparation_failed),
+                "Auto-replace failed: cannot analyze the replacement result in its target context.\n");
       return false;
     }
     if (term_eqb(from, to) || (by_negation_ && is_new_form(from))) {
       return true;
     }
-    log_error_text(data_, "The transformation does not reflect the replacement:\nAfter replacing " +
-                              pretty(inst_.from_term) + " with " + pretty(inst_.to_term) +
-                              ",\nthe from_prop becomes:\n" + pretty(from) + "\nwhich does not match the to_prop:\n" +
-                              pretty(inst_.to_prop.t));
+    log_error_text(data_,
+                   fault(diagnostic_code::rewrite_mismatch).at_formula(inst_.to_prop).differs(from, inst_.to_prop.t),
+                   "The transformation does not reflect the replacement:\nAfter replacing " + pretty(inst_.from_term) +
+                       " with " + pretty(inst_.to_term) + ",\nthe from_prop becomes:\n" + pretty(from) +
+                       "\nwhich does not match the to_prop:\n" + pretty(inst_.to_prop.t));
     return false;
   }
 
@@ -125,7 +132,8 @@ bool subterms_are_equal(const dsl_execute_data& data, const dsl_auto_replace& in
       return true;
     case simpl_solver::deri:
     case simpl_solver::integral:
-      log_error(data, "Auto-replace currently only supports polynomial simplification and root-power conversion.\n");
+      log_error(data, fault(diagnostic_code::not_equal).differs(inst.from_term, inst.to_term),
+                "Auto-replace currently only supports polynomial simplification and root-power conversion.\n");
       return false;
     case simpl_solver::poly:
       break;
@@ -134,7 +142,8 @@ bool subterms_are_equal(const dsl_execute_data& data, const dsl_auto_replace& in
     return true;
   }
   log_error_text(
-      data, "Auto-replace failed: cannot simplify " + pretty(inst.from_term) + " to " + pretty(inst.to_term) + ".\n");
+      data, fault(diagnostic_code::not_equal).differs(inst.from_term, inst.to_term),
+      "Auto-replace failed: cannot simplify " + pretty(inst.from_term) + " to " + pretty(inst.to_term) + ".\n");
   return false;
 }
 
@@ -152,10 +161,14 @@ dsl_result execute_autoreplace(dsl_execute_data& data) {
   if (!check.holds(source) || !subterms_are_equal(data, inst, solver)) {
     return result;
   }
+  if (solver == simpl_solver::poly) {
+    warn_of_denominators(data, fault(diagnostic_code::denominator), inst.from_term, inst.to_term);
+  }
   if (inst.to_prop.type == dsl_goal) {
     install_goal(data, inst.to_prop.t);
   } else {
     add_assumption(*data.cur_gap, inst.to_prop.t);
+    compare_written(data, inst.to_prop, inst.to_prop.t, data.cur_gap->assu_num());
   }
   result.flag = exe_success;
   return result;

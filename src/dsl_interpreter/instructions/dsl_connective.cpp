@@ -93,44 +93,52 @@ dsl_result execute_destruct_and(dsl_execute_data& data) {
   const dsl_destruct_and& inst = instruction_as<dsl_destruct_and>(data);
   proof_gap_full& gap = *data.cur_gap;
   if (inst.source.type != dsl_hypo) {
-    log_error(data, "execute_destruct_and: source must be a hypothesis.\n");
+    log_error(data, fault(diagnostic_code::wrong_kind).at(inst.source),
+              "execute_destruct_and: source must be a hypothesis.\n");
     return result;
   }
   term_ptr hypothesis = gap.hypothesis(inst.source.num);
   if (hypothesis == nullptr) {
-    log_error(data, "execute_destruct_and: hypothesis index out of range: %lld.\n",
-              static_cast<long long>(inst.source.num));
+    log_error(data, fault(diagnostic_code::no_such_hypothesis).at(inst.source),
+              "execute_destruct_and: hypothesis index out of range: %lld.\n", static_cast<long long>(inst.source.num));
     return result;
   }
   if (strong_checks(data) && !term_eqb(inst.source.t, hypothesis)) {
     result.redundant_flag = redundant_fail;
-    log_error(data, "execute_destruct_and: source hypothesis mismatch.\n");
+    log_error(data, fault(diagnostic_code::written_differs).at_formula(inst.source),
+              "execute_destruct_and: source hypothesis mismatch.\n");
   }
   const term_list parts = split_connect(hypothesis, And);
   if (parts.size() < 2) {
-    log_error(data, "execute_destruct_and: source hypothesis is not a conjunction.\n");
+    log_error(data, fault(diagnostic_code::wrong_shape).at(inst.source).differs(nullptr, hypothesis),
+              "execute_destruct_and: source hypothesis is not a conjunction.\n");
     return result;
   }
   if (inst.new_hypos.size() != parts.size()) {
-    log_error(data, "execute_destruct_and: target count mismatch, need %zu targets but got %zu.\n", parts.size(),
+    log_error(data, fault(diagnostic_code::wrong_count).differs(nullptr, hypothesis),
+              "execute_destruct_and: target count mismatch, need %zu targets but got %zu.\n", parts.size(),
               inst.new_hypos.size());
     return result;
   }
   for (std::size_t i = 0; i < parts.size(); ++i) {
     const dsl_term& target = inst.new_hypos[i];
     if (target.type != dsl_hypo) {
-      log_error(data, "execute_destruct_and: each target after 'as' must be a hypothesis.\n");
+      log_error(data, fault(diagnostic_code::wrong_kind).at(target),
+                "execute_destruct_and: each target after 'as' must be a hypothesis.\n");
       return result;
     }
     add_assumption(gap, parts[i]);
     const int number = gap.assu_num();
+    compare_written(data, target, parts[i], number);
     if (strong_checks(data) && target.num != number) {
       result.redundant_flag = redundant_fail;
-      log_error(data, "execute_destruct_and: target hypothesis number should be %d.\n", number);
+      log_error(data, fault(diagnostic_code::written_differs).at(target),
+                "execute_destruct_and: target hypothesis number should be %d.\n", number);
     }
     if (strong_checks(data) && !term_eqb(target.t, parts[i])) {
       result.redundant_flag = redundant_fail;
-      log_error(data, "execute_destruct_and: target hypothesis content mismatch at %d.\n", number);
+      log_error(data, fault(diagnostic_code::written_differs).at_formula(target),
+                "execute_destruct_and: target hypothesis content mismatch at %d.\n", number);
     }
   }
   succeed(data, result);
@@ -142,17 +150,20 @@ dsl_result execute_case_analysis(dsl_execute_data& data) {
   const dsl_term& source = instruction_as<dsl_case_analysis>(data).hypo;
   const proof_gap_full& gap = *data.cur_gap;
   if (source.type != dsl_hypo) {
-    log_error(data, "execute_case_analysis: the hypothesis must be a HYPOTHESIS.\n");
+    log_error(data, fault(diagnostic_code::wrong_kind).at(source),
+              "execute_case_analysis: the hypothesis must be a HYPOTHESIS.\n");
     return result;
   }
   term_ptr hypothesis = gap.hypothesis(source.num);
   if (hypothesis == nullptr) {
-    log_error(data, "execute_case_analysis: hypothesis index out of range.\n");
+    log_error(data, fault(diagnostic_code::no_such_hypothesis).at(source),
+              "execute_case_analysis: hypothesis index out of range.\n");
     return result;
   }
   const term_list parts = split_connect(hypothesis, Or);
   if (parts.size() < 2) {
-    log_error(data, "execute_case_analysis: the hypothesis is not a disjunction.\n");
+    log_error(data, fault(diagnostic_code::wrong_shape).at(source).differs(nullptr, hypothesis),
+              "execute_case_analysis: the hypothesis is not a disjunction.\n");
     return result;
   }
   data.split_gaps.clear();
@@ -167,12 +178,13 @@ dsl_result execute_case_analysis(dsl_execute_data& data) {
 dsl_result execute_or_intro(dsl_execute_data& data) {
   dsl_result result;
   if (data.cur_gap->goal == nullptr) {
-    log_error(data, "execute_or_intro: current proof gap has no goal.\n");
+    log_error(data, fault(diagnostic_code::wrong_shape), "execute_or_intro: current proof gap has no goal.\n");
     return result;
   }
   const auto view = composed_prop_split(data.cur_gap->goal);
   if (!view || view->connect != Or || view->t2 == nullptr) {
-    log_error(data, "execute_or_intro: current goal must be a binary disjunction.\n");
+    log_error(data, fault(diagnostic_code::wrong_shape).differs(nullptr, data.cur_gap->goal),
+              "execute_or_intro: current goal must be a binary disjunction.\n");
     return result;
   }
   install_goal(data, instruction_as<dsl_or_intro>(data).side == or_intro_left ? view->t1 : view->t2);
@@ -185,19 +197,22 @@ dsl_result execute_apply(dsl_execute_data& data) {
   const dsl_term& source = instruction_as<dsl_apply>(data).hypo;
   proof_gap_full& gap = *data.cur_gap;
   if (source.type != dsl_hypo) {
-    log_error(data, "apply instruction can only be used with hypotheses, not theorems or other terms\n");
+    log_error(data, fault(diagnostic_code::wrong_kind).at(source),
+              "apply instruction can only be used with hypotheses, not theorems or other terms\n");
     return result;
   }
   term_ptr hypothesis = gap.hypothesis(source.num);
   if (hypothesis == nullptr) {
-    log_error(data, "Invalid hypothesis number: %lld, current proof gap has %d hypotheses\n",
+    log_error(data, fault(diagnostic_code::no_such_hypothesis).at(source),
+              "Invalid hypothesis number: %lld, current proof gap has %d hypotheses\n",
               static_cast<long long>(source.num), gap.assu_num());
     return result;
   }
   strong_compare(data, result, hypothesis, source.t, "Mismatched hypothesis: actual hypothesis ", " but expected ");
   const std::optional<term_list> premises = dsl_term_apply(hypothesis, gap.goal);
   if (!premises) {
-    log_error(data, "hypothesis's conclusion does not match current goal\n");
+    log_error(data, fault(diagnostic_code::conclusion_mismatch).at(source).differs(gap.goal, hypothesis),
+              "hypothesis's conclusion does not match current goal\n");
     return result;
   }
   if (premises->empty()) {

@@ -52,7 +52,7 @@ void report_unresolved_name(const dsl_execute_data& data, const dsl_term& ref, c
   } else {
     text += format_text(", and no theorem named '%s' was found\n", ref.name.c_str());
   }
-  log_error_text(data, text);
+  log_error_text(data, fault(diagnostic_code::no_such_theorem).at(ref), text);
 }
 
 // The theorem of a reference: by its number where the name agrees or is absent, else by its name. Null after a message.
@@ -82,7 +82,8 @@ bool get_prop_source(const dsl_execute_data& data, const dsl_term& ref, term_ptr
   if (ref.type == dsl_hypo) {
     source = data.cur_gap->hypothesis(ref.num);
     if (source == nullptr) {
-      log_error(data, "Invalid hypothesis number: %lld, current proof gap has %d hypotheses\n",
+      log_error(data, fault(diagnostic_code::no_such_hypothesis).at(ref),
+                "Invalid hypothesis number: %lld, current proof gap has %d hypotheses\n",
                 static_cast<long long>(ref.num), data.cur_gap->assu_num());
     }
     return source != nullptr;
@@ -96,9 +97,9 @@ bool get_prop_source(const dsl_execute_data& data, const dsl_term& ref, term_ptr
     return false;
   }
   if (used_name_fallback && ref.t != nullptr && !term_eqb(found->content, ref.t)) {
-    log_error_text(data, "get_prop theorem name fallback formula mismatch for " + theorem_ref_text(ref) +
-                             "\nselected theorem:\n" + pretty(found->content) + "\nquoted formula:\n" + pretty(ref.t) +
-                             "\n");
+    log_error_text(data, fault(diagnostic_code::formula_mismatch).at_formula(ref).differs(found->content, ref.t),
+                   "get_prop theorem name fallback formula mismatch for " + theorem_ref_text(ref) +
+                       "\nselected theorem:\n" + pretty(found->content) + "\nquoted formula:\n" + pretty(ref.t) + "\n");
     return false;
   }
   source = found->content;
@@ -131,7 +132,8 @@ class placeholder_source {
 bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, term_ptr quantified,
                            const dsl_sub_list& pairs, std::vector<get_prop_subst>& substs) {
   if (quantified->type() != Quant || quantified->quant() != Forall) {
-    log_error_text(data, "invalid term for get_prop instantiation\n" + pretty(quantified) + "\n");
+    log_error_text(data, fault(diagnostic_code::wrong_shape).differs(nullptr, quantified),
+                   "invalid term for get_prop instantiation\n" + pretty(quantified) + "\n");
     return false;
   }
   placeholder_source placeholders(quantified, pairs);
@@ -140,17 +142,19 @@ bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, ter
   std::unordered_set<term_ptr, alpha_hasher, alpha_equal> substituted;
   for (const dsl_sub_pair& pair : pairs) {
     if (!term_is_var(pair.binder) || binders.count(pair.binder) == 0) {
-      log_error_text(data, "quant var don't have '" + pretty(pair.binder) + "'\n");
+      log_error_text(data, fault(diagnostic_code::bad_binder).at(pair).differs(quantified, nullptr),
+                     "quant var don't have '" + pretty(pair.binder) + "'\n");
       result.redundant_flag = redundant_fail;
       return false;
     }
     if (!substituted.insert(pair.binder).second) {
-      log_error_text(data, "duplicate substitution for quant var '" + pretty(pair.binder) + "'\n");
+      log_error_text(data, fault(diagnostic_code::bad_binder).at(pair).differs(quantified, nullptr),
+                     "duplicate substitution for quant var '" + pretty(pair.binder) + "'\n");
       result.redundant_flag = redundant_fail;
       return false;
     }
     if (holds_several_values(pair.sub_term)) {
-      log_value_refused(data, pair.binder);
+      log_value_refused(data, pair);
       return false;
     }
     substs.push_back({pair.binder, pair.sub_term, placeholders.next()});
@@ -199,17 +203,17 @@ constexpr normalize_messages target_messages = {
 term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, const normalize_messages& messages) {
   term_ptr prepared = dsl_prepare_term_for_substitution(t);
   if (prepared == nullptr) {
-    log_error_text(data, messages.prepare);
+    log_error_text(data, fault(diagnostic_code::preparation_failed), messages.prepare);
     return nullptr;
   }
   term_ptr reduced = beta_normalize_term(prepared);
   if (reduced == nullptr) {
-    log_error_text(data, messages.beta);
+    log_error_text(data, fault(diagnostic_code::preparation_failed), messages.beta);
     return nullptr;
   }
   term_ptr analyzed = parsed_static_analyze_term(reduced);
   if (analyzed == nullptr) {
-    log_error_text(data, messages.analyze);
+    log_error_text(data, fault(diagnostic_code::preparation_failed), messages.analyze);
     return nullptr;
   }
   if (reads_pair_as_interval(reduced, analyzed)) {
@@ -224,12 +228,14 @@ term_ptr instantiate_source(const dsl_execute_data& data, dsl_result& result, te
                             const dsl_sub_list& pairs) {
   term_ptr merged = source == nullptr ? nullptr : merge_quant_term(source);
   if (merged == nullptr) {
-    log_error(data, "failed to normalize theorem before instantiation\n");
+    log_error(data, fault(diagnostic_code::wrong_kind).at(instruction_as<dsl_get_prop>(data).thm),
+              "failed to normalize theorem before instantiation\n");
     return nullptr;
   }
   term_ptr prepared = dsl_prepare_term_for_substitution(merged);
   if (prepared == nullptr) {
-    log_error(data, "failed to prepare theorem binders before instantiation\n");
+    log_error(data, fault(diagnostic_code::preparation_failed),
+              "failed to prepare theorem binders before instantiation\n");
     return nullptr;
   }
   if (!pairs.empty()) {
@@ -240,19 +246,20 @@ term_ptr instantiate_source(const dsl_execute_data& data, dsl_result& result, te
     term_ptr refused = nullptr;
     term_ptr substituted = substitute_at_once(prepared, substs, refused);
     if (refused != nullptr) {
-      log_failed_instantiation(data, refused);
+      log_failed_instantiation(data, pairs.front(), refused);
       return nullptr;
     }
     const auto at_infinity = std::find_if(pairs.begin(), pairs.end(), [](const dsl_sub_pair& pair) {
       return holds_any(pair.sub_term, whole_part::infinity_value);
     });
     if (at_infinity != pairs.end() && holds_any(substituted, whole_part::infinity_value)) {
-      log_value_refused(data, at_infinity->binder);
+      log_value_refused(data, *at_infinity);
       return nullptr;
     }
     prepared = substituted == nullptr ? nullptr : parsed_static_analyze_term(substituted);
     if (prepared == nullptr) {
-      log_error(data, "failed to run static analysis after get_prop substitution\n");
+      log_error(data, fault(diagnostic_code::preparation_failed),
+                "failed to run static analysis after get_prop substitution\n");
       return nullptr;
     }
     if (reads_pair_as_interval(substituted, prepared)) {
@@ -266,12 +273,14 @@ term_ptr instantiate_source(const dsl_execute_data& data, dsl_result& result, te
 // The formula behind `as`, normalised, when it is what the source gives. Null after a message.
 term_ptr checked_target(const dsl_execute_data& data, const dsl_term& target, term_ptr actual) {
   if (target.type != dsl_hypo) {
-    log_error(data, "get_prop requires an explicit target hypothesis in 'as (...)'\n");
+    log_error(data, fault(diagnostic_code::wrong_kind).at(target),
+              "get_prop requires an explicit target hypothesis in 'as (...)'\n");
     return nullptr;
   }
   if (target.num != data.cur_gap->assu_num() + 1) {
-    log_error(data, "invalid get_prop target hypothesis number: %lld, expected %d\n",
-              static_cast<long long>(target.num), data.cur_gap->assu_num() + 1);
+    log_error(data, fault(diagnostic_code::number_not_next).at(target),
+              "invalid get_prop target hypothesis number: %lld, expected %d\n", static_cast<long long>(target.num),
+              data.cur_gap->assu_num() + 1);
     return nullptr;
   }
   term_ptr expected = normalize_for_comparison(data, target.t, target_messages);
@@ -280,7 +289,7 @@ term_ptr checked_target(const dsl_execute_data& data, const dsl_term& target, te
   }
   expected = with_record_of(expected, actual);
   if (!term_eqb(actual, expected)) {
-    log_error_text(data,
+    log_error_text(data, fault(diagnostic_code::formula_mismatch).at_formula(target).differs(actual, expected),
                    "get_prop target formula mismatch in 'as (...)'. expected alpha-equivalent formula.\nactual:\n" +
                        pretty(actual) + "\nactual_internal:\n" + internal(actual) + "\nexpected:\n" + pretty(expected) +
                        "\nexpected_internal:\n" + internal(expected) + "\n");
@@ -310,7 +319,8 @@ dsl_result execute_get_prop(dsl_execute_data& data) {
   add_assumption(*data.cur_gap, expected);
   if (strong_checks(data) && !term_eqb(expected, inst.new_hypo.t)) {
     result.redundant_flag = redundant_fail;
-    log_error_text(data, "error get_prop instance result prop, new hypothesis should be :" + pretty(expected) + "\n");
+    log_error_text(data, fault(diagnostic_code::written_differs),
+                   "error get_prop instance result prop, new hypothesis should be :" + pretty(expected) + "\n");
   }
   succeed(data, result);
   return result;

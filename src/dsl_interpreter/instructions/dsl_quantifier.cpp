@@ -43,13 +43,14 @@ constexpr pair_messages get_forall_messages = {
     "get_forall replacement var '%s' must be fresh among free variables in the current proof gap\n"};
 
 // Writes a message that may name a term; the rest of the format is literal text.
-void report_pair(const dsl_execute_data& data, dsl_result& result, const char* message, term_ptr named) {
+void report_pair(const dsl_execute_data& data, dsl_result& result, const fault& about, const char* message,
+                 term_ptr named) {
   std::string text = message;
   const std::size_t place = text.find("%s");
   if (place != std::string::npos) {
     text.replace(place, 2, pretty(named));
   }
-  log_error_text(data, text);
+  log_error_text(data, about, text);
   result.redundant_flag = redundant_fail;
 }
 
@@ -59,37 +60,40 @@ term_ptr instantiate_pairs(const dsl_execute_data& data, dsl_result& result, ter
                            const dsl_sub_list& pairs, const pair_messages& messages) {
   for (const dsl_sub_pair& pair : pairs) {
     if (!is_quantifier(working, kind)) {
-      log_error_text(data, messages.not_quantified);
+      log_error_text(data, fault(diagnostic_code::wrong_shape).at(pair).differs(nullptr, working),
+                     messages.not_quantified);
       return nullptr;
     }
     if (!term_is_var(pair.binder)) {
-      report_pair(data, result, messages.bad_binder, pair.binder);
+      report_pair(data, result, fault(diagnostic_code::bad_binder).at(pair), messages.bad_binder, pair.binder);
       return nullptr;
     }
     if (!term_list_contains(working->vars(), pair.binder)) {
-      report_pair(data, result, "quant var don't have '%s'\n", pair.binder);
+      report_pair(data, result, fault(diagnostic_code::bad_binder).at(pair).differs(working, nullptr),
+                  "quant var don't have '%s'\n", pair.binder);
       return nullptr;
     }
     if (messages.not_a_name == nullptr && !has_one_value(pair.sub_term)) {
-      log_value_refused(data, pair.binder);
+      log_value_refused(data, pair);
       return nullptr;
     }
     if (messages.not_a_name != nullptr) {
       if (!is_var(pair.sub_term)) {
-        report_pair(data, result, messages.not_a_name, pair.sub_term);
+        report_pair(data, result, fault(diagnostic_code::value_refused).at(pair), messages.not_a_name, pair.sub_term);
         return nullptr;
       }
       const proof_gap_full& gap = *data.cur_gap;
       if (free_in_assumptions(pair.sub_term, gap) || occurs_free(pair.sub_term, working) ||
           (kind == Exists && occurs_free(pair.sub_term, gap.goal))) {
-        report_pair(data, result, messages.not_fresh, pair.sub_term);
+        report_pair(data, result, fault(diagnostic_code::not_fresh).at(pair).differs(nullptr, pair.sub_term),
+                    messages.not_fresh, pair.sub_term);
         return nullptr;
       }
     }
     term_ptr refused = nullptr;
     working = instantiate_binders(working, {&pair.binder, 1}, {&pair.sub_term, 1}, &refused);
     if (working == nullptr) {
-      log_failed_instantiation(data, refused);
+      log_failed_instantiation(data, pair, refused);
       return nullptr;
     }
   }
@@ -101,13 +105,15 @@ term_ptr get_exists_source(const dsl_execute_data& data, const dsl_term& target)
   if (target.type == dsl_hypo) {
     term_ptr source = data.cur_gap->hypothesis(target.num);
     if (source == nullptr) {
-      log_error(data, "Invalid target hypothesis number: %lld, current proof gap has %d hypotheses\n",
+      log_error(data, fault(diagnostic_code::no_such_hypothesis).at(target),
+                "Invalid target hypothesis number: %lld, current proof gap has %d hypotheses\n",
                 static_cast<long long>(target.num), data.cur_gap->assu_num());
     }
     return source;
   }
   if (target.type != dsl_thm) {
-    log_error(data, "get_exists target must be a hypothesis or theorem\n");
+    log_error(data, fault(diagnostic_code::wrong_kind).at(target),
+              "get_exists target must be a hypothesis or theorem\n");
     return nullptr;
   }
   const theorem* found = theorem_by_number(data, target);
@@ -119,12 +125,13 @@ term_ptr get_exists_source(const dsl_execute_data& data, const dsl_term& target)
 dsl_result execute_exists(dsl_execute_data& data) {
   dsl_result result;
   if (data.cur_gap->goal == nullptr) {
-    log_error(data, "Error: No current goal to instantiate exists quantifier\n");
+    log_error(data, fault(diagnostic_code::wrong_shape), "Error: No current goal to instantiate exists quantifier\n");
     return result;
   }
   term_ptr working = dsl_prepare_term_for_substitution(data.cur_gap->goal);
   if (working == nullptr) {
-    log_error(data, "Error: Failed to prepare goal for exists instantiation\n");
+    log_error(data, fault(diagnostic_code::preparation_failed),
+              "Error: Failed to prepare goal for exists instantiation\n");
     return result;
   }
   working = instantiate_pairs(data, result, working, Exists, instruction_as<dsl_exists>(data).list, exists_messages);
@@ -133,7 +140,8 @@ dsl_result execute_exists(dsl_execute_data& data) {
   }
   term_ptr analyzed = parsed_static_analyze_term(working);
   if (analyzed == nullptr) {
-    log_error(data, "Error: Failed to run static analysis after exists instantiation\n");
+    log_error(data, fault(diagnostic_code::preparation_failed),
+              "Error: Failed to run static analysis after exists instantiation\n");
     return result;
   }
   if (reads_pair_as_interval(working, analyzed)) {
@@ -159,7 +167,8 @@ dsl_result execute_get_exists(dsl_execute_data& data) {
   strong_compare(data, result, source, inst.target.t, "Mismatched target: actual ", " but expected ");
   term_ptr working = dsl_prepare_term_for_substitution(source);
   if (working == nullptr) {
-    log_error(data, "Failed to prepare target for get_exists instantiation\n");
+    log_error(data, fault(diagnostic_code::preparation_failed),
+              "Failed to prepare target for get_exists instantiation\n");
     return result;
   }
   working = instantiate_pairs(data, result, working, Exists, inst.list, get_exists_messages);
@@ -176,13 +185,14 @@ dsl_result execute_get_forall(dsl_execute_data& data) {
   dsl_result result;
   const dsl_get_forall& inst = instruction_as<dsl_get_forall>(data);
   if (inst.goal.type != dsl_goal) {
-    log_error(data, "get_forall target must be goal\n");
+    log_error(data, fault(diagnostic_code::wrong_kind).at(inst.goal), "get_forall target must be goal\n");
     return result;
   }
   strong_compare(data, result, data.cur_gap->goal, inst.goal.t, "Mismatched goal: actual ", " but expected ");
   term_ptr working = dsl_prepare_term_for_substitution(data.cur_gap->goal);
   if (working == nullptr) {
-    log_error(data, "Failed to prepare goal for get_forall instantiation\n");
+    log_error(data, fault(diagnostic_code::preparation_failed),
+              "Failed to prepare goal for get_forall instantiation\n");
     return result;
   }
   working = instantiate_pairs(data, result, working, Forall, inst.list, get_forall_messages);

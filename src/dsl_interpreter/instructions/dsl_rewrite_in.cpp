@@ -11,19 +11,20 @@ namespace vetro {
 namespace {
 
 // Writes a message in which the first %s stands for the context.
-void log_in_context(const dsl_execute_data& data, const dsl_rewrite_in& inst, std::string message) {
+void log_in_context(const dsl_execute_data& data, const dsl_rewrite_in& inst, const fault& about, std::string message) {
   const std::size_t place = message.find("%s");
   if (place != std::string::npos) {
     message.replace(place, 2, rewrite_in_context_name(inst.context));
   }
-  log_error_text(data, message);
+  log_error_text(data, about, message);
 }
 
 // The written old form against the gap; false after a message.
 bool rewrite_in_target_matches_current(const dsl_execute_data& data, const dsl_rewrite_in& inst) {
   const dsl_term& from = inst.from_prop;
   if (from.type != dsl_goal && from.type != dsl_hypo) {
-    log_in_context(data, inst, "rewrite_in %s can only rewrite GOAL or hypothesis targets.\n");
+    log_in_context(data, inst, fault(diagnostic_code::wrong_kind).at(from),
+                   "rewrite_in %s can only rewrite GOAL or hypothesis targets.\n");
     return false;
   }
   const proof_gap_full& gap = *data.cur_gap;
@@ -32,7 +33,7 @@ bool rewrite_in_target_matches_current(const dsl_execute_data& data, const dsl_r
     return true;
   }
   log_in_context(
-      data, inst,
+      data, inst, fault(diagnostic_code::formula_mismatch).at_formula(from).differs(current, from.t),
       from.type == dsl_goal ? "mismatch goal in rewrite_in %s dsl\n" : "mismatch hypothesis in rewrite_in %s dsl\n");
   return false;
 }
@@ -43,7 +44,8 @@ bool read_rule(const dsl_execute_data& data, const dsl_rewrite_in& inst, forall_
   const char* problem = hypothesis == nullptr ? "rewrite_in %s requires a valid hypothesis as the rewriting source.\n"
                                               : extract_forall_equation_rule(hypothesis, rule);
   if (problem != nullptr) {
-    log_in_context(data, inst, problem);
+    log_in_context(data, inst, fault(diagnostic_code::rule_unusable).at(inst.hypo).differs(nullptr, hypothesis),
+                   problem);
   }
   return problem == nullptr;
 }
@@ -77,12 +79,14 @@ rewrite_in_state initial_state(const dsl_execute_data& data, const dsl_rewrite_i
 void report_failure(const dsl_execute_data& data, const dsl_rewrite_in& inst, const rewrite_in_state& state) {
   if (state.first_failed_condition != nullptr) {
     log_in_context(data, inst,
+                   fault(diagnostic_code::side_condition).at(inst.hypo).differs(state.first_failed_condition, nullptr),
                    std::string("rewrite_in %s failed: cannot prove side condition (") + state.first_failed_reason +
                        "):\n" + pretty(state.first_failed_condition) + "\n");
   } else if (state.failure_reason != nullptr) {
-    log_in_context(data, inst, std::string("rewrite_in %s failed: ") + state.failure_reason + "\n");
+    log_in_context(data, inst, fault(diagnostic_code::rewrite_mismatch).at_formula(inst.to_prop),
+                   std::string("rewrite_in %s failed: ") + state.failure_reason + "\n");
   } else {
-    log_error(data,
+    log_error(data, fault(diagnostic_code::rewrite_mismatch).at_formula(inst.to_prop),
               "rewrite_in %s failed: target form cannot be obtained by a forall equation rewrite inside a supported %s "
               "body.\n",
               rewrite_in_context_name(inst.context), rewrite_in_context_name(inst.context));
@@ -96,18 +100,21 @@ bool apply_rewrite_in_result(dsl_execute_data& data, const dsl_rewrite_in& inst)
   const dsl_term& to = inst.to_prop;
   if (to.type == dsl_goal) {
     if (from.type != dsl_goal) {
-      log_in_context(data, inst, "rewrite_in %s cannot replace GOAL when rewriting from a hypothesis.\n");
+      log_in_context(data, inst, fault(diagnostic_code::wrong_kind).at(to),
+                     "rewrite_in %s cannot replace GOAL when rewriting from a hypothesis.\n");
       return false;
     }
     install_goal(data, to.t);
     return true;
   }
   if (to.type != dsl_hypo) {
-    log_in_context(data, inst, "rewrite_in %s result must be GOAL or a hypothesis.\n");
+    log_in_context(data, inst, fault(diagnostic_code::wrong_kind).at(to),
+                   "rewrite_in %s result must be GOAL or a hypothesis.\n");
     return false;
   }
   if (from.type != dsl_hypo) {
-    log_in_context(data, inst, "rewrite_in %s to hypothesis is only allowed when rewriting from a hypothesis.\n");
+    log_in_context(data, inst, fault(diagnostic_code::wrong_kind).at(to),
+                   "rewrite_in %s to hypothesis is only allowed when rewriting from a hypothesis.\n");
     return false;
   }
   if (to.num == from.num) {
@@ -118,7 +125,7 @@ bool apply_rewrite_in_result(dsl_execute_data& data, const dsl_rewrite_in& inst)
     add_assumption(gap, to.t);
     return true;
   }
-  log_error(data,
+  log_error(data, fault(diagnostic_code::number_not_next).at(to),
             "invalid rewrite_in %s target hypothesis number: %lld, expected %lld (overwrite rewritten hypothesis) or "
             "%d (append new hypothesis)\n",
             rewrite_in_context_name(inst.context), static_cast<long long>(to.num), static_cast<long long>(from.num),
@@ -132,7 +139,8 @@ dsl_result execute_rewrite_in(dsl_execute_data& data) {
   dsl_result result;
   const dsl_rewrite_in& inst = instruction_as<dsl_rewrite_in>(data);
   if (inst.htype == re_iff) {
-    log_in_context(data, inst, "rewrite_in %s 当前不支持 iff 规则。\n");
+    data.err_log->write(format_text("rewrite_in %s 当前不支持 iff 规则。\n", rewrite_in_context_name(inst.context)));
+    note_fault(data, fault(diagnostic_code::rule_unusable).at(inst.hypo), "rewrite_in takes no iff rules");
     return result;
   }
   forall_equation_rule rule;
@@ -140,7 +148,8 @@ dsl_result execute_rewrite_in(dsl_execute_data& data) {
     return result;
   }
   if (const char* problem = validate_setdesc_binder_map(inst, rule); problem != nullptr) {
-    log_in_context(data, inst, std::string("rewrite_in %s failed: ") + problem + "\n");
+    log_in_context(data, inst, fault(diagnostic_code::bad_binder),
+                   std::string("rewrite_in %s failed: ") + problem + "\n");
     return result;
   }
   rewrite_in_state state = initial_state(data, inst, std::move(rule));

@@ -17,9 +17,7 @@
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
 #include "term/reserved.h"
-#include "term/substitute/beta.h"
-#include "term/substitute/careful.h"
-#include "term/substitute/fresh.h"
+#include "term/substitute.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
 #include "term/whole_parts.h"
@@ -27,8 +25,7 @@
 namespace vetro {
 namespace {
 
-enum class cont_goal_kind : std::uint8_t { CONT_AT = 0, CONT_ON = 1 };
-using enum cont_goal_kind;
+enum cont_goal_kind : std::uint8_t { CONT_AT = 0, CONT_ON = 1 };
 
 constexpr std::size_t most_unfoldings = 64;  // of named functions inside one another
 

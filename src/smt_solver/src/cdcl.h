@@ -15,8 +15,7 @@ namespace vetro {
 
 using literal_span = std::span<const int>;
 
-enum class cdcl_result : int { cdcl_unsat = 0, cdcl_sat = 1, cdcl_exhausted = -2 };
-using enum cdcl_result;
+enum cdcl_result : int { cdcl_unsat = 0, cdcl_sat = 1, cdcl_exhausted = -2 };
 
 // What is known of each variable.
 struct var_data {

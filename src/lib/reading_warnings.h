@@ -1,0 +1,14 @@
+// Warnings about formulas that parse, and are read otherwise than they look.
+#pragma once
+
+#include <string_view>
+
+#include "diagnostics/diagnostics.h"
+
+namespace vetro {
+
+// Looks at the text of a formula for implications in a row without parentheses, powers of a function's name, and
+// functions whose name is nearly that of a known one.
+void warn_of_readings(diagnostics& d, std::string_view formula);
+
+}  // namespace vetro

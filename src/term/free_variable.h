@@ -1,0 +1,2 @@
+#pragma once
+#include "term/variables/free_variable.h"
