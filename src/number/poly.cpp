@@ -5,15 +5,11 @@
 #include <algorithm>
 #include <utility>
 
+#include "number/hash_mix.h"
 #include "number/limits.h"
 
 namespace vetro {
 namespace {
-
-std::uint64_t mix(std::uint64_t hash, std::uint64_t value) {
-  hash = (hash ^ value) * 0x9e3779b97f4a7c15ULL;
-  return hash ^ (hash >> 29U);
-}
 
 std::uint64_t hash_factors(std::span<const factor> factors) {
   std::uint64_t hash = factors.size();

@@ -9,6 +9,8 @@
 #include <optional>
 #include <utility>
 
+#include "number/hash_mix.h"
+
 namespace vetro {
 namespace {
 
@@ -16,11 +18,6 @@ constexpr std::uint64_t root_tag = 1;  // first word of the keys of roots; other
 
 // Greatest whole exponent of a base that is put in place of its root. Far above what the budget lets a sum reach.
 constexpr std::int64_t most_whole_power = std::int64_t{1} << 40U;
-
-std::uint64_t mix(std::uint64_t hash, std::uint64_t value) {
-  hash = (hash ^ value) * 0x9e3779b97f4a7c15ULL;
-  return hash ^ (hash >> 31U);
-}
 
 // ---- Roots: base^(7/2) is base^3 * base^(1/2).
 

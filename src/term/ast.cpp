@@ -11,6 +11,7 @@
 #include <new>
 #include <unordered_set>
 
+#include "number/hash_mix.h"
 #include "term/state.h"
 #include "term/variables/binding_table.h"
 
@@ -19,12 +20,6 @@ namespace {
 
 constexpr std::size_t chunk_bytes = 256 * 1024;
 constexpr std::uint32_t saturated = std::numeric_limits<std::uint32_t>::max();
-
-constexpr std::uint64_t mix(std::uint64_t hash, std::uint64_t value) {
-  hash ^= value + 0x9e3779b97f4a7c15ULL + (hash << 6U) + (hash >> 2U);
-  hash *= 0xff51afd7ed558ccdULL;
-  return hash ^ (hash >> 32U);
-}
 
 std::uint64_t hash_text(std::string_view text) {
   std::uint64_t hash = 0xcbf29ce484222325ULL;

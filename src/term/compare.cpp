@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <unordered_set>
 
+#include "number/hash_mix.h"
 #include "term/report.h"
 #include "term/state.h"
 #include "term/variables/binding.h"
@@ -14,12 +15,6 @@
 
 namespace vetro {
 namespace {
-
-constexpr std::uint64_t mix(std::uint64_t hash, std::uint64_t value) {
-  hash ^= value + 0x9e3779b97f4a7c15ULL + (hash << 6U) + (hash >> 2U);
-  hash *= 0xc4ceb9fe1a85ec53ULL;
-  return hash ^ (hash >> 29U);
-}
 
 class alpha_walk {
  public:

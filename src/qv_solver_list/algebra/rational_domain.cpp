@@ -11,6 +11,7 @@
 
 #include <algorithm>
 
+#include "number/hash_mix.h"
 #include "number/primes_and_roots.h"
 
 namespace vetro {
@@ -32,8 +33,7 @@ std::size_t rational_domain::rat_hash::operator()(const rat& r) const {
   std::size_t hash = r.coef.hash() ^ r.monomial;
   for (const sum_power& power : r.sums) {
     for (const std::uint64_t word : {std::uint64_t{power.sum}, static_cast<std::uint64_t>(power.exp)}) {
-      hash = (hash ^ word) * 0x9e3779b97f4a7c15ULL;
-      hash ^= hash >> 31U;
+      hash = mix(hash, word);
     }
   }
   return hash;

@@ -4,6 +4,7 @@
 #include <algorithm>
 #include <limits>
 
+#include "number/hash_mix.h"
 #include "qv_solver_list/analysis/sign_forms.h"
 #include "qv_solver_list/value_facts.h"
 #include "term/whole_parts.h"
@@ -14,8 +15,7 @@ std::size_t assumed_signs::linear_sum_hasher::operator()(const linear_sum& sum) 
   std::size_t hash = static_cast<std::size_t>(sum.constant);
   for (const auto& [summand, coefficient] : sum.terms) {
     for (const std::uint64_t word : {std::uint64_t{summand}, static_cast<std::uint64_t>(coefficient)}) {
-      hash = (hash ^ word) * 0x9e3779b97f4a7c15ULL;
-      hash ^= hash >> 31U;
+      hash = mix(hash, word);
     }
   }
   return hash;

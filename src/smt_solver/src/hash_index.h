@@ -6,12 +6,11 @@
 #include <utility>
 #include <vector>
 
+#include "number/hash_mix.h"
+
 namespace vetro::smt {
 
-constexpr std::uint64_t mix(std::uint64_t h, std::uint64_t value) {
-  h = (h ^ value) * 0x9e3779b97f4a7c15ULL;
-  return h ^ h >> 29U;
-}
+using vetro::mix;
 
 class hash_index {
  public:
