@@ -3,12 +3,15 @@
 #include "qv_solver_list/calculus/derivative_value.h"
 
 #include <algorithm>
+#include <array>
+#include <cstdint>
 #include <vector>
 
 #include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/calculus/derivative.h"
 #include "qv_solver_list/functions/definitions.h"
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
 
@@ -20,6 +23,54 @@ bool different_plain_names(term_span params) {
   return std::all_of(params.begin(), params.end(),
                      [&](term_ptr p) { return is_var(p) && !p->has_meta() && names.insert(p); });
 }
+
+struct special_value {
+  oper_type oper;
+  std::int32_t at;
+  std::int32_t value;
+};
+
+// What numeric calculation does not know.
+constexpr std::array special_values = std::to_array<special_value>({
+    {Arctan, 0, 0},
+    {Arcsin, 0, 0},
+    {Arccos, 1, 0},
+    {Sinh, 0, 0},
+    {Tanh, 0, 0},
+    {Cosh, 0, 1},
+    {Sec, 0, 1},
+    {Cbrt, 1, 1},
+    {Sqrt, 1, 1},
+});
+
+bool equals(term_ptr t, std::int32_t value) {
+  return poly_rat_eqb(t, mk_integer(value)) || poly_rat_eqb(solver_numeric_calc_simplify(t), mk_integer(value));
+}
+
+// A term with these values put in, from the inside out.
+class special_value_walk {
+ public:
+  term_ptr in(term_ptr t) {
+    return t->type() == Apply ? known_.get(t, [&] { return evaluated(t); }) : t;
+  }
+
+ private:
+  term_ptr evaluated(term_ptr t) {
+    term_ptr result = map_children(t, walk_apply | keep_meta, [this](term_ptr part) { return in(part); });
+    const auto view = composed_term_split(result);
+    if (!view || view->t2 != nullptr) {
+      return result;
+    }
+    const auto row = std::find_if(special_values.begin(), special_values.end(), [&](const special_value& v) {
+      return v.oper == view->oper && equals(view->t1, v.at);
+    });
+    return row == special_values.end() ? result : mk_integer(row->value);
+  }
+
+  node_memo<term_ptr> known_;
+};
+
+term_ptr with_special_values(term_ptr t) { return special_value_walk().in(t); }
 
 // t is 0, also by the values of sines, logarithms and the like in it.
 bool is_zero(term_ptr t);
@@ -48,10 +99,7 @@ bool is_built_on_zero(term_ptr t) {
   }
 }
 
-bool is_zero(term_ptr t) {
-  return poly_rat_eqb(t, mk_integer(0)) || poly_rat_eqb(solver_numeric_calc_simplify(t), mk_integer(0)) ||
-         is_built_on_zero(t);
-}
+bool is_zero(term_ptr t) { return equals(t, 0) || is_built_on_zero(t); }
 
 bool is_negative_number(term_ptr exponent) {
   const auto value = solver_numeric_calc_eval_rational(exponent);
@@ -96,8 +144,8 @@ bool divides_by_zero(term_ptr t, node_set& met) {
 // The rule that divides by the root tells something at the point.
 bool tells(const branch_point& branch, term_span params, term_span point, domain_prover& facts) {
   term_ptr slope = solver_func_substitute_args(branch.slope, params, point);
-  return slope != nullptr &&
-         (!is_zero(slope) || facts.nonzero(solver_func_substitute_args(branch.radicand, params, point)));
+  return slope != nullptr && (!is_zero(with_special_values(slope)) ||
+                              facts.nonzero(solver_func_substitute_args(branch.radicand, params, point)));
 }
 
 class known_derivatives {
@@ -141,7 +189,8 @@ term_ptr derivative_value(term_ptr body, term_span params, std::span<const deriv
   }
   node_set met;
   const auto at_point = [&](term_ptr t) { return solver_func_substitute_args(t, params, point); };
-  if (divides_by_zero(at_point(body), met)) {
+  const auto ends = [&](term_ptr t) { return t == nullptr || divides_by_zero(with_special_values(t), met); };
+  if (ends(at_point(body))) {
     return nullptr;
   }
   term_ptr derived = body;
@@ -160,7 +209,7 @@ term_ptr derivative_value(term_ptr body, term_span params, std::span<const deriv
   const bool all_tell = std::all_of(branches.begin(), branches.end(),
                                     [&](const branch_point& branch) { return tells(branch, params, point, facts); });
   term_ptr value = all_tell ? at_point(derived) : nullptr;
-  return value == nullptr || divides_by_zero(value, met) ? nullptr : value;
+  return ends(value) ? nullptr : value;
 }
 
 term_ptr reduce_known_derivatives(term_ptr t, domain_prover& facts) { return known_derivatives(facts).reduce(t); }

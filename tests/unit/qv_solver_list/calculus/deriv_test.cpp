@@ -93,6 +93,8 @@ TEST_F(deriv_test, answers) {
       {{}, "FunDeri(fun x . csc(x) - csc(x), 1, 1, 0) = 0", false},
       {{}, "FunDeri(fun x . x + 0 * ln(x), 1, 1, 0) = 1", false},
       {{}, "FunDeri(fun x . (1 / x)^0, 1, 1, 0) = 0", false},
+      {{}, "FunDeri(fun x . 1 / arctan(x^3), 1, 1, 0) = 0", false},
+      {{}, "FunDeri(fun x . 1 / ln(cosh(x^2)), 1, 1, 0) = 0", false},
   };
   for (const row& r : rows) {
     solve_data sdata;
