@@ -244,6 +244,8 @@ TEST_F(rewrite_in_test, sums) {
           {at_least_one, "sum_{k = 1}^{n}(f(k)) = c", "sum_{j = 1}^{n}(g(j)) = c", ""},
           {"forall (k), k ≠ 0 ⇒ f(k) = g(k)", "sum_{k = 1}^{n}(f(k)) = c", "sum_{k = 1}^{n}(g(k)) = c", ""},
           {"forall (k), k < 0 ⇒ f(k) = g(k)", "sum_{k = m}^{-1}(f(k)) = c", "sum_{k = m}^{-1}(g(k)) = c", ""},
+          {"forall (k), m > 0 ⇒ f(k) = g(k)", "sum_{k = 1}^{n}(f(k)) = c", "sum_{k = 1}^{n}(g(k)) = c",
+           not_on_range("m > 0")},
           {at_least_one, "sum_{k = 0}^{n}(f(k)) = c", "sum_{k = 0}^{n}(g(k)) = c", not_on_range("k ≥ 1")},
           {at_least_one, "sum_{1 = k}^{∞}(f(k)) = c", "sum_{k = 1}^{∞}(g(k)) = c", ""},
           {rule, "sum_{k = 1}^{n}(f(k)) = c", "sum_{k = 2}^{n}(g(k)) = c", closed},
