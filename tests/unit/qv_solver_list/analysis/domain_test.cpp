@@ -194,6 +194,7 @@ TEST_F(definedness, by_operator) {
                                                       {{}, "1 / sin(π / 6) + y^(log(2, 8))"}};
   const std::initializer_list<solver_case> open = {{{}, "1 / x"},
                                                    {{"x ≠ 0"}, "1 / (x + y)"},
+                                                   {{"x ≠ 0"}, "1 / sin(x)"},
                                                    {{}, "sqrtn(2, x)"},
                                                    {{}, "sqrtn(n, x)"},
                                                    {{}, "sqrtn(0, 4)"},
