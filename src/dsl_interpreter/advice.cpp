@@ -70,8 +70,8 @@ std::size_t likeness(const node_set& a, term_ptr whole, term_ptr t) {
   return a.empty() || b.empty() ? 0 : 200 * static_cast<std::size_t>(common) / (a.size() + b.size());
 }
 
-// "hypothesis 3 is the formula that ...", or the one that is nearest to it.
-std::string hypothesis_like(const proof_gap_full& gap, term_ptr t, const char* what) {
+// "hypothesis 3 is the formula that ...", or the one that is nearest to it, but for one that is known already.
+std::string hypothesis_like(const proof_gap_full& gap, term_ptr t, const char* what, term_ptr known = nullptr) {
   if (t == nullptr) {
     return {};
   }
@@ -85,7 +85,8 @@ std::string hypothesis_like(const proof_gap_full& gap, term_ptr t, const char* w
   std::size_t best = similar;
   std::size_t number = 0;
   for (std::size_t i = 0; i < gap.assum.size(); ++i) {
-    if (const std::size_t score = likeness(nodes, t, gap.assum[i]); score > best) {
+    const std::size_t score = gap.assum[i] == known ? 0 : likeness(nodes, t, gap.assum[i]);
+    if (score > best) {
       best = score;
       number = i + 1;
     }
@@ -199,7 +200,7 @@ std::string suggestion_for(const dsl_execute_data& data, const fault& about) {
     case diagnostic_code::premise_mismatch:
     case diagnostic_code::side_condition:
     case diagnostic_code::rule_premise:
-      return hypothesis_like(gap, about.needed, "the formula that is needed");
+      return hypothesis_like(gap, about.needed, "the formula that is needed", about.given);
     case diagnostic_code::conclusion_mismatch:
       return hypothesis_like(gap, gap.goal, "the goal");
     case diagnostic_code::no_such_theorem:

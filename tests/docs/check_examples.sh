@@ -4,6 +4,7 @@
 # Each heading of the first two levels starts a fresh folder that holds the default files of tests/cases. In it, in the order of
 # the text, blocks between ``` fences count by the word behind the opening fence:
 #     gap, script, library, config   written to gap.txt, script.txt, library.txt, config.ini
+#     repair                         written to repair.txt
 #     trace                          vetro runs; the block shows the steps of its execute log
 #     error, stderr                  vetro runs; the block shows its error log, its standard error
 #     console                        lines behind "$ " are commands, the lines between them show their output
@@ -24,6 +25,7 @@ different=0
 rm -rf "$scratch"
 mkdir -p "$blocks" "$scratch/bin"
 ln -s "$vetro" "$scratch/bin/vetro"
+[ ! -e "$(dirname "$vetro")/vetro-check" ] || ln -s "$(dirname "$vetro")/vetro-check" "$scratch/bin/vetro-check"
 PATH=$scratch/bin:$PATH
 
 start_folder() {
@@ -31,6 +33,7 @@ start_folder() {
   mkdir -p "$folder/build/release/src" "$folder/build/logs"
   cp "$source_folder"/tests/cases/default/* "$folder"
   ln -s "$vetro" "$folder/build/release/src/vetro"
+  [ ! -e "$scratch/bin/vetro-check" ] || ln -s "$scratch/bin/vetro-check" "$folder/build/release/src/vetro-check"
   ln -s "$source_folder/examples" "$folder/examples"
 }
 
@@ -69,7 +72,7 @@ examples=0
 for block in "$blocks"/*; do
   case $block in
     *.heading) start_folder "$(basename "$block" .heading)" ;;
-    *.gap | *.script | *.library) cp "$block" "$folder/${block##*.}.txt" ;;
+    *.gap | *.script | *.library | *.repair) cp "$block" "$folder/${block##*.}.txt" ;;
     *.config) cp "$block" "$folder/config.ini" ;;
     *.trace)
       run_vetro

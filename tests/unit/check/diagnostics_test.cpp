@@ -2,6 +2,8 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <fstream>
+#include <iterator>
 #include <string>
 
 #include "check/examine.h"
@@ -128,6 +130,18 @@ TEST(check_diagnostics, each_fault_has_its_code_its_place_and_its_advice) {
     EXPECT_EQ(place_of(*d), r.place) << r.code;
     EXPECT_EQ(d->suggestion, r.suggestion) << r.code;
   }
+}
+
+// The table in docs/check.md has a row for each code, in the order of the program's own.
+TEST(check_diagnostics, the_document_lists_all_codes) {
+  std::string expected;
+  for (const diagnostic_row& r : diagnostic_rows()) {
+    expected += "| `" + std::string(r.name) + "` | " + std::string(severity_name(r.level)) + " | " +
+                std::string(r.meaning) + " |\n";
+  }
+  std::ifstream file(VETRO_DOCS_FOLDER "/check.md");
+  const std::string document{std::istreambuf_iterator<char>(file), {}};
+  EXPECT_NE(document.find(expected), std::string::npos) << expected;
 }
 
 }  // namespace
