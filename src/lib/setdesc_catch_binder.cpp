@@ -25,6 +25,9 @@ class setdesc_normalizer {
   explicit setdesc_normalizer(term_ptr root) : known_(root) {}
 
   term_ptr normalize(term_ptr t) {
+    if (!t->has(fact_binding)) {  // no set-builder below
+      return t;
+    }
     const auto part = [this](term_ptr below) { return normalize(below); };
     constexpr unsigned parts =
         walk_body | walk_lambda_vars | walk_quant_vars | walk_tag_vars | walk_elements | walk_scope | keep_meta;
@@ -110,7 +113,7 @@ class binder_catcher {
 
  private:
   term_ptr visit(term_ptr t) {
-    if (t->children().empty() && t->scope() == nullptr) {
+    if (!speaks_of_names(t)) {
       return t;
     }
     const auto visited = [&] {
@@ -119,6 +122,9 @@ class binder_catcher {
     };
     return known_.get(t, visited, around_.number_for(t));
   }
+
+  // Only what binds or guards gets a record.
+  static bool speaks_of_names(term_ptr t) { return t->has(fact_binding) || t->has(fact_guard) || t->has(fact_landau); }
 
   term_ptr visit_content(term_ptr t) {
     const auto part = [this](term_ptr below) { return visit(below); };

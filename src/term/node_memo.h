@@ -114,7 +114,8 @@ class node_set {
   node_memo<nothing> met_;
 };
 
-// What a walk makes of the nodes of one term. Remembers nothing where the whole is small, nor what has no parts.
+// What a walk makes of the nodes of one term. Remembers nothing where the whole is small, nor the small parts of a
+// large one: to walk such a part again costs no more than its size, and most nodes are parts of this kind.
 template <class Value>
 class walk_memo {
  public:
@@ -122,10 +123,11 @@ class walk_memo {
 
   template <class Make>
   Value get(term_ptr t, Make&& make, std::uint64_t number = 0) {
-    return active_ && !t->children().empty() ? known_.get(t, make, number) : make();
+    return active_ && t->size() >= small_part ? known_.get(t, make, number) : make();
   }
 
  private:
+  static constexpr std::uint32_t small_part = 12;
   bool active_;
   node_memo<Value> known_;
 };
