@@ -51,8 +51,8 @@ term_ptr map_arguments(term_ptr t, unsigned count, F&& f);
 template <class P>
 bool any_subterm(term_ptr t, unsigned parts, P&& pred);
 
-// What f(node, below) makes of t, where below(part) gives the same of a part. Comes to each node once; what has neither
-// parts nor metadata stands for itself. Null gives null.
+// What f(node, below) makes of t, where below(part) gives the same of a part. Comes to each node once, but for
+// small ones; what has neither parts nor metadata stands for itself. Null gives null.
 template <class F>
 term_ptr transform(term_ptr t, F&& f);
 
