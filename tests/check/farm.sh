@@ -1,9 +1,10 @@
 #!/bin/sh
 # The recipes for several machines report what one run reports: farm.sh VETRO_CHECK PROJECT_FOLDER SCRATCH_FOLDER.
 #
-# Slurm is a stand-in here (farm_slurm.sh takes the real one): an sbatch that, as the real one does, copies the script away, runs it in the folder of the call
-# once for each task of an array, and keeps dependencies in order, as each job ends before the next is taken. GNU parallel is
-# the real one where it is installed, with a stand-in for ssh that runs commands here and loses one host.
+# Slurm is a stand-in here (farm_slurm.sh takes the real one): an sbatch that, as the real one does, copies the script
+# away, runs it in the folder of the call once for each task of an array, and keeps dependencies in order, as each job ends
+# before the next is taken. GNU parallel is the real one where it is installed, with a stand-in for ssh that runs commands
+# here and loses one host.
 set -u
 
 VETRO_CHECK=$1

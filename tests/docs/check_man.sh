@@ -55,6 +55,8 @@ page_statuses() { sed -n '/^\.Sh EXIT STATUS/,/^\.Sh EXAMPLES/s/^\.It \([0-9]\)$
 same "exit statuses of vetro-check and its page" \
   "$("$check" --help | sed -n '/^Exit status/,$p' | grep -oE '(:|,) *[0-9]' | tr -dc '0-9\n')" \
   "$(page_statuses "$pages/vetro-check.1")"
+same "outcomes of vetro-check" "$(sed -nE 's/^\| ([a-z ]+) \| `[a-z-]+` \|.*\| ([0-5]) \|$/\1 \2/p' "$docs/check.md")" \
+  "$(sed -nE 's/^\.It Em ([a-z ]+) Pq ([0-5])$/\1 \2/p' "$pages/vetro-check.1")"
 same "instructions" "$(grep -oE '^\| \[`[a-z_]+`\]\(#' "$docs/script_language.md" | tr -dc 'a-z_\n')" \
   "$(sed -n 's/^\.It Ic \([a-z_]*\).*/\1/p' "$pages/vetro-script.5")"
 same "keys of configurations" "$(sed -nE 's/^\| `[A-Z_]+` \| `([A-Z_]+)`.*/\1/p' "$docs/configuration.md")" \
