@@ -300,9 +300,11 @@ std::uint32_t rational_registry::sum_number(poly p) {
   const auto number = static_cast<std::uint32_t>(sums_.size());
   const bool has_roots =
       std::any_of(p.begin(), p.end(), [this](const poly_term& t) { return pdata.has_root(t.monomial); });
+  const bool has_whole_roots =
+      std::any_of(p.begin(), p.end(), [this](const poly_term& t) { return pdata.has_whole_root(t.monomial); });
   const bool special =
       std::any_of(p.begin(), p.end(), [this](const poly_term& t) { return is_special_monomial(t.monomial); });
-  sums_.push_back({std::move(p), has_roots, special});
+  sums_.push_back({std::move(p), has_roots, has_whole_roots, special});
   sum_numbers_.emplace(hash, number);
   return number;
 }
@@ -356,6 +358,16 @@ bool rat_is_const(const rat& r, exact* out) {
 bool rat_is_canonical(const rational_registry& registry, const rat& r) {
   return r.sums.empty() ||
          (r.sums.size() == 1 && r.sums.front().exp == 1 && !registry.sum_has_roots(r.sums.front().sum));
+}
+
+bool rat_surely_differ(const rational_registry& registry, const rat& a, const rat& b) {
+  const auto roots_in_one_sum = [&registry](const rat& r) {
+    return !r.pole && !registry.pdata.has_root(r.monomial) &&
+           (r.sums.empty() ||
+            (r.sums.size() == 1 && r.sums.front().exp == 1 && !registry.sum_has_whole_roots(r.sums.front().sum)));
+  };
+  return (rat_is_canonical(registry, a) && rat_is_canonical(registry, b)) ||
+         (roots_in_one_sum(a) && roots_in_one_sum(b));
 }
 
 rat rat_from_poly(rational_registry& registry, poly p) {
@@ -523,7 +535,7 @@ bool rat_eq(rational_registry& registry, const rat& a, const rat& b) {
   if (a.pole || a == b) {
     return true;
   }
-  if (rat_is_canonical(registry, a) && rat_is_canonical(registry, b)) {
+  if (rat_surely_differ(registry, a, b)) {
     return false;
   }
   const signed_rat difference[] = {{&a, false}, {&b, true}};

@@ -47,6 +47,7 @@ class rational_registry {
   std::uint32_t sum_number(poly p);  // of a sum in the normal form above, with two terms or more
   const poly& sum(std::uint32_t number) const { return sums_[number].terms; }
   bool sum_has_roots(std::uint32_t number) const { return sums_[number].has_roots; }
+  bool sum_has_whole_roots(std::uint32_t number) const { return sums_[number].has_whole_roots; }
 
   // Keys that stand for no single finite value. Marked before they stand in a sum.
   void mark_special(std::int32_t key);
@@ -58,6 +59,7 @@ class rational_registry {
   struct registered_sum {
     poly terms;
     bool has_roots;
+    bool has_whole_roots;
     bool is_special;
   };
   bool is_special_monomial(monomial_id m) const;
@@ -78,6 +80,9 @@ bool rat_is_const(const rat& r, exact* out);  // out may be null
 // A form that is equal to another such form only if it is the same: a single term, or a sum with a number and a
 // monomial before it.
 bool rat_is_canonical(const rational_registry& registry, const rat& r);
+// Two different forms that cannot be equal: both are canonical, or both have roots in one sum only, with proper
+// fractions as exponents, so that nothing in their difference could be worked out further.
+bool rat_surely_differ(const rational_registry& registry, const rat& a, const rat& b);
 
 rat rat_from_poly(rational_registry& registry, poly p);
 // The numerator multiplied out. The denominator, with exponent 1, goes to *denominator.

@@ -45,7 +45,7 @@ std::size_t rational_domain::rat_hash::operator()(const rat& r) const {
 rational_domain::value rational_domain::known_equal(const value& v) {
   const bool canonical = rat_is_canonical(registry_, v->r);
   const auto is_equal = [&](const value& known) {
-    return !(canonical && rat_is_canonical(registry_, known->r)) && registry_.pdata.charge(1) && equal(v, known);
+    return !rat_surely_differ(registry_, v->r, known->r) && registry_.pdata.charge(1) && equal(v, known);
   };
   const auto first_in = [&](const std::vector<value>& list) {
     const auto found = std::find_if(list.begin(), list.end(), is_equal);
