@@ -9,9 +9,9 @@
 #include "platform/large_stack.h"
 #include "term/compare.h"
 #include "term/pattern_match.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/state.h"
-#include "term/substitute.h"
+#include "term/substitute/plain.h"
 
 namespace vetro {
 namespace {

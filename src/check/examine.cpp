@@ -11,7 +11,7 @@
 #include "platform/text_file.h"
 #include "qv_solver_list/solver_shapes.h"
 #include "run/proof_run.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/state.h"
 
 namespace vetro {

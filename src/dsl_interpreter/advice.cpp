@@ -9,7 +9,7 @@
 #include "qv_solver_list/solver_registry.h"
 #include "qv_solver_list/solver_shapes.h"
 #include "term/compare.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/relation.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"

@@ -7,7 +7,7 @@
 
 #include "dsl_interpreter/advice.h"
 #include "term/compare.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {

@@ -3,7 +3,7 @@
 
 #include "lib/dsl_form.h"
 #include "lib/log_stream.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 
 namespace vetro {
 namespace {

@@ -2,7 +2,7 @@
 // step is the gap before the next).
 #include "dsl_interpreter/gap_texts.h"
 
-#include "term/print.h"
+#include "term/print/pretty.h"
 
 namespace vetro {
 

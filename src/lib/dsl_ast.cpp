@@ -3,7 +3,7 @@
 #include "lib/dsl_ast.h"
 
 #include "lib/dsl_form.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/report.h"
 
 namespace vetro {

@@ -38,8 +38,10 @@ enum dsl_term_type : std::uint8_t { dsl_obvious = 0, dsl_hypo, dsl_thm, dsl_goal
 enum rewrite_direction : std::uint8_t { re_left2right = 0, re_right2left };
 enum rewrite_hypo_type : std::uint8_t { re_equation = 0, re_iff };
 enum rewrite_in_context : std::uint8_t { rewrite_in_limit = 0, rewrite_in_sum, rewrite_in_setdesc };
-enum or_intro_side : std::uint8_t { or_intro_left = 0, or_intro_right };
-enum dsl_assert_mode : std::uint8_t { dsl_assert_auto = 0, dsl_assert_by_proof, dsl_assert_by_admit };
+enum class or_intro_side : std::uint8_t { or_intro_left = 0, or_intro_right };
+using enum or_intro_side;
+enum class dsl_assert_mode : std::uint8_t { dsl_assert_auto = 0, dsl_assert_by_proof, dsl_assert_by_admit };
+using enum dsl_assert_mode;
 enum auto_replace_hypo_mode : std::uint8_t { ar_all_hypothesis = 0, ar_no_hypothesis, ar_specific_hypothesis };
 
 // A reference with its claimed formula.

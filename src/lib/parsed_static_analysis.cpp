@@ -5,7 +5,7 @@
 
 #include "lib/application.h"
 #include "lib/semantic_term.h"
-#include "term/substitute.h"
+#include "term/substitute/plain.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
 
@@ -190,7 +190,7 @@ class static_analysis {
     bool bound = false;
     if (head == BigSumSup || head == BigProdSup || head == BigUnionSup || head == BigInterSup) {
       bound = unit_is_index(app.args[0], app.args[1]);
-    } else if (head >= Lim && head <= RightLimInf) {
+    } else if (is_function_limit(static_cast<oper_type>(head))) {
       bound = is_unit(app.args[0]);
     }
     if (!bound) {

@@ -1,7 +1,7 @@
 // The three states of a gap, and its two printed layouts.
 #include "lib/proof_gap.h"
 
-#include "term/print.h"
+#include "term/print/pretty.h"
 
 namespace vetro {
 namespace {

@@ -11,7 +11,8 @@ namespace vetro {
 __extension__ typedef __int128 wide_int;
 __extension__ typedef unsigned __int128 wide_uint;
 
-enum cnum_tag : std::uint8_t { CNUM_FINITE = 0, CNUM_NAN = 1 };
+enum class cnum_tag : std::uint8_t { CNUM_FINITE = 0, CNUM_NAN = 1 };
+using enum cnum_tag;
 
 // A finite value is reduced, with den at least 1 (zero is 0/1), so that equal values have equal fields. Not-a-number is
 // 0/0. num may be the least 64-bit value.

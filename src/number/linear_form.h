@@ -51,6 +51,4 @@ inline linear_form linear_sum(const linear_form& a, const linear_form& b, const 
   return sum;
 }
 
-inline linear_form linear_scaled(const linear_form& a, const exact& scale) { return linear_sum({}, a, scale); }
-
 }  // namespace vetro

@@ -22,11 +22,12 @@
 
 namespace vetro {
 
-enum factor_kind : std::uint8_t {
+enum class factor_kind : std::uint8_t {
   F_ATOM = 0,      // an opaque value; its power with a rational exponent is its exponent here
   F_POW = 1,       // a base that has a form of its own, under a fractional exponent
   F_SYMBOLIC = 2,  // a base under an exponent that is no number
 };
+using enum factor_kind;
 
 struct factor {
   std::int32_t key;  // from 1 on
@@ -60,7 +61,6 @@ class poly_data {
   // The key's number; the same words and kind always give the same number.
   std::int32_t intern_key(factor_kind kind, const key_words& words);
   factor_kind kind_of(std::int32_t key) const { return kinds_[static_cast<std::size_t>(key)]; }
-  std::int32_t last_key() const { return static_cast<std::int32_t>(kinds_.size()) - 1; }
 
   // Factors must be sorted by key, each once.
   monomial_id intern_monomial(std::span<const factor> factors);

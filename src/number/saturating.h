@@ -7,8 +7,10 @@
 
 namespace vetro {
 
-enum rat_kind : std::uint8_t { RAT_FINITE = 0, RAT_POS_INF = 1, RAT_NEG_INF = 2 };
-enum sat_dir : std::uint8_t { SAT_FOR_LOWER = 0, SAT_FOR_UPPER = 1 };
+enum class rat_kind : std::uint8_t { RAT_FINITE = 0, RAT_POS_INF = 1, RAT_NEG_INF = 2 };
+using enum rat_kind;
+enum class sat_dir : std::uint8_t { SAT_FOR_LOWER = 0, SAT_FOR_UPPER = 1 };
+using enum sat_dir;
 
 // A finite value is in lowest terms with den > 0 (zero is 0/1), so that equal values have equal fields.
 struct rational {

@@ -6,7 +6,7 @@
 
 #include "diagnostics/diagnostics.h"
 #include "parser/readable_error.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/report.h"
 
 namespace vetro {

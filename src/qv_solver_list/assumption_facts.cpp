@@ -4,7 +4,7 @@
 
 #include <algorithm>
 
-#include "term/substitute.h"
+#include "term/substitute/fresh.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {

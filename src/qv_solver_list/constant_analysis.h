@@ -6,11 +6,12 @@
 
 namespace vetro {
 
-enum solver_const_real_status : std::uint8_t {
+enum class solver_const_real_status : std::uint8_t {
   SOLVER_CONST_REAL_UNKNOWN = 0,
   SOLVER_CONST_REAL_DEFINED = 1,
   SOLVER_CONST_REAL_UNDEFINED = 2,
 };
+using enum solver_const_real_status;
 
 // Whether expr is made only of constants and applications of operators to one or two operands, at most 64 deep. sin(1)
 // is closed, although nothing is known of its value.

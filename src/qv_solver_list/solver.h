@@ -30,7 +30,8 @@ struct solve_data {
   mutable std::shared_ptr<assumption_facts> facts = nullptr;
 };
 
-enum res_type : unsigned char { bool_res = 0, termlist_and = 1, termlist_or = 2 };
+enum class res_type : unsigned char { bool_res = 0, termlist_and = 1, termlist_or = 2 };
+using enum res_type;
 
 // The result of a one-step solver: an answer, or sub-targets that all (and) or of which one (or) must hold.
 struct solve_res {

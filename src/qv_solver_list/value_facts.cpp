@@ -117,8 +117,6 @@ value_facts facts_of_value(const exact& value) {
   return out;
 }
 
-value_facts facts_of_class(number_class c, sign_class s) { return of_class(c, s); }
-
 value_facts facts_of_imaginary_unit() {
   value_facts out = of_class(number_class::complex, any);
   out.no_real = true;

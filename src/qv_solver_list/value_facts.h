@@ -37,7 +37,6 @@ struct value_facts {
 };
 
 value_facts facts_of_value(const exact& value);  // beyond: nothing known
-value_facts facts_of_class(number_class c, sign_class s = sign_class::any);
 value_facts facts_of_imaginary_unit();
 
 // What a membership in the constant set says; nothing for another constant.

@@ -8,7 +8,7 @@
 
 #include "lib/dsl_parser.h"
 #include "lib/proof_gap_parser.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/report.h"
 
 namespace vetro {

@@ -13,7 +13,7 @@
 #include "dsl_interpreter/dsl_trace.h"
 #include "platform/file_identity.h"
 #include "platform/json_text.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/report.h"
 
 namespace vetro {

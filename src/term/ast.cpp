@@ -522,7 +522,7 @@ std::string_view lambda_base_type_name(lambda_base_type base) {
 }
 
 lambda_base_type lambda_base_type_from_name(std::string_view name, bool* ok) {
-  for (int base = LambdaInteger; base <= LambdaComplex; ++base) {
+  for (int base = 0; base <= static_cast<int>(LambdaComplex); ++base) {
     if (lambda_base_type_name(static_cast<lambda_base_type>(base)) == name) {
       if (ok != nullptr) {
         *ok = true;

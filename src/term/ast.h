@@ -28,9 +28,10 @@ using term_ptr = const term*;
 using term_list = std::vector<term_ptr>;  // the empty list is the null list
 using term_span = std::span<const term_ptr>;
 
-enum lambda_type_kind : std::uint8_t { LambdaTypeBase = 0, LambdaTypeFunc = 1 };
+enum class lambda_type_kind : std::uint8_t { LambdaTypeBase = 0, LambdaTypeFunc = 1 };
+using enum lambda_type_kind;
 
-enum lambda_base_type : std::uint8_t {
+enum class lambda_base_type : std::uint8_t {
   LambdaInteger = 0,
   LambdaPosInteger,
   LambdaNegInteger,
@@ -48,6 +49,7 @@ enum lambda_base_type : std::uint8_t {
   LambdaNonNegReal,
   LambdaComplex
 };
+using enum lambda_base_type;
 
 // The type of a lambda parameter. Interned like terms: equal types have equal addresses.
 struct lambda_type {
@@ -59,7 +61,7 @@ struct lambda_type {
 using lambda_type_ptr = const lambda_type*;
 using lambda_var_type_list = std::vector<lambda_type_ptr>;
 
-enum stype : std::uint8_t {
+enum class stype : std::uint8_t {
   ST_Set = 0,
   ST_Func = 1,
   ST_Num = 2,
@@ -69,6 +71,7 @@ enum stype : std::uint8_t {
   ST_Seq = 6,
   ST_Unknown = 7
 };
+using enum stype;
 
 // Carried along with a term and never looked at. Nothing in this program assigns one.
 struct soft_type {

@@ -29,18 +29,6 @@ std::optional<number_set> number_set_of(term_ptr t) {
   return t != nullptr && t->type() == Const && !t->has_meta() ? number_set_of(t->constant()) : std::nullopt;
 }
 
-term_ptr number_set_term(const number_set& set) {
-  if (set.c == number_class::complex) {
-    return set.s == sign_class::any ? mk_const(ComplexSet) : nullptr;
-  }
-  for (std::size_t i = 0; i < signs_in_order.size(); ++i) {
-    if (signs_in_order[i] == set.s) {
-      return mk_const(static_cast<const_type>(IntegerSet + 5 * static_cast<int>(set.c) + static_cast<int>(i)));
-    }
-  }
-  return nullptr;
-}
-
 bool contains(const number_set& outer, const number_set& inner) {
   return inner.c <= outer.c && within(inner.s, outer.s);
 }

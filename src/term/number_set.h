@@ -49,9 +49,6 @@ std::optional<number_set> number_set_of(term_ptr t);
 // The same for lambda types and other places that name the sets by their kind.
 std::optional<number_set> number_set_of(const_type kind);
 
-// The constant of a set; null where none has that class and these signs.
-term_ptr number_set_term(const number_set& set);
-
 // Whether every number of `inner` is one of `outer`.
 bool contains(const number_set& outer, const number_set& inner);
 

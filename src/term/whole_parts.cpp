@@ -33,9 +33,7 @@ flat_application flat(term_ptr t) {
   return result;
 }
 
-bool is_infinite(term_ptr t) {
-  return t->type() == Const && (t->constant() == Infty || t->constant() == PosInfty || t->constant() == NegInfty);
-}
+bool is_infinite(term_ptr t) { return t->type() == Const && is_infinity(t->constant()); }
 
 // Operators and predicates that take a point, a bound or an end; the arguments that are one, as bits.
 struct point_row {
@@ -71,10 +69,6 @@ constexpr whole_part without(whole_part all, whole_part some) {
   return static_cast<whole_part>(static_cast<unsigned>(all) & ~static_cast<unsigned>(some));
 }
 
-bool is_big_operator(term_ptr head) {
-  return head->type() == Oper && head->oper() >= BigSum && head->oper() <= BigInterSup;
-}
-
 class whole_part_walk {
  public:
   whole_part parts(term_ptr t) {
@@ -105,7 +99,7 @@ class whole_part_walk {
   }
 
   static whole_part part_named(oper_type oper) {
-    if (oper >= BigO && oper <= RightLittleO) {
+    if (is_landau(oper)) {
       return whole_part::landau;
     }
     switch (oper) {
@@ -147,10 +141,10 @@ class whole_part_walk {
         continue;
       }
       const whole_part found = parts(whole.args[i]);
-      const bool names_start = i == 0 && is_big_operator(whole.head);
+      const bool names_start = i == 0 && whole.head->type() == Oper && is_big_operator(whole.head->oper());
       result = result | (names_start ? without(found, whole_part::infinity_value) : found);
     }
-    if (whole.head->type() == Oper && whole.head->oper() >= IndefInt && whole.head->oper() <= VolumeInt) {
+    if (whole.head->type() == Oper && is_integral(whole.head->oper())) {
       return without(result, differential);  // an integral takes them up
     }
     return divides_by_differential(whole) ? result | whole_part::differential_quotient : result;

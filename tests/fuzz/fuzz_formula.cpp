@@ -4,7 +4,7 @@
 #include <string>
 
 #include "parser/parser_api.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/state.h"
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {

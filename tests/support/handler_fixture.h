@@ -11,7 +11,7 @@
 #include "lib/thm_lib.h"
 #include "qv_solver_list/solver_registry.h"
 #include "support/run_fixture.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 
 namespace vetro::test {
 

@@ -4,7 +4,7 @@
 #include <string>
 
 #include "parser/parser_api.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 
 namespace vetro {
 

@@ -12,7 +12,7 @@
 #include "qv_solver_list/solver_list.h"
 #include "qv_solver_list/solver_registry.h"
 #include "term/pattern_match.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/state.h"
 
 namespace vetro {

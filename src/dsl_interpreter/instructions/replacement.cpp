@@ -19,7 +19,7 @@ constexpr std::size_t no_argument = application::most_args;
 // The argument that says what a notation binds or speaks of.
 std::size_t index_argument(int head) {
   const bool first = (BigSum <= head && head <= RightLimInf) || (BigO <= head && head <= RightLittleO) ||
-                     (SeqTendsTo <= head && head <= RightAsymEquiv);
+                     has_tendency_index(static_cast<pred_type>(head));
   return first ? 0 : head == ValDeri ? 1 : no_argument;
 }
 

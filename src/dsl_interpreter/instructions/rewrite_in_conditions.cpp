@@ -35,7 +35,7 @@ bool prove_relation_pure(term_ptr left, pred_type pred, term_ptr right, const so
 
 // ---- Points and infinities.
 
-bool is_infty(term_ptr t) { return t->type() == Const && Infty <= t->constant() && t->constant() <= NegInfty; }
+bool is_infty(term_ptr t) { return t->type() == Const && is_infinity(t->constant()); }
 
 bool is_plus_infty(term_ptr t) { return is_infty(t) && t->constant() != NegInfty; }
 

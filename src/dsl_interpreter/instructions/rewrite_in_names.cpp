@@ -5,8 +5,10 @@
 #include <string>
 
 #include "term/state.h"
-#include "term/substitute.h"
+#include "term/substitute/fresh.h"
+#include "term/substitute/instantiate.h"
 #include "term/traverse.h"
+#include "term/variables/free_names.h"
 
 namespace vetro {
 namespace {

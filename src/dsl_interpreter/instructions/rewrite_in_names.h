@@ -8,7 +8,7 @@
 
 #include "dsl_interpreter/instructions/rewrite_in_rule.h"
 #include "qv_solver_list/solver.h"
-#include "term/substitute.h"
+#include "term/substitute/fresh.h"
 
 namespace vetro {
 

@@ -8,7 +8,7 @@
 #include "dsl_interpreter/instructions/rewrite_in_context.h"
 #include "dsl_interpreter/instructions/rewrite_in_match.h"
 #include "term/compare.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/term_split_combine.h"
 #include "term/variables/entries.h"
 #include "term/variables/free_names.h"

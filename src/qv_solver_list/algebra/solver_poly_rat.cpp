@@ -116,7 +116,8 @@ bool solver_poly_rat_eqb(term_ptr target, const solve_data& /*sdata*/) {
 
 namespace {
 
-enum decision_rel_type : std::uint8_t { decision_rel_eq = 1, decision_rel_lt = 2, decision_rel_le = 3 };
+enum class decision_rel_type : std::uint8_t { decision_rel_eq = 1, decision_rel_lt = 2, decision_rel_le = 3 };
+using enum decision_rel_type;
 
 // left - right rel 0.
 struct decision_normal_form {

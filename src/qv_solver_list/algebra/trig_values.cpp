@@ -12,12 +12,13 @@
 namespace vetro {
 namespace {
 
-enum trig_kind : std::uint8_t {
+enum class trig_kind : std::uint8_t {
   TRIG_RAT = 0,         // value1 / value2
   TRIG_ROOT_HALF = 1,   // sign * root(value1) / 2
   TRIG_ROOT_THIRD = 2,  // sign * root(3) / 3
   TRIG_ROOT_WHOLE = 3,  // sign * root(3)
 };
+using enum trig_kind;
 
 // The value of op at num / den * π, an angle below 2π.
 struct trig_rule {

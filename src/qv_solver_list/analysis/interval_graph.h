@@ -12,7 +12,8 @@
 
 namespace vetro {
 
-enum ex_kind : std::uint8_t { EX_VAR = 0, EX_CONST = 1, EX_UNOP = 2, EX_BINOP = 3, EX_OPAQUE = 4 };
+enum class ex_kind : std::uint8_t { EX_VAR = 0, EX_CONST = 1, EX_UNOP = 2, EX_BINOP = 3, EX_OPAQUE = 4 };
+using enum ex_kind;
 
 class interval_graph {
  public:

@@ -25,10 +25,8 @@ enum class sign_form : std::uint8_t {
   sum,       // first + second, first - second
   other,
 };
-inline constexpr std::size_t sign_form_count = 9;
 
 enum class sign_question : std::uint8_t { ge0, gt0, le0, lt0, neq0, obvious_ge0, obvious_le0, defined };
-inline constexpr std::size_t sign_question_count = 8;
 
 namespace sign_rules {
 

@@ -17,7 +17,9 @@
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
 #include "term/reserved.h"
-#include "term/substitute.h"
+#include "term/substitute/beta.h"
+#include "term/substitute/careful.h"
+#include "term/substitute/fresh.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
 #include "term/whole_parts.h"
@@ -25,7 +27,8 @@
 namespace vetro {
 namespace {
 
-enum cont_goal_kind : std::uint8_t { CONT_AT = 0, CONT_ON = 1 };
+enum class cont_goal_kind : std::uint8_t { CONT_AT = 0, CONT_ON = 1 };
+using enum cont_goal_kind;
 
 constexpr std::size_t most_unfoldings = 64;  // of named functions inside one another
 

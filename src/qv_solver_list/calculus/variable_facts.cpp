@@ -8,7 +8,8 @@
 #include "qv_solver_list/solver_preprocess.h"
 #include "term/build.h"
 #include "term/compare.h"
-#include "term/substitute.h"
+#include "term/substitute/careful.h"
+#include "term/substitute/fresh.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {

@@ -10,7 +10,7 @@
 
 #include "number/limits.h"
 #include "term/node_memo.h"
-#include "term/substitute.h"
+#include "term/substitute/beta.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
 #include "term/variables/binding.h"
@@ -137,7 +137,7 @@ bool is_entered(term_ptr head, term_span args) {
     case EvalBar:
       return !args.empty() && args.front()->type() == Lambda;
     default:
-      return !(head->oper() >= BigO && head->oper() <= RightLittleO);
+      return !is_landau(head->oper());
   }
 }
 

@@ -7,7 +7,8 @@
 #include "qv_solver_list/functions/conditions.h"
 #include "term/node_memo.h"
 #include "term/reserved.h"
-#include "term/substitute.h"
+#include "term/substitute/careful.h"
+#include "term/substitute/fresh.h"
 #include "term/term_split_combine.h"
 #include "term/variables/binding.h"
 #include "term/variables/free_names.h"
@@ -266,7 +267,9 @@ class definition_reader {
 
 // The number set of a parameter's type; nothing for the reals, which need no mention, and for types of functions.
 std::optional<const_type> set_of_type(const lambda_var_type_list& types, std::size_t i) {
-  const auto set_of = [](lambda_base_type base) { return static_cast<const_type>(int{IntegerSet} + int{base}); };
+  const auto set_of = [](lambda_base_type base) {
+    return static_cast<const_type>(int{IntegerSet} + static_cast<int>(base));
+  };
   if (i >= types.size() || types[i]->kind != LambdaTypeBase || types[i]->base == LambdaReal) {
     return std::nullopt;
   }

@@ -9,10 +9,11 @@
 
 namespace vetro {
 
-enum solver_func_piecewise_semantics : std::uint8_t {
+enum class solver_func_piecewise_semantics : std::uint8_t {
   SOLVER_FUNC_PIECEWISE_POINT_VALUE = 0,  // conditions are asked at the point
   SOLVER_FUNC_PIECEWISE_OPEN_AT = 1,      // conditions are asked in a neighbourhood of it
 };
+using enum solver_func_piecewise_semantics;
 
 struct solver_func_piecewise_select_options {
   solver_func_piecewise_semantics semantics = SOLVER_FUNC_PIECEWISE_POINT_VALUE;

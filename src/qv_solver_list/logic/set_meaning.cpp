@@ -6,7 +6,7 @@
 #include <array>
 
 #include "term/pattern_match.h"
-#include "term/substitute.h"
+#include "term/substitute/fresh.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {

@@ -7,12 +7,13 @@
 #include <unordered_set>
 
 #include "term/kinds.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/report.h"
 #include "term/reserved.h"
-#include "term/substitute.h"
+#include "term/substitute/careful.h"
 #include "term/term_split_combine.h"
 #include "term/variables/binding.h"
+#include "term/variables/free_names.h"
 #include "term/whole_parts.h"
 
 namespace vetro {
@@ -38,14 +39,6 @@ constexpr bool is_more_than_its_value(oper_type oper) {
     default:
       return false;
   }
-}
-
-constexpr bool is_derivative(oper_type oper) { return oper >= SingleDeri && oper <= ValDeri; }
-
-// Predicates of functions and sequences.
-constexpr bool is_of_function(pred_type pred) {
-  return (pred >= IsFunc && pred <= StrictMonoDecFuncOn) ||
-         (pred >= ContinuousFunc && pred <= ConditionalConvergentSeries && pred != SingularPoint);
 }
 
 // Operands beside the one that the notation itself speaks of (term/variables/binding.h). A name is ordinary there; an

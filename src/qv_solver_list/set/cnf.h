@@ -8,7 +8,15 @@
 
 namespace vetro {
 
-enum sat_term_type : unsigned char { SAT_VAR = 0, SAT_NOT = 1, SAT_AND = 2, SAT_OR = 3, SAT_IMPLY = 4, SAT_IFF = 5 };
+enum class sat_term_type : unsigned char {
+  SAT_VAR = 0,
+  SAT_NOT = 1,
+  SAT_AND = 2,
+  SAT_OR = 3,
+  SAT_IMPLY = 4,
+  SAT_IFF = 5
+};
+using enum sat_term_type;
 
 // One node. Operands are positions in the formula.
 struct sat_term {

@@ -15,7 +15,8 @@ namespace vetro {
 
 using literal_span = std::span<const int>;
 
-enum cdcl_result : int { cdcl_unsat = 0, cdcl_sat = 1, cdcl_exhausted = -2 };
+enum class cdcl_result : int { cdcl_unsat = 0, cdcl_sat = 1, cdcl_exhausted = -2 };
+using enum cdcl_result;
 
 // What is known of each variable.
 struct var_data {

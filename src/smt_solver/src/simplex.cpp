@@ -67,7 +67,6 @@ void simplex::add_entry(std::int32_t r, linear_var x, whole coefficient) {
   auto& entries = rows_[at(r)].entries;
   column.push_back({r, static_cast<std::int32_t>(entries.size())});
   entries.push_back({x, static_cast<std::int32_t>(column.size()) - 1, std::move(coefficient)});
-  ++entries_;
 }
 
 // The last entries of row and column take the places of the removed one.
@@ -85,7 +84,6 @@ void simplex::remove_entry(std::int32_t r, std::int32_t place) {
     vars_[at(moved.var)].column[at(moved.place)].place = place;
   }
   entries.pop_back();
-  --entries_;
 }
 
 // Multiplies the target by a positive number and adds a multiple of the source, so that x goes.

@@ -82,7 +82,6 @@ class simplex {
   void scatter();
 
   std::size_t pivots() const { return pivots_; }
-  std::size_t tableau_entries() const { return entries_; }
 
  private:
   struct bound {
@@ -194,7 +193,6 @@ class simplex {
   std::vector<exact> dense_;
   std::uint32_t random_ = 1;
   std::size_t pivots_ = 0;
-  std::size_t entries_ = 0;
 };
 
 }  // namespace vetro::smt

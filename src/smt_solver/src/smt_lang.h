@@ -86,7 +86,6 @@ class smt_language {
   const smt_prop_row& prop(smt_prop p) const { return props_[static_cast<std::size_t>(p)]; }
   std::span<const smt_term> arguments(smt_term t) const;
   std::size_t term_count() const { return terms_.size(); }
-  std::size_t prop_count() const { return props_.size(); }
 
  private:
   smt_term intern(const smt_term_row& row, std::span<const smt_term> arguments);

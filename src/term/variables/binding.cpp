@@ -238,7 +238,7 @@ index_reading read_landau_atom(term_ptr t, const outer_names& outer) {
 index_reading read_tendency_chain(term_ptr t, const outer_names& outer) {
   ordered_terms names;
   for (term_ptr pred : t->argument(0)->elements()) {
-    if (pred->type() != Apply || pred->head() < SeqTendsTo || pred->head() > RightAsymEquiv) {
+    if (pred->type() != Apply || !has_tendency_index(static_cast<pred_type>(pred->head()))) {
       continue;
     }
     for (term_ptr name : not_outer(plain_free_variables(pred->argument(0)), outer)) {

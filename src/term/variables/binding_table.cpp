@@ -226,7 +226,7 @@ bool holds_nabla_factor(term_ptr t) {
 bool holds_tendency_with_index(term_ptr chain) {
   const term_ptr preds = chain->argument(0);
   return preds->type() == TermList && std::any_of(preds->elements().begin(), preds->elements().end(), [](term_ptr p) {
-           return p->type() == Apply && p->head() >= SeqTendsTo && p->head() <= RightAsymEquiv;
+           return p->type() == Apply && has_tendency_index(static_cast<pred_type>(p->head()));
          });
 }
 
@@ -285,7 +285,7 @@ unsigned facts_of_head(int head) {
   switch (rows[place - 1].kind) {
     case binding_kind::index_part:
       // In a chain the partial application of a tendency speaks of its index.
-      return head >= SeqTendsTo ? fact_binding | fact_guard : fact_binding;
+      return has_tendency_index(static_cast<pred_type>(head)) ? fact_binding | fact_guard : fact_binding;
     case binding_kind::differentials:
     case binding_kind::set_element:
       return fact_binding;

@@ -47,19 +47,6 @@ std::optional<limit_view> limit_of(term_ptr t) {
                     .body = view.args[2]};
 }
 
-std::optional<landau_view> landau_of(term_ptr t) {
-  const operator_view view = operator_of(t);
-  if (!view.oper || view.count != 3 || !is_landau(*view.oper)) {
-    return std::nullopt;
-  }
-  return landau_view{.oper = *view.oper,
-                     .little = *view.oper >= LittleO,
-                     .side = side_of(*view.oper, BigO),
-                     .var = view.args[0],
-                     .point = view.args[1],
-                     .body = view.args[2]};
-}
-
 std::optional<sum_view> sum_of(term_ptr t) {
   const operator_view view = operator_of(t);
   if (!view.oper || !is_big_operator(*view.oper)) {
@@ -81,28 +68,6 @@ std::optional<set_view> set_description_of(term_ptr t) {
     return std::nullopt;
   }
   return set_view{view.args[0], view.args[1]->elements()};
-}
-
-std::optional<integral_view> integral_of(term_ptr t) {
-  const operator_view view = operator_of(t);
-  if (!view.oper || !is_integral(*view.oper)) {
-    return std::nullopt;
-  }
-  integral_view integral{
-      .oper = *view.oper, .lower = nullptr, .upper = nullptr, .domain = nullptr, .integrand = nullptr};
-  if (*view.oper == IndefInt && view.count == 1) {
-    integral.integrand = view.args[0];
-  } else if (*view.oper == DefInt && view.count == 3) {
-    integral.lower = view.args[0];
-    integral.upper = view.args[1];
-    integral.integrand = view.args[2];
-  } else if (*view.oper != IndefInt && *view.oper != DefInt && view.count == 2) {
-    integral.domain = view.args[0];
-    integral.integrand = view.args[1];
-  } else {
-    return std::nullopt;
-  }
-  return integral;
 }
 
 }  // namespace vetro

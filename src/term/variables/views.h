@@ -24,17 +24,6 @@ struct limit_view {
 };
 std::optional<limit_view> limit_of(term_ptr t);
 
-// bigO_{var → point}(body) and its kin.
-struct landau_view {
-  oper_type oper;
-  bool little;
-  approach_side side;
-  term_ptr var;
-  term_ptr point;
-  term_ptr body;
-};
-std::optional<landau_view> landau_of(term_ptr t);
-
 // A sum, product, union or intersection over an index part, with or without an upper bound.
 struct sum_view {
   oper_type oper;
@@ -50,16 +39,6 @@ struct set_view {
   term_span conditions;
 };
 std::optional<set_view> set_description_of(term_ptr t);
-
-// An integral of any kind. An indefinite one has neither bounds nor domain.
-struct integral_view {
-  oper_type oper;
-  term_ptr lower;
-  term_ptr upper;
-  term_ptr domain;
-  term_ptr integrand;
-};
-std::optional<integral_view> integral_of(term_ptr t);
 
 // The operator and the arguments behind it, up to four; no operator for any other shape.
 struct operator_view {

@@ -4,7 +4,7 @@
 #include "dsl_interpreter/dsl_instruction_table.h"
 #include "dsl_interpreter/dsl_trace.h"
 #include "support/run_fixture.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 
 namespace vetro::test {
 namespace {

@@ -12,7 +12,7 @@
 #include "parser/parser_api.h"
 #include "support/build_terms.h"
 #include "term/pattern_match.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/state.h"
 
 namespace vetro {

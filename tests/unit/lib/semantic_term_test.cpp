@@ -9,10 +9,10 @@
 #include "parser/parser_api.h"
 #include "support/build_terms.h"
 #include "term/compare.h"
-#include "term/free_variable.h"
 #include "term/pattern_match.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/state.h"
+#include "term/variables/free_variable.h"
 
 namespace vetro {
 namespace {

@@ -117,9 +117,9 @@ TEST(exact, decimal_texts) {
 }
 
 TEST(linear_form, sums_keep_atoms_sorted_and_nonzero) {
-  const linear_form form = linear_sum(linear_scaled(linear_atom(3), 2), linear_atom(1), exact(1) / 2);
+  const linear_form form = linear_sum(linear_sum({}, linear_atom(3), 2), linear_atom(1), exact(1) / 2);
   EXPECT_EQ(form.terms, (std::vector<std::pair<atom_id, exact>>{{1, exact(1) / 2}, {3, 2}}));
-  EXPECT_EQ(linear_sum(form, linear_atom(3), -2), linear_scaled(linear_atom(1), exact(1) / 2));
+  EXPECT_EQ(linear_sum(form, linear_atom(3), -2), linear_sum({}, linear_atom(1), exact(1) / 2));
   EXPECT_TRUE(linear_sum(form, form, -1).is_constant());
   EXPECT_FALSE(linear_sum(form, {exact::beyond(), {}}, 1).is_known());
 }

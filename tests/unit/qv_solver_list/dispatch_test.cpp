@@ -5,7 +5,6 @@
 #include "number/limits.h"
 #include "qv_solver_list/solvers.h"
 #include "support/solver_fixture.h"
-#include "term/substitute.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {

@@ -2,7 +2,7 @@
 #include "qv_solver_list/premises.h"
 
 #include "support/solver_fixture.h"
-#include "term/substitute.h"
+#include "term/substitute/fresh.h"
 
 namespace vetro {
 namespace {

@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "support/term_tools.h"
-#include "term/free_variable.h"
 #include "term/traverse.h"
+#include "term/variables/free_variable.h"
 
 namespace vetro {
 namespace {
@@ -202,8 +202,9 @@ TEST_F(ast_test, unknown_numbers_have_no_name) {
 
 TEST_F(ast_test, names_of_parameter_types) {
   bool ok = false;
-  for (int base = LambdaInteger; base <= LambdaComplex; ++base) {
-    EXPECT_EQ(lambda_base_type_from_name(const_type_internal(IntegerSet + base), &ok), base);
+  for (int base = 0; base <= static_cast<int>(LambdaComplex); ++base) {
+    EXPECT_EQ(lambda_base_type_from_name(const_type_internal(IntegerSet + base), &ok),
+              static_cast<lambda_base_type>(base));
     EXPECT_TRUE(ok);
   }
   for (const char* word : {"Nat", "Real", "PrimeSet", "realset", ""}) {

@@ -7,7 +7,6 @@
 #include <vector>
 
 #include "support/term_tools.h"
-#include "term/substitute.h"
 
 namespace vetro {
 namespace {

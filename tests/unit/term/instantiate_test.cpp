@@ -1,5 +1,7 @@
 // Instantiation without capture: by example, against brute-force evaluation of random formulas, and its cost on deep
 // and on shared terms.
+#include "term/substitute/instantiate.h"
+
 #include <gtest/gtest.h>
 
 #include <array>
@@ -11,10 +13,11 @@
 #include "support/formulas.h"
 #include "support/term_tools.h"
 #include "term/compare.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/state.h"
-#include "term/substitute.h"
+#include "term/substitute/careful.h"
 #include "term/term_split_combine.h"
+#include "term/variables/free_names.h"
 
 namespace vetro {
 namespace {

@@ -1,6 +1,4 @@
 // Both printers: every notation, the parentheses, names, scopes, failures, and the cost on deep terms.
-#include "term/print.h"
-
 #include <gtest/gtest.h>
 
 #include <cstddef>
@@ -9,6 +7,7 @@
 #include <vector>
 
 #include "support/build_terms.h"
+#include "term/print/pretty.h"
 
 namespace vetro {
 namespace {

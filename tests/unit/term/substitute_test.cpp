@@ -1,7 +1,5 @@
 // Fresh names, both substitutions, beta normalisation. Names that are drawn are part of what is tested: the counter
 // stands at 0 at the start of each test.
-#include "term/substitute.h"
-
 #include <gtest/gtest.h>
 
 #include <string>
@@ -9,6 +7,11 @@
 #include "number/limits.h"
 #include "support/term_tools.h"
 #include "term/compare.h"
+#include "term/substitute/beta.h"
+#include "term/substitute/careful.h"
+#include "term/substitute/fresh.h"
+#include "term/substitute/plain.h"
+#include "term/variables/free_names.h"
 
 namespace vetro {
 namespace {

@@ -7,7 +7,7 @@
 #include "qv_solver_list/solver_registry.h"
 #include "support/run_fixture.h"
 #include "term/compare.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
 

@@ -1,9 +1,9 @@
 // The pretty printer: the notation of print_table where it has a row, else head and arguments. The cost of a node is
 // independent of the size of its children.
-#include "term/print.h"
+#include "term/print/pretty.h"
 
-#include "term/print_parts.h"
-#include "term/print_table.h"
+#include "term/print/notation_table.h"
+#include "term/print/parts.h"
 #include "term/report.h"
 
 namespace vetro {

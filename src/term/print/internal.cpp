@@ -1,8 +1,8 @@
 // The internal printer: prefix notation for every application, which shows the tree. Only chains and points keep a form
 // of their own.
-#include "term/print.h"
-#include "term/print_parts.h"
-#include "term/print_table.h"
+#include "term/print/notation_table.h"
+#include "term/print/parts.h"
+#include "term/print/pretty.h"
 #include "term/report.h"
 
 namespace vetro {

@@ -1,6 +1,6 @@
 // The rows of the pretty printer, in the order of trial. A head has more than one row only where the first asks for a
 // TermList.
-#include "term/print_table.h"
+#include "term/print/notation_table.h"
 
 #include <algorithm>
 #include <array>

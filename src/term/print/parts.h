@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "term/ast.h"
-#include "term/print_table.h"
+#include "term/print/notation_table.h"
 
 namespace vetro::print_parts {
 

@@ -7,7 +7,7 @@
 #include <string_view>
 
 #include "term/ast.h"
-#include "term/print.h"
+#include "term/print/pretty.h"
 
 namespace vetro::print_table {
 

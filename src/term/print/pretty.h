@@ -10,7 +10,7 @@
 namespace vetro {
 
 // Binding strength of a printed term, weakest first.
-enum print_prec : int {
+enum class print_prec : int {
   PRINT_PREC_NONE = -1,
   PRINT_PREC_UNKNOWN = 0,
   PRINT_PREC_FUN,
@@ -33,6 +33,7 @@ enum print_prec : int {
   PRINT_PREC_APPLY,
   PRINT_PREC_ATOM
 };
+using enum print_prec;
 
 print_prec term_print_prec(term_ptr t);
 

@@ -1,5 +1,5 @@
 // Names, constants, parameter types, argument lists: the pieces that both printers write alike.
-#include "term/print_parts.h"
+#include "term/print/parts.h"
 
 #include <algorithm>
 #include <charconv>

@@ -1,2 +1,0 @@
-#pragma once
-#include "term/variables/free_variable.h"
