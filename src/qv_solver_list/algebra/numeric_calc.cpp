@@ -3,7 +3,6 @@
 #include "qv_solver_list/algebra/numeric_calc.h"
 
 #include <algorithm>
-#include <array>
 
 #include "qv_solver_list/algebra/closed_value.h"
 #include "qv_solver_list/algebra/exponential_form.h"
@@ -18,6 +17,7 @@
 #include "qv_solver_list/number_reading.h"
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
+#include "term/functions.h"
 #include "term/relation.h"
 #include "term/traverse.h"
 #include "term/whole_parts.h"
@@ -245,50 +245,37 @@ class simplification {
 
 // ---- Inverse functions of angles.
 
-// f(g(v)) = v from low * π to high * π, and with its ends where these are g's own.
-struct inverse_row {
-  oper_type inverse;
-  oper_type function;
-  exact low;
-  exact high;
-  bool with_ends;
-};
-
-const inverse_row* inverse_row_of(oper_type oper) {
-  static const std::array rows = {
-      inverse_row{Arcsin, Sin, exact(-1) / exact(2), exact(1) / exact(2), true},
-      inverse_row{Arccos, Cos, 0, 1, true},
-      inverse_row{Arctan, Tan, exact(-1) / exact(2), exact(1) / exact(2), false},
-      inverse_row{Arccot, Cot, 0, 1, false},
-  };
-  const auto row = std::find_if(rows.begin(), rows.end(), [oper](const inverse_row& r) { return r.inverse == oper; });
-  return row == rows.end() ? nullptr : &*row;
+// The function that gives angles; null for any other operator.
+const known_function* inverse_of_angles(oper_type oper) {
+  const known_function* f = find_function(oper);
+  return f != nullptr && f->angles ? f : nullptr;
 }
 
 term_ptr multiple_of_pi(const exact& factor) { return make_binOp_term(Mult, number_of_any_size(factor), mk_const(Pi)); }
 
-bool is_in_range(term_ptr angle, const inverse_row& row) {
+bool is_in_range(term_ptr angle, const angle_range& range) {
+  const exact low = exact(range.low) / exact(2);
+  const exact high = exact(range.high) / exact(2);
   if (const auto multiple = multiple_of_pi(angle)) {
-    return row.with_ends ? row.low <= *multiple && *multiple <= row.high : row.low < *multiple && *multiple < row.high;
+    return range.with_ends ? low <= *multiple && *multiple <= high : low < *multiple && *multiple < high;
   }
-  return sign_of_difference(angle, multiple_of_pi(row.low)) > 0 &&
-         sign_of_difference(multiple_of_pi(row.high), angle) > 0;
+  return sign_of_difference(angle, multiple_of_pi(low)) > 0 && sign_of_difference(multiple_of_pi(high), angle) > 0;
 }
 
 // arcsin(u) = v where u = sin(v) and v is in the range of arcsin.
 bool equal_by_inverse(term_ptr left, term_ptr right, const solve_data& sdata) {
   const auto view = left->has_meta() ? std::nullopt : composed_term_split(left);
-  const inverse_row* row = view && view->t2 == nullptr ? inverse_row_of(view->oper) : nullptr;
-  if (row == nullptr || !is_in_range(right, *row)) {
+  const known_function* f = view && view->t2 == nullptr ? inverse_of_angles(view->oper) : nullptr;
+  if (f == nullptr || !is_in_range(right, *f->angles)) {
     return false;
   }
-  const term_ptr value = solver_numeric_calc_simplify(make_unOp_term(row->function, right));
+  const term_ptr value = solver_numeric_calc_simplify(make_unOp_term(*f->inverts, right));
   return equal_values(view->t1, value, sdata);
 }
 
 // Two angles that differ by less than 2π and lie at the same place on the circle.
 bool equal_on_circle(term_ptr left, term_ptr right) {
-  const auto is_inverse = [](term_ptr t) { return t->type() == Oper && inverse_row_of(t->oper()) != nullptr; };
+  const auto is_inverse = [](term_ptr t) { return t->type() == Oper && inverse_of_angles(t->oper()) != nullptr; };
   if (!any_subterm(left, walk_children, is_inverse) && !any_subterm(right, walk_children, is_inverse)) {
     return false;
   }

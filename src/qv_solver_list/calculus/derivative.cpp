@@ -1,16 +1,16 @@
 // The rules of differentiation and the walk that applies them.
 //
-// A rule is a row: the function and its derivative, given the operand u and the derivative du of the operand. What has
-// no row has no derivative, unless the variable does not occur in it.
+// The elementary functions bring their rules along; those of arithmetic stand here. What has no rule has no derivative,
+// unless the variable does not occur in it.
 #include "qv_solver_list/calculus/derivative.h"
 
 #include <algorithm>
-#include <array>
 #include <limits>
 #include <utility>
 
 #include "number/limits.h"
 #include "term/build.h"
+#include "term/functions.h"
 #include "term/term_split_combine.h"
 #include "term/whole_parts.h"
 
@@ -22,73 +22,6 @@ term_ptr of(oper_type oper, term_ptr u) { return make_unOp_term(oper, u); }
 term_ptr number(std::int32_t value) { return mk_integer(value); }
 
 term_ptr square(term_ptr u) { return mk_power(u, number(2)); }
-
-term_ptr root(std::int32_t index, term_ptr u) {
-  term_ptr k = number(index);
-  return make_binOp_term(Sqrtn, k, u);
-}
-
-term_ptr one_minus_square(term_ptr u) {
-  term_ptr squared = square(u);
-  return mk_difference(number(1), squared);
-}
-
-term_ptr one_plus_square(term_ptr u) {
-  term_ptr squared = square(u);
-  return mk_sum(number(1), squared);
-}
-
-// du / (index * root)
-term_ptr over_root(term_ptr du, std::int32_t index, term_ptr radicand) {
-  term_ptr divisor = root(index, radicand);
-  divisor = mk_product(number(index), divisor);
-  return mk_fraction(du, divisor);
-}
-
-struct unary_rule {
-  oper_type oper;
-  term_ptr (*derivative)(term_ptr u, term_ptr du);
-  // What must not be 0 for the rule to hold where du is 0; null where it always holds.
-  term_ptr (*radicand)(term_ptr u) = nullptr;
-};
-
-term_ptr itself(term_ptr u) { return u; }
-
-// clang-format off
-constexpr std::array unary_rules = std::to_array<unary_rule>({
-    {Neg,    [](term_ptr,   term_ptr du) { return mk_neg(du); }},
-    {Sqrt,   [](term_ptr u, term_ptr du) { return over_root(du, 2, u); }, itself},
-    {Cbrt,   [](term_ptr u, term_ptr du) { return over_root(du, 3, square(u)); }, itself},
-    {Ln,     [](term_ptr u, term_ptr du) { return mk_fraction(du, u); }},
-    {Sin,    [](term_ptr u, term_ptr du) { return mk_product(of(Cos, u), du); }},
-    {Cos,    [](term_ptr u, term_ptr du) { return mk_product(mk_neg(of(Sin, u)), du); }},
-    {Tan,    [](term_ptr u, term_ptr du) { return mk_product(square(of(Sec, u)), du); }},
-    {Cot,    [](term_ptr u, term_ptr du) { return mk_product(mk_neg(square(of(Csc, u))), du); }},
-    {Sec,    [](term_ptr u, term_ptr du) {
-       term_ptr sec = of(Sec, u);
-       term_ptr tan = of(Tan, u);
-       return mk_product(mk_product(sec, tan), du);
-     }},
-    {Csc,    [](term_ptr u, term_ptr du) {
-       term_ptr csc = of(Csc, u);
-       term_ptr cot = of(Cot, u);
-       return mk_product(mk_neg(mk_product(csc, cot)), du);
-     }},
-    {Arcsin, [](term_ptr u, term_ptr du) { return mk_fraction(du, root(2, one_minus_square(u))); }, one_minus_square},
-    {Arccos, [](term_ptr u, term_ptr du) {
-       term_ptr negative = mk_neg(du);
-       return mk_fraction(negative, root(2, one_minus_square(u)));
-     }, one_minus_square},
-    {Arctan, [](term_ptr u, term_ptr du) { return mk_fraction(du, one_plus_square(u)); }},
-    {Arccot, [](term_ptr u, term_ptr du) {
-       term_ptr negative = mk_neg(du);
-       return mk_fraction(negative, one_plus_square(u));
-     }},
-    {Sinh,   [](term_ptr u, term_ptr du) { return mk_product(of(Cosh, u), du); }},
-    {Cosh,   [](term_ptr u, term_ptr du) { return mk_product(of(Sinh, u), du); }},
-    {Tanh,   [](term_ptr u, term_ptr du) { return mk_product(square(of(Sech, u)), du); }},
-});
-// clang-format on
 
 // The operand of |u|, or null.
 term_ptr inside_absolute_value(term_ptr t) {
@@ -245,16 +178,19 @@ term_ptr differentiator::derive_unary(oper_type oper, term_ptr u) {
       return mk_fraction(derive(inner), inner);
     }
   }
-  const auto* rule =
-      std::find_if(unary_rules.begin(), unary_rules.end(), [&](const auto& r) { return r.oper == oper; });
-  term_ptr du = rule == unary_rules.end() ? nullptr : derive(u);
+  const known_function* f = find_function(oper);
+  const bool has_rule = oper == Neg || (f != nullptr && f->derivative != nullptr);
+  term_ptr du = has_rule ? derive(u) : nullptr;
   if (du == nullptr) {
     return nullptr;
   }
-  if (rule->radicand != nullptr) {
-    branch_points_.push_back({rule->radicand(u), du});
+  if (oper == Neg) {
+    return mk_neg(du);
   }
-  return rule->derivative(u, du);
+  if (f->radicand != nullptr) {
+    branch_points_.push_back({f->radicand(u), du});
+  }
+  return f->derivative(u, du);
 }
 
 term_ptr differentiator::derive_binary(oper_type oper, term_ptr l, term_ptr r) {

@@ -3,7 +3,6 @@
 #include "qv_solver_list/calculus/derivative_value.h"
 
 #include <algorithm>
-#include <array>
 #include <cstdint>
 #include <vector>
 
@@ -11,6 +10,7 @@
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/calculus/derivative.h"
 #include "qv_solver_list/functions/definitions.h"
+#include "term/functions.h"
 #include "term/node_memo.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
@@ -24,30 +24,11 @@ bool different_plain_names(term_span params) {
                      [&](term_ptr p) { return is_var(p) && !p->has_meta() && names.insert(p); });
 }
 
-struct special_value {
-  oper_type oper;
-  std::int32_t at;
-  std::int32_t value;
-};
-
-// What numeric calculation does not know.
-constexpr std::array special_values = std::to_array<special_value>({
-    {Arctan, 0, 0},
-    {Arcsin, 0, 0},
-    {Arccos, 1, 0},
-    {Sinh, 0, 0},
-    {Tanh, 0, 0},
-    {Cosh, 0, 1},
-    {Sec, 0, 1},
-    {Cbrt, 1, 1},
-    {Sqrt, 1, 1},
-});
-
 bool equals(term_ptr t, std::int32_t value) {
   return poly_rat_eqb(t, mk_integer(value)) || poly_rat_eqb(solver_numeric_calc_simplify(t), mk_integer(value));
 }
 
-// A term with these values put in, from the inside out.
+// A term with the values put in that numeric calculation does not know, from the inside out.
 class special_value_walk {
  public:
   term_ptr in(term_ptr t) {
@@ -61,10 +42,9 @@ class special_value_walk {
     if (!view || view->t2 != nullptr) {
       return result;
     }
-    const auto row = std::find_if(special_values.begin(), special_values.end(), [&](const special_value& v) {
-      return v.oper == view->oper && equals(view->t1, v.at);
-    });
-    return row == special_values.end() ? result : mk_integer(row->value);
+    const known_function* f = find_function(view->oper);
+    const bool has_value = f != nullptr && f->value && equals(view->t1, f->value->at);
+    return has_value ? mk_integer(f->value->value) : result;
   }
 
   node_memo<term_ptr> known_;
@@ -106,8 +86,6 @@ bool is_negative_number(term_ptr exponent) {
   return value && value->sign() < 0;
 }
 
-bool is_zero_of(oper_type oper, term_ptr u) { return is_zero(make_unOp_term(oper, u)); }
-
 // The operator divides by 0 there, or takes the logarithm of 0.
 bool ends_at(const composed_term& view) {
   switch (view.oper) {
@@ -121,14 +99,10 @@ bool ends_at(const composed_term& view) {
     case Ln:
     case Lg:
       return is_zero(view.t1);
-    case Tan:
-    case Sec:
-      return is_zero_of(Cos, view.t1);
-    case Cot:
-    case Csc:
-      return is_zero_of(Sin, view.t1);
-    default:
-      return false;
+    default: {
+      const known_function* f = find_function(view.oper);
+      return f != nullptr && f->domain.subject != domain_subject::argument && is_zero(subject_of(f->domain, view.t1));
+    }
   }
 }
 

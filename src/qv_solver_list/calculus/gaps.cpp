@@ -8,8 +8,8 @@
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/algebra/zero_set.h"
 #include "qv_solver_list/calculus/kinks.h"
-#include "qv_solver_list/calculus/natural_domains.h"
 #include "term/build.h"
+#include "term/functions.h"
 #include "term/node_memo.h"
 #include "term/term_split_combine.h"
 
@@ -88,10 +88,9 @@ class gap_finder {
       }
       return;
     }
-    const natural_domain* domain = find_natural_domain(oper);
-    if (domain != nullptr && domain->subject != domain_subject::argument) {
-      term_ptr divisor = make_unOp_term(domain->subject == domain_subject::cosine ? Cos : Sin, operand);
-      add_zeros(divisor, gap_kind::certain, nullptr);
+    const known_function* f = find_function(oper);
+    if (f != nullptr && f->domain.subject != domain_subject::argument) {
+      add_zeros(subject_of(f->domain, operand), gap_kind::certain, nullptr);
     }
   }
 

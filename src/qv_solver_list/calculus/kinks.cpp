@@ -7,14 +7,22 @@
 
 #include "qv_solver_list/algebra/numeric_calc.h"
 #include "term/build.h"
+#include "term/functions.h"
 #include "term/node_memo.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
 namespace {
 
-constexpr std::array analytic_operators = {Plus, Minus, Mult, Div,    Frac,   Neg,  Sin,  Cos, Tan,
-                                           Cot,  Sec,   Csc,  Arctan, Arccot, Sinh, Cosh, Tanh};
+constexpr std::array analytic_arithmetic = {Plus, Minus, Mult, Div, Frac, Neg};
+
+// Arithmetic, or a function whose derivative holds throughout its domain.
+bool is_analytic(oper_type oper) {
+  const known_function* f = find_function(oper);
+  return f != nullptr
+             ? f->derivative != nullptr && f->radicand == nullptr
+             : std::find(analytic_arithmetic.begin(), analytic_arithmetic.end(), oper) != analytic_arithmetic.end();
+}
 
 class kink_search {
  public:
@@ -49,7 +57,7 @@ class kink_search {
         return has_no_kink(mk_difference(mk_integer(1), square));
       }
       default:
-        return std::find(analytic_operators.begin(), analytic_operators.end(), view.oper) != analytic_operators.end();
+        return is_analytic(view.oper);
     }
   }
 

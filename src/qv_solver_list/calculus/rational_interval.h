@@ -5,8 +5,8 @@
 #include <optional>
 
 #include "number/exact.h"
-#include "qv_solver_list/calculus/natural_domains.h"
 #include "term/ast.h"
+#include "term/functions.h"
 
 namespace vetro {
 

@@ -16,6 +16,7 @@
 #include "qv_solver_list/premises.h"
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
+#include "term/functions.h"
 #include "term/reserved.h"
 #include "term/substitute/beta.h"
 #include "term/substitute/careful.h"
@@ -32,17 +33,19 @@ using enum cont_goal_kind;
 
 constexpr std::size_t most_unfoldings = 64;  // of named functions inside one another
 
-// Defined and continuous everywhere. Each list of unary operators allows composition, but for Abs and Cbrt.
-constexpr std::array entire_unary = {Abs, Cbrt, Sin, Cos, Arctan, Arccot, Sinh, Cosh, Tanh, Sech, Arcsinh};
-
+// A function of one operand that has no jumps and no gaps.
 bool cont_is_entire_unary(oper_type oper) {
-  return std::find(entire_unary.begin(), entire_unary.end(), oper) != entire_unary.end();
+  const known_function* f = find_function(oper);
+  return f != nullptr && f->is_total() && !f->jumps;
 }
 
+// One that is continuous on its natural domain. The decimal logarithm and hyperbolic quotients are not looked into.
 bool cont_is_domain_unary(oper_type oper) {
-  return oper != Sqrtn && oper != Log && find_natural_domain(oper) != nullptr;
+  const known_function* f = find_function(oper);
+  return f != nullptr && !f->is_total() && !f->has_index && oper != Lg && oper != Coth && oper != Csch;
 }
 
+// The known functions apply to compositions, but for these two.
 bool cont_unary_allows_composition(oper_type oper) {
   return oper != Abs && oper != Cbrt && (cont_is_entire_unary(oper) || cont_is_domain_unary(oper));
 }
@@ -309,7 +312,8 @@ bool continuity::read_defined(term_ptr t) {
 }
 
 bool continuity::unary_defined(oper_type oper, term_ptr a) {
-  const bool everywhere = cont_is_entire_unary(oper) || oper == Neg || oper == Sgn || oper == Floor || oper == Ceil;
+  const known_function* f = find_function(oper);
+  const bool everywhere = oper == Neg || (f != nullptr && f->is_total());
   return expr_defined(a) && (everywhere || (cont_is_domain_unary(oper) && point_domain(oper, a, nullptr)));
 }
 
@@ -338,7 +342,7 @@ bool continuity::binary_defined(oper_type oper, term_ptr left, term_ptr right) {
   }
 }
 
-// ---- Natural domains.
+// ---- Natural domains, of functions that are known.
 
 bool continuity::domain_kept(oper_type oper, term_ptr a, term_ptr base, term_ptr var) {
   if (kind_ == CONT_AT || !mentions(a, var)) {
@@ -348,68 +352,29 @@ bool continuity::domain_kept(oper_type oper, term_ptr a, term_ptr base, term_ptr
   if (term_eqb(a, var) && interval_domain(oper)) {
     return true;
   }
-  const natural_domain* domain = find_natural_domain(oper);
-  if (domain == nullptr) {
-    return true;
-  }
-  if (domain->subject != domain_subject::argument) {
-    term_ptr subject = make_unOp_term(domain->subject == domain_subject::cosine ? Cos : Sin, a);
-    return nonzero_here(subject, var);
-  }
-  for (std::size_t i = 0; i < domain->alternatives; ++i) {
-    const auto& row = domain->rows[i];
-    const bool holds = std::all_of(row.begin(), row.begin() + domain->conditions, [&](const domain_condition& c) {
-      if (c.pred == Neq) {
-        return nonzero_here(a, var);
-      }
-      return on_fact(make_binPred_prop(c.pred, a, mk_integer(c.value)), var);
-    });
-    if (holds) {
-      return true;
-    }
-  }
-  return false;
+  const natural_domain& domain = find_function(oper)->domain;
+  term_ptr subject = subject_of(domain, a);
+  return domain.holds_by([&](const domain_condition& c) {
+    return c.pred == Neq ? nonzero_here(subject, var)
+                         : on_fact(make_binPred_prop(c.pred, subject, mk_integer(c.value)), var);
+  });
 }
 
 bool continuity::point_domain(oper_type oper, term_ptr u, term_ptr base) {
-  const natural_domain* domain = find_natural_domain(oper);
-  if (domain == nullptr) {
-    return true;
-  }
   if (oper == Log && !base_of_logarithm(base)) {
     return false;
   }
-  if (domain->subject != domain_subject::argument) {
-    return nonzero(make_unOp_term(domain->subject == domain_subject::cosine ? Cos : Sin, u));
-  }
-  for (std::size_t i = 0; i < domain->alternatives; ++i) {
-    const auto& row = domain->rows[i];
-    if (std::all_of(row.begin(), row.begin() + domain->conditions, [&](const domain_condition& c) {
-          return c.pred == Neq ? nonzero(u) : proves(c.pred, u, c.value);
-        })) {
-      return true;
-    }
-  }
-  return false;
+  const natural_domain& domain = find_function(oper)->domain;
+  term_ptr subject = subject_of(domain, u);
+  return domain.holds_by(
+      [&](const domain_condition& c) { return c.pred == Neq ? nonzero(subject) : proves(c.pred, subject, c.value); });
 }
 
 // Every point of the set is in the domain, told by the ends of the set alone.
 bool continuity::interval_domain(oper_type oper) const {
-  const natural_domain* domain = find_natural_domain(oper);
-  if (domain == nullptr) {
-    return true;
-  }
-  if (!interval_ || domain->subject != domain_subject::argument) {
-    return false;
-  }
-  for (std::size_t i = 0; i < domain->alternatives; ++i) {
-    const auto& row = domain->rows[i];
-    if (std::all_of(row.begin(), row.begin() + domain->conditions,
-                    [this](const domain_condition& c) { return holds_on(*interval_, c); })) {
-      return true;
-    }
-  }
-  return false;
+  const natural_domain& domain = find_function(oper)->domain;
+  return interval_ && domain.subject == domain_subject::argument &&
+         domain.holds_by([this](const domain_condition& c) { return holds_on(*interval_, c); });
 }
 
 bool continuity::nonzero_here(term_ptr e, term_ptr var) {

@@ -110,23 +110,28 @@ bool domain_prover::is_exponential(term_ptr head) {
 bool domain_prover::unary_defined(oper_type oper, term_ptr operand) {
   switch (oper) {
     case Neg:
+      return true;
     case Abs:
     case Cbrt:
     case Sin:
     case Cos:
-      return true;
     case Sqrt:
-      return relation_to(Ge, operand, 0);
     case Ln:
     case Lg:
-      return relation_to(Gt, operand, 0);
     case Tan:
-      return nonzero(make_unOp_term(Cos, operand));
+      return is_in(find_function(oper)->domain, operand);
     case Arctan:
       return policy_.allow_arctan;
     default:
       return false;
   }
+}
+
+bool domain_prover::is_in(const natural_domain& domain, term_ptr operand) {
+  term_ptr subject = subject_of(domain, operand);
+  return domain.holds_by([&](const domain_condition& c) {
+    return c.pred == Neq && c.value == 0 ? nonzero(subject) : relation_to(c.pred, subject, c.value);
+  });
 }
 
 bool domain_prover::binary_defined(oper_type oper, term_ptr left, term_ptr right) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include "qv_solver_list/premises.h"
+#include "term/functions.h"
 #include "term/node_memo.h"
 
 namespace vetro {
@@ -43,6 +44,7 @@ class domain_prover {
   term_ptr unfolded(const spine& applied);
   bool is_exponential(term_ptr head);
   bool unary_defined(oper_type oper, term_ptr operand);
+  bool is_in(const natural_domain& domain, term_ptr operand);
   bool binary_defined(oper_type oper, term_ptr left, term_ptr right);
   bool power_defined(term_ptr base, term_ptr exponent);
   bool root_defined(term_ptr index, term_ptr radicand);

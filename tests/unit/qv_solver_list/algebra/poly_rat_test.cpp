@@ -7,6 +7,7 @@
 #include "qv_solver_list/algebra/rational_domain.h"
 #include "qv_solver_list/solvers.h"
 #include "support/solver_fixture.h"
+#include "term/functions.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
@@ -566,6 +567,8 @@ TEST_F(poly_rat, what_a_set_binds_belongs_to_it) {
 TEST_F(poly_rat, set_descriptions_keep_their_partial_parts) {
   for (const total_operator& row : total_operators()) {
     EXPECT_TRUE(solver_poly_rat_eqb(read(row.law), solve_data{})) << row.law;
+    const known_function* f = find_function(row.oper);
+    EXPECT_TRUE(f == nullptr || f->is_total()) << row.law;
   }
   expect_equal({{"{ x | f(x + x) < y }", "{ x | f(2 * x) < y }"},
                 {"{ x | x - 1 + y < 0 }", "{ x | y + x - 1 < 0 * x }"},
