@@ -9,6 +9,7 @@
 #include "qv_solver_list/solver_registry.h"
 #include "qv_solver_list/solver_shapes.h"
 #include "term/compare.h"
+#include "term/node_memo.h"
 #include "term/print/pretty.h"
 #include "term/relation.h"
 #include "term/state.h"
@@ -46,10 +47,10 @@ class aside {
 
 // ---- Formulas that are like one another.
 
-using node_set = std::unordered_set<term_ptr>;
+using subterm_set = std::unordered_set<term_ptr>;
 constexpr std::size_t compared_nodes = 2'000;
 
-void collect_nodes(term_ptr t, node_set& nodes) {
+void collect_nodes(term_ptr t, subterm_set& nodes) {
   if (t == nullptr || nodes.size() >= compared_nodes || !nodes.insert(t->bare()).second) {
     return;
   }
@@ -60,8 +61,8 @@ void collect_nodes(term_ptr t, node_set& nodes) {
 
 // Of a hundred distinct subterms of both, how many they have in common. A formula that holds the other one whole is
 // built from it rather than like it.
-std::size_t likeness(const node_set& a, term_ptr whole, term_ptr t) {
-  node_set b;
+std::size_t likeness(const subterm_set& a, term_ptr whole, term_ptr t) {
+  subterm_set b;
   collect_nodes(t, b);
   if (b.contains(whole->bare())) {
     return 0;
@@ -79,7 +80,7 @@ std::string hypothesis_like(const proof_gap_full& gap, term_ptr t, const char* w
   if (equal != gap.assum.end()) {
     return "hypothesis " + std::to_string(equal - gap.assum.begin() + 1) + " is " + what;
   }
-  node_set nodes;
+  subterm_set nodes;
   collect_nodes(t, nodes);
   constexpr std::size_t similar = 40;
   std::size_t best = similar;
@@ -231,8 +232,8 @@ bool is_negative_number(term_ptr t) {
          (is_constant(t, Integer) && t->integer() < 0);
 }
 
-void collect_denominators(term_ptr t, std::unordered_set<term_ptr>& seen, term_set& found) {
-  if (t == nullptr || !seen.insert(t).second) {
+void collect_denominators(term_ptr t, node_set& seen, term_set& found) {
+  if (t == nullptr || !seen.insert(t)) {
     return;
   }
   if (const auto view = composed_term_split(t); view && view->t2 != nullptr) {
@@ -248,7 +249,7 @@ void collect_denominators(term_ptr t, std::unordered_set<term_ptr>& seen, term_s
 }
 
 term_set denominators_of(term_ptr t) {
-  std::unordered_set<term_ptr> seen;
+  node_set seen;
   term_set found;
   collect_denominators(t, seen, found);
   return found;

@@ -6,6 +6,7 @@
 #include <unordered_set>
 
 #include "lib/application.h"
+#include "term/node_memo.h"
 #include "term/relation.h"
 #include "term/term_split_combine.h"
 
@@ -43,7 +44,7 @@ class goal_shape {
 
  private:
   void visit(term_ptr t) {
-    if (t == nullptr || !seen_.insert(t).second) {
+    if (t == nullptr || !seen_.insert(t)) {
       return;
     }
     if (t->type() == Oper) {
@@ -56,7 +57,7 @@ class goal_shape {
     }
   }
 
-  std::unordered_set<term_ptr> seen_;
+  node_set seen_;
   std::unordered_set<int> heads_;
   pred_type pred_{};
   int head_ = -1;

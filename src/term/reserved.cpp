@@ -11,6 +11,4 @@ term_ptr reserved_var(reserved_kind kind, std::uint32_t number) {
   return mk_var({name, static_cast<std::size_t>(end - name)});
 }
 
-bool is_reserved(term_ptr var) { return is_var(var) && !var->name().empty() && var->name().front() == '\n'; }
-
 }  // namespace vetro

@@ -24,7 +24,4 @@ enum class reserved_kind : std::uint8_t {
 // The variable of that kind and number: the same one for the same arguments.
 term_ptr reserved_var(reserved_kind kind, std::uint32_t number);
 
-// Whether the variable is one of these.
-bool is_reserved(term_ptr var);
-
 }  // namespace vetro

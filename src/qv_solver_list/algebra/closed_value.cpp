@@ -2,13 +2,13 @@
 #include "qv_solver_list/algebra/closed_value.h"
 
 #include <optional>
-#include <unordered_map>
 
 #include "number/enclosure.h"
 #include "number/limits.h"
 #include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/algebra/root_view.h"
 #include "qv_solver_list/number_reading.h"
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
@@ -21,12 +21,8 @@ class evaluation {
   explicit evaluation(unsigned bits) : calc_(bits), one_(calc_.number(1)) {}
 
   result of(term_ptr t) {
-    if (const auto known = known_.find(t); known != known_.end()) {
-      return known->second;
-    }
-    result value = t->has_meta() || known_.size() > limits::closed_value_nodes ? std::nullopt : new_value(t);
-    known_.emplace(t, value);
-    return value;
+    return known_.get(
+        t, [&] { return t->has_meta() || known_.size() > limits::closed_value_nodes ? std::nullopt : new_value(t); });
   }
 
   result difference(term_ptr left, term_ptr right) { return minus(of(left), of(right)); }
@@ -162,7 +158,7 @@ class evaluation {
 
   enclosure_arithmetic calc_;
   enclosure one_;
-  std::unordered_map<term_ptr, result> known_;
+  node_memo<result> known_;
 };
 
 }  // namespace

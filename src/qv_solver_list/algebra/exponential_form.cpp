@@ -6,13 +6,13 @@
 #include <array>
 #include <optional>
 #include <set>
-#include <unordered_map>
 
 #include "number/primes_and_roots.h"
 #include "qv_solver_list/algebra/log_form.h"
 #include "qv_solver_list/algebra/numeric_calc.h"
 #include "qv_solver_list/algebra/trig_values.h"
 #include "qv_solver_list/number_reading.h"
+#include "term/node_memo.h"
 #include "term/reserved.h"
 #include "term/split_arithmetic.h"
 #include "term/term_split_combine.h"
@@ -169,16 +169,15 @@ class function_writer {
     if (t->type() == Apply && (!stands_for_its_value(t) || binding(t).touches_names())) {
       return t;
     }
-    if (const auto known = known_.find(t); known != known_.end()) {
-      return known->second;
+    if (const term_ptr* known = known_.find(t)) {
+      return *known;
     }
     const auto view = composed_term_split(t);
     term_ptr result = view ? write_operation(*view) : nullptr;
     if (result == nullptr) {
       result = map_children(t, walk_apply | walk_elements | keep_meta, [this](term_ptr part) { return write(part); });
     }
-    known_.emplace(t, result);
-    return result;
+    return known_.keep(t, result);
   }
 
  protected:
@@ -195,7 +194,7 @@ class function_writer {
   }
 
  private:
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
 };
 
 // A product or sum in the making; null while it has no part.

@@ -2,10 +2,10 @@
 #include "qv_solver_list/algebra/root_view.h"
 
 #include <array>
-#include <unordered_map>
 
 #include "qv_solver_list/algebra/root_form.h"
 #include "qv_solver_list/number_reading.h"
+#include "term/node_memo.h"
 #include "term/reserved.h"
 #include "term/term_split_combine.h"
 #include "term/traverse.h"
@@ -38,19 +38,18 @@ class indexed_writer {
     if ((t->type() != Apply && t->type() != TermList) || t->scope() != nullptr || !stands_for_its_value(t)) {
       return t;
     }
-    if (const auto known = known_.find(t); known != known_.end()) {
-      return known->second;
+    if (const term_ptr* known = known_.find(t)) {
+      return *known;
     }
     term_ptr result = map_children(t, walk_apply | walk_elements | keep_meta, [this](term_ptr p) { return write(p); });
     if (const named_root* row = result->type() == Apply ? named_root_of(result->left()) : nullptr) {
       result = make_binOp_term(Sqrtn, mk_integer(row->index), result->right());
     }
-    known_.emplace(t, result);
-    return result;
+    return known_.keep(t, result);
   }
 
  private:
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
 };
 
 class opaque_writer {
@@ -62,17 +61,16 @@ class opaque_writer {
     if (t->children().empty()) {
       return t;
     }
-    if (const auto known = known_.find(t); known != known_.end()) {
-      return known->second;
+    if (const term_ptr* known = known_.find(t)) {
+      return *known;
     }
     constexpr unsigned all = walk_children | walk_scope | keep_meta;
     term_ptr result = map_children(t, all, [this](term_ptr part) { return write(part); });
-    known_.emplace(t, result);
-    return result;
+    return known_.keep(t, result);
   }
 
  private:
-  std::unordered_map<term_ptr, term_ptr> known_;
+  node_memo<term_ptr> known_;
 };
 
 std::optional<root_view> with_index(term_ptr index, term_ptr radicand) {

@@ -2,9 +2,8 @@
 // roots down.
 #include "qv_solver_list/analysis/sign_forms.h"
 
-#include <unordered_map>
-
 #include "qv_solver_list/number_reading.h"
+#include "term/node_memo.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
@@ -102,7 +101,7 @@ class sum_reader {
     }
     sum_parts out;
     for (auto node = order_.rbegin(); node != order_.rend(); ++node) {
-      const occurrences here = found_[*node];
+      const occurrences here = found_.of(*node);
       const addends parts = addends_of(*node);
       if (parts.constant) {
         add_constant(out, *parts.constant, here);
@@ -120,9 +119,10 @@ class sum_reader {
  private:
   // Behind everything below it.
   void order_below(term_ptr t) {
-    if (t == nullptr || !found_.emplace(t, occurrences{}).second) {
+    if (t == nullptr || found_.find(t) != nullptr) {
       return;
     }
+    found_.of(t);
     const addends parts = addends_of(t);
     order_below(parts.plus[0]);
     order_below(parts.plus[1]);
@@ -134,7 +134,7 @@ class sum_reader {
     if (t == nullptr) {
       return;
     }
-    occurrences& here = found_[t];
+    occurrences& here = found_.of(t);
     const bool overflow = negative ? __builtin_sub_overflow(here.net, above.net, &here.net)
                                    : __builtin_add_overflow(here.net, above.net, &here.net);
     fits_ = fits_ && !overflow;
@@ -149,7 +149,7 @@ class sum_reader {
     fits_ = fits_ && !overflow;
   }
 
-  std::unordered_map<term_ptr, occurrences> found_;
+  node_memo<occurrences> found_;
   term_list order_;
   bool fits_ = true;
 };

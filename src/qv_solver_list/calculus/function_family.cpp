@@ -12,6 +12,7 @@
 #include "qv_solver_list/functions/definedness.h"
 #include "term/build.h"
 #include "term/compare.h"
+#include "term/node_memo.h"
 #include "term/reserved.h"
 #include "term/substitute/careful.h"
 #include "term/substitute/fresh.h"
@@ -225,7 +226,7 @@ class family_reader {
   bool uses_agree(term_ptr t) {
     term_ptr name = without_subscript(t);
     const bool subscripted = name != nullptr;
-    return subscripted_.emplace(subscripted ? name : t, subscripted).first->second == subscripted;
+    return subscripted_.get(subscripted ? name : t, [&] { return subscripted; }) == subscripted;
   }
 
   bool is_bound(term_ptr var) const { return std::find(bound_.begin(), bound_.end(), var) != bound_.end(); }
@@ -374,7 +375,7 @@ class family_reader {
   term_list antecedent_;
   term_list memberships_;
   node_set constants_;
-  std::unordered_map<term_ptr, bool> subscripted_;
+  node_memo<bool> subscripted_;
   std::unordered_map<term_ptr, definition> functions_;
   node_memo<term_ptr> unfolded_;
   std::vector<source> sources_;

@@ -6,8 +6,6 @@
 #include <algorithm>
 #include <array>
 #include <optional>
-#include <unordered_map>
-#include <unordered_set>
 
 #include "qv_solver_list/calculus/rational_interval.h"
 #include "qv_solver_list/functions/conditions.h"
@@ -17,6 +15,7 @@
 #include "qv_solver_list/solvers.h"
 #include "term/compare.h"
 #include "term/functions.h"
+#include "term/node_memo.h"
 #include "term/reserved.h"
 #include "term/substitute/beta.h"
 #include "term/substitute/careful.h"
@@ -115,8 +114,8 @@ class continuity {
   term_list expanding_;  // the named functions that are being unfolded, innermost last
   // What was shown. The walk is a conjunction: with the first part that fails it ends, so that no refusal comes up
   // twice.
-  std::unordered_map<term_ptr, std::unordered_set<term_ptr>> continuous_;  // parts, by their variable
-  std::unordered_set<term_ptr> defined_;
+  node_set continuous_;  // parts, by their variable
+  node_set defined_;
 };
 
 // ---- The function.
@@ -190,12 +189,12 @@ bool continuity::body_is_continuous(term_ptr lambda) {
 // ---- The walk.
 
 bool continuity::expr_check(term_ptr expr, term_ptr var) {
-  if (continuous_[var].count(expr) != 0) {
+  if (continuous_.contains(expr, var->serial())) {
     return true;
   }
   const bool answer = read_expr(expr, var);
   if (answer) {
-    continuous_[var].insert(expr);
+    continuous_.insert(expr, var->serial());
   }
   return answer;
 }
@@ -287,7 +286,7 @@ bool continuity::check_named_leaf(const spine& applied, term_ptr var) {
 // ---- What is free of the variable.
 
 bool continuity::expr_defined(term_ptr t) {
-  if (t->type() == Apply && defined_.count(t) != 0) {
+  if (t->type() == Apply && defined_.contains(t)) {
     return true;
   }
   const bool answer = t->scope() == nullptr && read_defined(t);

@@ -128,7 +128,7 @@ smt_relevance::element smt_relevance::read_new(term_ptr t, bool is_statement) {
 
 term_list smt_relevance::relevant_to(term_span propositions) {
   relevant_.assign(up_.size(), false);
-  std::unordered_set<term_ptr> seen;
+  node_set seen;
   for (term_ptr t : propositions) {
     make_relevant(t, seen);
   }
@@ -146,8 +146,8 @@ term_list smt_relevance::relevant_to(term_span propositions) {
   return list;
 }
 
-void smt_relevance::make_relevant(term_ptr t, std::unordered_set<term_ptr>& seen) {
-  if (!seen.insert(t).second) {
+void smt_relevance::make_relevant(term_ptr t, node_set& seen) {
+  if (!seen.insert(t)) {
     return;
   }
   if (t->scope() != nullptr) {

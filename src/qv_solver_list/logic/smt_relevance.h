@@ -12,6 +12,7 @@
 #include <vector>
 
 #include "qv_solver_list/assumption_facts.h"
+#include "term/node_memo.h"
 
 namespace vetro {
 
@@ -42,7 +43,7 @@ class smt_relevance {
   element of_symbol(term_ptr symbol);
   element read(term_ptr t, bool is_statement);
   element read_new(term_ptr t, bool is_statement);
-  void make_relevant(term_ptr t, std::unordered_set<term_ptr>& seen);
+  void make_relevant(term_ptr t, node_set& seen);
   bool is_relevant(std::size_t assumption) const;
   void settle(bool relevant);
 

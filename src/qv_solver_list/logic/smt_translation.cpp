@@ -4,9 +4,9 @@
 #include <array>
 #include <limits>
 #include <string>
-#include <unordered_set>
 
 #include "term/kinds.h"
+#include "term/node_memo.h"
 #include "term/print/pretty.h"
 #include "term/report.h"
 #include "term/reserved.h"
@@ -169,9 +169,9 @@ reading is_term_or_prop(term_ptr t) {
 }
 
 // Takes out the names that something in t binds or guards.
-void erase_touched(term_ptr t, term_list& names, std::unordered_set<term_ptr>& seen) {
+void erase_touched(term_ptr t, term_list& names, node_set& seen) {
   constexpr auto touching = static_cast<term_fact>(fact_binding | fact_guard);
-  if (names.empty() || !t->has(touching) || !seen.insert(t).second) {
+  if (names.empty() || !t->has(touching) || !seen.insert(t)) {
     return;
   }
   if (const binding here(t); here.touches_names()) {
@@ -526,7 +526,7 @@ smt_term smt_translation::closed(term_ptr t) {
     return opaque(t);
   }
   term_list holes = plain_free_variables(t);
-  std::unordered_set<term_ptr> seen;
+  node_set seen;
   erase_touched(t, holes, seen);
   term_list marks;
   for (std::size_t i = 0; i < holes.size(); ++i) {

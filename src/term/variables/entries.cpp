@@ -1,8 +1,9 @@
 // Reading the entries of quantifiers and functions.
 #include "term/variables/entries.h"
 
-#include <unordered_map>
+#include <utility>
 
+#include "term/node_memo.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
 #include "term/variables/bound_names.h"
@@ -49,14 +50,14 @@ term_list plain_names(term_ptr t) { return is_plain_name(t) ? term_list{t->bare(
 // Entries whose form does not tell which of their names they bind.
 struct undecided_entries {
   name_memo names;
-  std::unordered_map<term_ptr, entry_view> known;
+  node_memo<entry_view> known;
 };
 
 // It binds the only name; of several, all are to be guarded.
 entry_view undecided(term_ptr entry) {
   undecided_entries& memory = state().slots.of<undecided_entries>();
-  if (const auto found = memory.known.find(entry); found != memory.known.end()) {
-    return found->second;
+  if (const entry_view* known = memory.known.find(entry)) {
+    return *known;
   }
   term_list names = memory.names.all(entry);
   entry_view view;
@@ -65,8 +66,7 @@ entry_view undecided(term_ptr entry) {
   } else {
     view.guarded = std::move(names);
   }
-  memory.known.emplace(entry, view);
-  return view;
+  return memory.known.keep(entry, std::move(view));
 }
 
 }  // namespace

@@ -96,7 +96,7 @@ TEST_F(definitions_test, without_arguments_premises_are_asked_of_any_value) {
   EXPECT_EQ(solver_func_resolve_lambda(read("f"), 1, {}, premises), nullptr);
   const term_ptr g = solver_func_resolve_lambda(read("g"), 1, {}, premises);
   ASSERT_NE(g, nullptr);
-  EXPECT_TRUE(is_reserved(g->vars()[0]));
+  EXPECT_EQ(g->vars()[0], reserved_var(reserved_kind::parameter, 0));
 }
 
 TEST_F(definitions_test, pointwise_needs_premises_in_a_neighbourhood) {
