@@ -191,6 +191,9 @@ rational_domain::value rational_domain::root(const value& radicand, std::int64_t
     const signed_value<value> negated{power(number(-constant), exponent, {}), true};
     return sum({&negated, 1});
   }
+  if (index % 2 != 0 && !rat_is_const(radicand->r, nullptr) && equal(radicand, number(-1))) {
+    return number(-1);
+  }
   return power(radicand, exponent, {});
 }
 

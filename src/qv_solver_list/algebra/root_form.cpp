@@ -125,6 +125,12 @@ term_ptr joined(oper_type oper, const term_list& list) {
 bool is_odd(const exact& integer) { return !(integer / exact(2)).is_integer(); }
 bool is_even_root(const exact& exponent) { return !is_odd(exponent.denominator()); }
 
+// base^exponent. An odd root stays a root: it is real for a negative base, too, which a power of -1 need not be.
+term_ptr mk_real_power(term_ptr base, const exact& exponent) {
+  const bool odd_root = !exponent.is_integer() && !is_even_root(exponent);
+  return odd_root ? mk_power(mk_sqrtn(exponent.denominator(), base), exponent.numerator()) : mk_power(base, exponent);
+}
+
 // A number, perhaps with a sign in front.
 std::optional<exact> literal(term_ptr t) {
   const auto view = composed_term_split(t);
@@ -704,7 +710,7 @@ class root_normalizer::worker {
       list.push_back(mk_power(mk_int(prime), exponent));
     }
     for (const power_factor& factor : product.factors) {
-      list.push_back(mk_power(parts_as_powers(factor.base), factor.exponent));
+      list.push_back(mk_real_power(parts_as_powers(factor.base), factor.exponent));
     }
     return joined(Mult, list);
   }

@@ -129,6 +129,7 @@ TEST_F(numeric_calc_test, functions_as_powers) {
           {{}, "cos(π / 9) * cos(2 * π / 9) * cos(4 * π / 9) = 1 / 8"},
           {{}, "sin(13 * π / 24) = cos(π / 24)"},
           {{}, "tan(7 * π / 24) = cot(5 * π / 24)"},
+          {{}, "sqrtn(7, cos(2 * x) - 2 * cos(x)^2) = -1"},
           {{}, "sin(2 * arctan(x)) = 2 * x / (1 + x^2)"},
           {{}, "arctanh(x) = ln((1 + x) / (1 - x)) / 2"},
           {{}, "cosh(x)^2 - sinh(x)^2 = 1"},
@@ -138,22 +139,27 @@ TEST_F(numeric_calc_test, functions_as_powers) {
           {{}, "e^(3 * ln(x) + a) = x^3 * e^a"},
           {{"x > 0"}, "(x^a)^b = x^(a * b)"},
           {{}, "ln(e^(x + y)) = x + y"}});
-  expect(solver_numeric_calc, false,
-         {{{}, "cos(x / 2)^2 = (1 - cos(x)) / 2"},
-          {{}, "sin(x + 3 * π / 2) = cos(x)"},
-          {{}, "|sec(x)| = sec(x)"},
-          {{}, "cos(π / 7) + cos(2 * π / 7) + cos(3 * π / 7) = 1 / 2"},
-          {{}, "cos(23 * π / 24) = cos(π / 24)"},
-          {{}, "sin(arccos(x)) = -sqrt(1 - x^2)"},
-          {{}, "arccos(cos(x)) = x"},
-          {{}, "cosh(arccoth(x)) = x / sqrt(x^2 - 1)"},
-          {{}, "tanh(x) = (e^x - 1) / (e^x + 1)"},
-          {{}, "e^(ln(x) * ln(y)) = x * y"},
-          {{}, "(x^2)^a = x^(2 * a)"},
-          {{}, "cos(±x)^2 + sin(±x)^2 = 1"},
-          {{}, "sum_{k = 1}^{n}(sin(k)^2) = sum_{k = 1}^{n}(cos(k)^2)"},
-          {{}, "(sin(x)^2 + cos(x)^2)' = (1)'"},
-          {{}, "sin(∞)^2 + cos(∞)^2 = 1"}});
+  expect(
+      solver_numeric_calc, false,
+      {{{}, "cos(x / 2)^2 = (1 - cos(x)) / 2"},
+       {{}, "sin(x + 3 * π / 2) = cos(x)"},
+       {{}, "|sec(x)| = sec(x)"},
+       {{}, "cos(π / 7) + cos(2 * π / 7) + cos(3 * π / 7) = 1 / 2"},
+       {{}, "cos(23 * π / 24) = cos(π / 24)"},
+       // An odd root of what turns out to be -1, and e^(i * π / 7).
+       {{}, "sqrtn(7, cos(2) - 2 * cos(1)^2) + 1 / sqrtn(7, cos(2) - 2 * cos(1)^2) = 2 * cos(π / 7)"},
+       {{}, "((cos(y) - 2 * cos(y / 2)^2)^2)^(1/7) + 1 / ((cos(y) - 2 * cos(y / 2)^2)^2)^(1/7) = 2 * cos(2 * π / 7)"},
+       {{}, "sqrtn(7, ln(2) - ln(2 * e)) + 1 / sqrtn(7, ln(2) - ln(2 * e)) = 2 * cos(π / 7)"},
+       {{}, "sin(arccos(x)) = -sqrt(1 - x^2)"},
+       {{}, "arccos(cos(x)) = x"},
+       {{}, "cosh(arccoth(x)) = x / sqrt(x^2 - 1)"},
+       {{}, "tanh(x) = (e^x - 1) / (e^x + 1)"},
+       {{}, "e^(ln(x) * ln(y)) = x * y"},
+       {{}, "(x^2)^a = x^(2 * a)"},
+       {{}, "cos(±x)^2 + sin(±x)^2 = 1"},
+       {{}, "sum_{k = 1}^{n}(sin(k)^2) = sum_{k = 1}^{n}(cos(k)^2)"},
+       {{}, "(sin(x)^2 + cos(x)^2)' = (1)'"},
+       {{}, "sin(∞)^2 + cos(∞)^2 = 1"}});
 }
 
 TEST_F(numeric_calc_test, bounds_and_angles) {
