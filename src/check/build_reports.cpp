@@ -3,6 +3,7 @@
 
 #include <algorithm>
 #include <string_view>
+#include <utility>
 
 #include "check/json_object.h"
 #include "diagnostics/codes.h"
@@ -13,10 +14,13 @@ namespace {
 
 // ---- XML.
 
-// What XML 1.0 cannot hold at all becomes U+FFFD.
+// What XML 1.0 cannot hold at all becomes U+FFFD: control characters, U+FFFE and U+FFFF.
 std::string xml(const std::string& text) {
+  constexpr std::string_view replacement = "\xEF\xBF\xBD";
+  const std::string whole = utf8_with_replacements(text);
   std::string out;
-  for (const char c : utf8_with_replacements(text)) {
+  for (std::size_t i = 0; i < whole.size(); ++i) {
+    const char c = whole[i];
     switch (c) {
       case '&':
         out += "&amp;";
@@ -38,7 +42,10 @@ std::string xml(const std::string& text) {
         break;
       default:
         if (static_cast<unsigned char>(c) < 0x20U) {
-          out += "\xEF\xBF\xBD";
+          out += replacement;
+        } else if (whole.compare(i, 3, "\xEF\xBF\xBE") == 0 || whole.compare(i, 3, "\xEF\xBF\xBF") == 0) {
+          out += replacement;
+          i += 2;
         } else {
           out += c;
         }
@@ -66,9 +73,9 @@ std::string json_line(const json_object& object) {
   return text == nullptr ? "{}" : std::string(text.get());
 }
 
-json_object message_object(const std::string& text) {
+json_object message_object(std::string text) {
   json_object message;
-  message.text("text", text);
+  message.own_text("text", std::move(text));
   return message;
 }
 
@@ -99,7 +106,7 @@ json_object result_object(const report_diagnostic& d) {
   text += d.needed.empty() ? "" : "; needed: " + d.needed.pretty;
   text += d.given.empty() ? "" : "; given: " + d.given.pretty;
   text += d.suggestion.empty() ? "" : "; " + d.suggestion;
-  result.object("message", message_object(text));
+  result.object("message", message_object(std::move(text)));
   if (!d.file.empty()) {
     std::vector<json_object> locations;
     locations.push_back(location_object(d));
