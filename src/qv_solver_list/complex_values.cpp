@@ -48,6 +48,11 @@ complex_values::complex_values(assumption_facts& facts) : facts_(&facts) {
     const bool plain = view && view->pred == Belong && is_constant(view->right, ComplexSet);
     sets_may_be_complex_ = sets_may_be_complex_ || (t != nullptr && !plain && holds_complex_set(t));
   }
+  for (term_ptr t : facts.own()) {
+    if (t != nullptr && (t->has_meta() || !pred_split(t)) && holds_complex_set(t)) {
+      name_inside(t);
+    }
+  }
   for (assumption_facts* layer = &facts; layer != nullptr; layer = sets_may_be_complex_ ? layer->below() : nullptr) {
     for (term_ptr t : layer->own()) {
       const auto view = t == nullptr || t->has_meta() ? std::nullopt : pred_split(t);
@@ -66,6 +71,30 @@ void complex_values::name_complex(term_ptr t) {
   any_subterm(t, walk_children, [this](term_ptr node) {
     if (node->type() == Var && !in_a_real_set(*facts_, node)) {
       named_.insert(node->bare());
+    }
+    return false;
+  });
+}
+
+// What a statement puts into the set somewhere inside: f of forall (x), f(x) ∈ Complex, and of a function with complex
+// values. Each value of f may then be complex.
+void complex_values::name_inside(term_ptr statement) {
+  const term_list names = plain_free_variables(statement);
+  const auto name_those_in = [&](term_ptr part) {
+    for (term_ptr name : names) {
+      const bool stands_there =
+          any_subterm(part, walk_children, [name](term_ptr node) { return node->bare() == name->bare(); });
+      if (stands_there && !in_a_real_set(*facts_, name)) {
+        named_.insert(name->bare());
+        names_ |= name->name_mask();
+      }
+    }
+  };
+  any_subterm(statement, walk_children, [&](term_ptr node) {
+    if (node->head() == IsFuncOn && node->argument_count() == 3 && holds_complex_set(node->argument(2))) {
+      name_those_in(node->argument(0));
+    } else if (const auto view = pred_split(node); view && puts_into_complex(*view, false)) {
+      name_those_in(view->left);
     }
     return false;
   });

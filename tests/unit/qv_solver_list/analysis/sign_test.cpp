@@ -193,6 +193,10 @@ TEST_F(signs, nothing_is_said_of_other_things) {
   for (const solver_decide solve : {solver_sgn, solver_sgn_pure}) {
     expect(solve, false,
            {{{"z ∈ ComplexSet"}, "z^2 + 1 ≠ 0"},
+            {{"forall (x), f(x) ∈ ComplexSet"}, "f(1)^2 ≥ 0"},
+            {{"forall (n), a_n ∈ ComplexSet"}, "a_1^2 ≥ 0"},
+            {{"f : RealSet → ComplexSet"}, "f(1)^2 ≥ 0"},
+            {{"p = 1 ∨ z ∈ ComplexSet"}, "z^2 ≥ 0"},
             {{"z ∈ ComplexSet"}, "z^2 ≥ 0"},
             {{"w = z + 1", "z ∈ ComplexSet"}, "w^2 ≥ 0"},
             {{"w, z ∈ ComplexSet"}, "z^2 ≥ 0"},
