@@ -11,6 +11,9 @@ int smt_solver_lra_uf(const smt_language& language, smt_prop formula, budget& wo
   smt::search clauses(theories, work);
   smt::preprocessor input(language, theories, clauses, work);
   const smt::truth value = input.add(formula);
+  if (input.beyond()) {
+    return 1;
+  }
   if (value != smt::truth::open) {
     return value == smt::truth::yes ? -1 : 0;
   }

@@ -113,10 +113,11 @@ preprocessor::atom preprocessor::read_atom(const smt_prop_row& row) {
   const bool turned = row.detail == SMT_GE || row.detail == SMT_GT;
   const bool strict = row.detail == SMT_LT || row.detail == SMT_GE;
   const linear_form difference = linear_sum(terms_.form_of(row.a), terms_.form_of(row.b), exact(-1));
+  beyond_ = beyond_ || !difference.is_known();
   primitive_form p = primitive(difference);
   if (p.terms.empty()) {
     const bool holds = strict ? p.constant.sign() < 0 : p.constant.sign() <= 0;
-    return {.kind = holds != turned && p.constant.is_known() ? atom_kind::always : atom_kind::never};
+    return {.kind = holds != turned ? atom_kind::always : atom_kind::never};
   }
   // scale * form + constant <= 0; dividing by a negative scale turns the relation, and "at least" is the negation of
   // "below".
@@ -134,7 +135,9 @@ preprocessor::atom preprocessor::read_equation(smt_term t1, smt_term t2) {
     const node b = terms_.node_of(t2);
     return nodes_equal(a, b);
   }
-  primitive_form p = primitive(linear_sum(terms_.form_of(t1), terms_.form_of(t2), exact(-1)));
+  const linear_form difference = linear_sum(terms_.form_of(t1), terms_.form_of(t2), exact(-1));
+  beyond_ = beyond_ || !difference.is_known();
+  primitive_form p = primitive(difference);
   if (p.terms.empty()) {
     return {.kind = p.constant.is_zero() ? atom_kind::always : atom_kind::never};
   }

@@ -24,6 +24,8 @@ class preprocessor {
 
   // Puts the formula in. Yes or no when it is true or false without any search, open otherwise. Once.
   truth add(smt_prop formula);
+  // Some number left what exact numbers hold, so that nothing may be concluded.
+  bool beyond() const { return beyond_; }
 
  private:
   enum class atom_kind : std::uint8_t { always, never, equal_nodes, at_most, equal_value };
@@ -74,6 +76,7 @@ class preprocessor {
   combination& theories_;
   search& search_;
   budget& work_;
+  bool beyond_ = false;
   purifier terms_;
 
   // By proposition.
