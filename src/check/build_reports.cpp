@@ -8,51 +8,12 @@
 #include "check/json_object.h"
 #include "diagnostics/codes.h"
 #include "lib/log_stream.h"
+#include "platform/xml_text.h"
 
 namespace vetro {
 namespace {
 
 // ---- XML.
-
-// What XML 1.0 cannot hold at all becomes U+FFFD: control characters, U+FFFE and U+FFFF.
-std::string xml(const std::string& text) {
-  constexpr std::string_view replacement = "\xEF\xBF\xBD";
-  const std::string whole = utf8_with_replacements(text);
-  std::string out;
-  for (std::size_t i = 0; i < whole.size(); ++i) {
-    const char c = whole[i];
-    switch (c) {
-      case '&':
-        out += "&amp;";
-        break;
-      case '<':
-        out += "&lt;";
-        break;
-      case '>':
-        out += "&gt;";
-        break;
-      case '"':
-        out += "&quot;";
-        break;
-      case '\n':
-        out += "&#10;";
-        break;
-      case '\t':
-        out += "&#9;";
-        break;
-      default:
-        if (static_cast<unsigned char>(c) < 0x20U) {
-          out += replacement;
-        } else if (whole.compare(i, 3, "\xEF\xBF\xBE") == 0 || whole.compare(i, 3, "\xEF\xBF\xBF") == 0) {
-          out += replacement;
-          i += 2;
-        } else {
-          out += c;
-        }
-    }
-  }
-  return out;
-}
 
 std::string place_of(const report_diagnostic& d) {
   return d.line == 0 ? d.file : d.file + ":" + std::to_string(d.line) + ":" + std::to_string(std::max(d.column, 1));
@@ -132,7 +93,7 @@ std::string junit_report::begin() const {
 
 std::string junit_report::proof(const proof_report& report) {
   ++tests_;
-  std::string out = "<testcase name=\"" + xml(report.id) + "\" classname=\"proof\"";
+  std::string out = "<testcase name=\"" + xml_text(report.id) + "\" classname=\"proof\"";
   if (report.result == outcome::verified) {
     return out + "/>\n";
   }
@@ -144,8 +105,8 @@ std::string junit_report::proof(const proof_report& report) {
   for (const report_diagnostic& d : report.diagnostics) {
     text += text_of(d);
   }
-  out += std::string(">\n<") + element + " message=\"" + std::string(row_of(report.result).words) + "\">" + xml(text) +
-         "</" + element + ">\n</testcase>\n";
+  out += std::string(">\n<") + element + " message=\"" + std::string(row_of(report.result).words) + "\">" +
+         xml_text(text) + "</" + element + ">\n</testcase>\n";
   return out;
 }
 

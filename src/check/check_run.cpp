@@ -13,6 +13,7 @@
 
 #include "check/build_reports.h"
 #include "check/event_files.h"
+#include "check/html_pages.h"
 #include "check/json_object.h"
 #include "check/output_file.h"
 #include "check/person.h"
@@ -97,7 +98,10 @@ std::string run_event(const check_options& options, const run_library& library) 
   object.text("library", library.path);
   object.number("theorems", library.theorems == nullptr ? 0 : library.theorems->table.size());
   object.boolean("strict", options.strict);
-  object.boolean("explain", options.explain);
+  object.boolean("explain", options.explain || !options.html.empty());
+  if (!options.html.empty()) {
+    object.boolean("mathml", true);
+  }
   object.number("shard", options.shard);
   object.number("shards", options.shards);
   return line_of(object);
@@ -135,6 +139,9 @@ class result_display {
         (!options_.sarif.empty() && !sarif_file_.open(options_.sarif))) {
       return false;
     }
+    if (!options_.html.empty() && !pages_.open(options_.html)) {
+      return false;
+    }
     junit_file_.write(junit_.begin());
     sarif_file_.write(sarif_report::begin());
     return true;
@@ -154,6 +161,7 @@ class result_display {
     print(options_.json ? events : text);
     junit_file_.write(junit_.proof(report));
     sarif_file_.write(sarif_.proof(report));
+    pages_.proof(report);
     show_progress_line();
     return std::fflush(stdout) == 0;
   }
@@ -167,6 +175,7 @@ class result_display {
     sarif_file_.write(sarif_report::end());
     bool written = junit_file_.finish();
     written = sarif_file_.finish() && written;
+    written = pages_.finish() && written;
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0) {
       report_error("vetro-check: standard output cannot be written: %s\n", std::strerror(errno));
       written = false;
@@ -201,6 +210,7 @@ class result_display {
   person_report person_;
   junit_report junit_;
   sarif_report sarif_;
+  html_pages pages_;
   output_file junit_file_;
   output_file sarif_file_;
   int status_ = 0;
@@ -254,7 +264,9 @@ int check_proofs(const check_options& options, result_display& display) {
   if (!journal.begin_appending()) {
     return exit_input_error;
   }
-  const pool_settings settings{options.jobs, {options.explain, options.times}};
+  const bool with_pages = !options.html.empty();
+  const pool_settings settings{options.jobs,
+                               {.explain = options.explain || with_pages, .times = options.times, .pages = with_pages}};
   bool journal_lost = false;
   const pool_end end = run_pool(
       settings, library.theorems.get(), [&source] { return source.next(); },

@@ -11,6 +11,7 @@
 #include "platform/text_file.h"
 #include "qv_solver_list/solver_shapes.h"
 #include "run/proof_run.h"
+#include "term/print/mathml.h"
 #include "term/print/pretty.h"
 #include "term/state.h"
 
@@ -94,16 +95,19 @@ class source_lines {
 
 // ---- From records to plain data.
 
-shown_formula shown(term_ptr t) {
-  return t == nullptr ? shown_formula() : shown_formula{print_term_to_string(t), print_term_internal_to_string(t)};
+shown_formula shown(term_ptr t, bool as_mathml) {
+  if (t == nullptr) {
+    return {};
+  }
+  return {print_term_to_string(t), print_term_internal_to_string(t), as_mathml ? print_term_mathml(t) : std::string()};
 }
 
-std::vector<open_piece> shown_pieces(const term_list& pieces) {
+std::vector<open_piece> shown_pieces(const term_list& pieces, bool as_mathml) {
   constexpr std::size_t most = 16;
   std::vector<open_piece> list;
   for (term_ptr t : pieces) {
     const auto titles = solvers_for_shape(t);
-    list.push_back({shown(t), {titles.begin(), titles.end()}});
+    list.push_back({shown(t, as_mathml), {titles.begin(), titles.end()}});
     if (list.size() == most) {
       break;
     }
@@ -113,8 +117,13 @@ std::vector<open_piece> shown_pieces(const term_list& pieces) {
 
 class report_writer {
  public:
-  report_writer(const proof_task& task, const diagnostics& d, proof_report& report)
-      : task_(task), d_(d), report_(report), gap_(task.gap, task.gap_text), script_(task.script, task.script_text) {}
+  report_writer(const proof_task& task, const diagnostics& d, bool as_mathml, proof_report& report)
+      : task_(task),
+        d_(d),
+        as_mathml_(as_mathml),
+        report_(report),
+        gap_(task.gap, task.gap_text),
+        script_(task.script, task.script_text) {}
 
   void write_diagnostics() {
     for (const diagnostic& record : d_.records) {
@@ -150,14 +159,14 @@ class report_writer {
       d.file = task_.library;
     }
     count_characters(d);
-    d.needed = shown(record.needed);
-    d.given = shown(record.given);
+    d.needed = shown(record.needed, as_mathml_);
+    d.given = shown(record.given, as_mathml_);
     d.suggestion = record.suggestion;
     if (record.attempt >= 0) {
       const proof_attempt& attempt = d_.attempts[static_cast<std::size_t>(record.attempt)];
       d.solver = attempt.requested_solver;
-      d.open = shown_pieces(attempt.open);
-      d.unfolded = shown_pieces(attempt.unfolded);
+      d.open = shown_pieces(attempt.open, as_mathml_);
+      d.unfolded = shown_pieces(attempt.unfolded, as_mathml_);
       for (std::string_view solver : attempt.budget_ended) {
         if (std::find(d.budget_ended.begin(), d.budget_ended.end(), solver) == d.budget_ended.end()) {
           d.budget_ended.emplace_back(solver);
@@ -197,13 +206,13 @@ class report_writer {
     shown_one.instruction = step.instruction;
     shown_one.text = step.header;
     shown_one.result = step.result;
-    shown_one.goal = shown(step.new_goal);
+    shown_one.goal = shown(step.new_goal, as_mathml_);
     for (const executed_step::change& change : step.changed) {
-      shown_one.hypotheses.push_back({change.number, shown(change.t)});
+      shown_one.hypotheses.push_back({change.number, shown(change.t, as_mathml_)});
     }
     for (std::size_t i = step.first_attempt; i < step.behind_attempts; ++i) {
       for (const closed_piece& piece : d_.attempts[i].closed) {
-        shown_one.closed.push_back({shown(piece.piece), piece.solver});
+        shown_one.closed.push_back({shown(piece.piece, as_mathml_), piece.solver});
       }
     }
     shown_one.work = step.work;
@@ -213,6 +222,7 @@ class report_writer {
 
   const proof_task& task_;
   const diagnostics& d_;
+  bool as_mathml_;
   proof_report& report_;
   source_lines gap_;
   source_lines script_;
@@ -275,7 +285,7 @@ class examination {
     report_.with_times = settings_.times;
     note_limits(out_of_memory);
     note_strictness();
-    report_writer writer(task_, collected_, report_);
+    report_writer writer(task_, collected_, settings_.pages, report_);
     writer.write_diagnostics();
     if (settings_.explain) {
       writer.write_steps();
@@ -327,7 +337,10 @@ class examination {
     report_.admits = run.data.admits.size();
     report_.branches = run.data.split_gaps.size();
     if (!report_.finished) {
-      report_.goal = shown(gap.goal);
+      report_.goal = shown(gap.goal, settings_.pages);
+    }
+    if (settings_.pages) {
+      show_gap(run.initial_gap);
     }
     note_open_end(run);
     if (report_.finished && assumptions_contradict(run.data, run.initial_gap)) {
@@ -336,6 +349,13 @@ class examination {
                       .message = "the assumptions contradict one another, so that everything follows from them",
                       .place = {source_file::gap, 0, 0, 0}});
     }
+  }
+
+  void show_gap(const proof_gap_full& gap) {
+    for (int number = 1; number <= gap.assu_num(); ++number) {
+      report_.assumptions.push_back(shown(gap.hypothesis(number), true));
+    }
+    report_.target = shown(gap.goal, true);
   }
 
   // The script has ended, and something is left.

@@ -14,6 +14,7 @@ namespace vetro {
 struct examine_settings {
   bool explain = false;
   bool times = false;
+  bool pages = false;  // what pages show beside that: the gap, and formulas as MathML
 };
 
 // The libraries of a run. That of the run is read once; others when a proof first asks for them.

@@ -59,6 +59,8 @@ read_options parse_check_options(int argc, char** argv) {
   app.add_flag("--times", options.times, "Put the time that each proof and step took into the events");
   app.add_option("--junit", options.junit, "Write a JUnit report")->type_name("FILE");
   app.add_option("--sarif", options.sarif, "Write a SARIF report")->type_name("FILE");
+  app.add_option("--html", options.html, "Write a page for each proof, and an index of them, into a folder")
+      ->type_name("FOLDER");
   app.add_option("--resume", options.resume,
                  "Keep the events in FILE; a run that was interrupted goes on behind its last finished proof")
       ->type_name("FILE");

@@ -24,6 +24,7 @@ struct check_options {
   bool times = false;
   std::string junit;
   std::string sarif;
+  std::string html;
   std::string resume;
   bool merge = false;
   unsigned shard = 0;  // of shards, from 1; 0: all

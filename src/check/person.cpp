@@ -163,8 +163,10 @@ std::string person_report::proof(const proof_report& report) {
   }
   painter p(settings_);
   p.title(report);
-  for (const report_step& step : report.explained) {
-    p.step(step);
+  if (settings_.explain) {
+    for (const report_step& step : report.explained) {
+      p.step(step);
+    }
   }
   for (const report_diagnostic& d : report.diagnostics) {
     p.diagnostic(d);

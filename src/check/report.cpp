@@ -21,6 +21,7 @@ json_object formula_object(const shown_formula& formula) {
   json_object object;
   object.text("formula", formula.pretty);
   object.text("internal", formula.internal);
+  put(object, "mathml", formula.mathml);
   return object;
 }
 
@@ -73,6 +74,17 @@ json_object diagnostic_event(const proof_report& report, const report_diagnostic
   return object;
 }
 
+json_object gap_event(const proof_report& report) {
+  json_object object = event("gap", report);
+  std::vector<json_object> assumptions;
+  for (const shown_formula& formula : report.assumptions) {
+    assumptions.push_back(formula_object(formula));
+  }
+  object.objects("assumptions", std::move(assumptions));
+  put(object, "goal", report.target);
+  return object;
+}
+
 json_object step_event(const proof_report& report, const report_step& step) {
   json_object object = event("step", report);
   object.text("step", step.step);
@@ -87,6 +99,7 @@ json_object step_event(const proof_report& report, const report_step& step) {
     hypotheses.back().number("number", h.number);
     hypotheses.back().text("formula", h.formula.pretty);
     hypotheses.back().text("internal", h.formula.internal);
+    put(hypotheses.back(), "mathml", h.formula.mathml);
   }
   if (!hypotheses.empty()) {
     object.objects("hypotheses", std::move(hypotheses));
@@ -137,7 +150,7 @@ void append_line(std::string& lines, const json_object& object) {
 // ---- Reading.
 
 shown_formula formula_in(const cJSON* object) {
-  return {json_text_of(object, "formula"), json_text_of(object, "internal")};
+  return {json_text_of(object, "formula"), json_text_of(object, "internal"), json_text_of(object, "mathml")};
 }
 
 std::vector<std::string> texts_in(const cJSON* list) {
@@ -200,6 +213,12 @@ report_step read_step(const cJSON* e) {
   return step;
 }
 
+void read_gap(const cJSON* e, proof_report& report) {
+  const cJSON* item = nullptr;
+  cJSON_ArrayForEach(item, json_member(e, "assumptions")) { report.assumptions.push_back(formula_in(item)); }
+  report.target = formula_in(json_member(e, "goal"));
+}
+
 bool read_result(const cJSON* e, proof_report& report) {
   const auto result = outcome_of_name(json_text_of(e, "outcome"));
   report.number = json_number(e, "number");
@@ -226,6 +245,9 @@ std::size_t proof_report::count(std::string_view level) const {
 
 std::string events_of(const proof_report& report) {
   std::string lines;
+  if (!report.target.empty()) {
+    append_line(lines, gap_event(report));
+  }
   for (const report_step& step : report.explained) {
     append_line(lines, step_event(report, step));
   }
@@ -253,6 +275,8 @@ bool event_reader::take(const std::string& line) {
   report_.id = id;
   if (event_ == "diagnostic") {
     report_.diagnostics.push_back(read_diagnostic(tree.get()));
+  } else if (event_ == "gap") {
+    read_gap(tree.get(), report_);
   } else if (event_ == "step") {
     report_.explained.push_back(read_step(tree.get()));
   } else if (event_ == "proof") {

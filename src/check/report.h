@@ -14,10 +14,11 @@ namespace vetro {
 // The version of the events' format: it changes when a key changes its meaning or goes, not when one is added.
 inline constexpr int event_format = 1;
 
-// A formula in both forms; empty texts where there is none.
+// A formula in both forms, and as MathML where pages are made; empty texts where there is none.
 struct shown_formula {
   std::string pretty;
   std::string internal;
+  std::string mathml = {};
   bool empty() const { return pretty.empty(); }
 };
 
@@ -79,7 +80,9 @@ struct proof_report {
   std::size_t branches = 0;
   std::uint64_t work = 0;
   std::uint64_t microseconds = 0;
-  shown_formula goal;  // where it is open
+  shown_formula goal;                      // where it is open
+  std::vector<shown_formula> assumptions;  // these two only where pages are made
+  shown_formula target;
   std::vector<report_diagnostic> diagnostics;
   std::vector<report_step> explained;  // only where steps were asked for
   bool with_times = false;
@@ -87,7 +90,7 @@ struct proof_report {
   std::size_t count(std::string_view level) const;
 };
 
-// The events of a proof, a line each: its steps, its diagnostics, its result.
+// The events of a proof, a line each: its gap, its steps, its diagnostics, its result.
 std::string events_of(const proof_report& report);
 
 // Puts events together again.

@@ -47,7 +47,7 @@ TEST(event_schema, fits_every_event) {
       ++seen[kind];
     }
   }
-  for (const char* kind : {"run", "step", "diagnostic", "proof", "summary"}) {
+  for (const char* kind : {"run", "gap", "step", "diagnostic", "proof", "summary"}) {
     EXPECT_GT(seen[kind], 0) << kind;
   }
 }

@@ -271,4 +271,41 @@ print_prec strength_of(term_ptr t, const found_row& found) {
   }
 }
 
+bool is_negative_constant(term_ptr t) {
+  if (t->type() != Const) {
+    return false;
+  }
+  switch (t->constant()) {
+    case Integer:
+      return t->integer() < 0;
+    case Decimal:
+      return t->decimal().starts_with('-');
+    default:
+      return t->constant() == NegInfty;
+  }
+}
+
+bool needs_parentheses(operand_rule rule, print_prec at, term_ptr t, const found_row& found, print_prec own) {
+  if (rule == operand_rule::plain || at == PRINT_PREC_NONE) {
+    return false;
+  }
+  if (own == PRINT_PREC_UNKNOWN) {
+    return true;
+  }
+  switch (rule) {
+    case operand_rule::strict:
+      return own <= at;
+    case operand_rule::mult_right: {
+      const bool quotient = found.row != nullptr && (found.row->head == Div || found.row->head == Mod);
+      return quotient ? own <= at : own < at;
+    }
+    case operand_rule::relation:
+      return own == PRINT_PREC_APPLY || own <= at;
+    case operand_rule::side_point:
+      return is_negative_constant(t) || own < at;
+    default:
+      return own < at;
+  }
+}
+
 }  // namespace vetro::print_table

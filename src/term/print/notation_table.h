@@ -80,4 +80,11 @@ const print_row* row_of_head(term_ptr head);
 // The strength of t, whose row is known.
 print_prec strength_of(term_ptr t, const found_row& found);
 
+// Whether an operand with the given row and strength needs parentheses under the rule. A term without a strength always
+// does.
+bool needs_parentheses(operand_rule rule, print_prec at, term_ptr t, const found_row& found, print_prec own);
+
+// A number or infinity with a minus sign.
+bool is_negative_constant(term_ptr t);
+
 }  // namespace vetro::print_table

@@ -74,30 +74,6 @@ void print_constant(std::string& out, term_ptr t, bool internal) {
   out += const_type_internal(t->constant());
 }
 
-std::string_view chain_symbol(pred_type predicate) {
-  constexpr std::pair<pred_type, std::string_view> symbols[] = {
-      {Eq, "="},
-      {Neq, "≠"},
-      {Gt, ">"},
-      {Ge, "≥"},
-      {Lt, "<"},
-      {Le, "≤"},
-      {Appro, "≈"},
-      {IdentEq, "≡"},
-      {Divides, "|"},
-      {Belong, "∈"},
-      {NotBelong, "∉"},
-      {Subset, "⊆"},
-      {TendsToWithoutIndex, "→"},
-  };
-  for (const auto& [known, symbol] : symbols) {
-    if (known == predicate) {
-      return symbol;
-    }
-  }
-  return pred_type_internal(predicate);
-}
-
 }  // namespace
 
 void print_variable_name(std::string& out, std::string_view name) {
@@ -214,6 +190,30 @@ void print_tag_head(std::string& out, term_ptr t, print_function print) {
   out += "[@free ";
   print_list(out, t->vars(), ", ", print);
   out += " @] ";
+}
+
+std::string_view chain_symbol(pred_type predicate) {
+  constexpr std::pair<pred_type, std::string_view> symbols[] = {
+      {Eq, "="},
+      {Neq, "≠"},
+      {Gt, ">"},
+      {Ge, "≥"},
+      {Lt, "<"},
+      {Le, "≤"},
+      {Appro, "≈"},
+      {IdentEq, "≡"},
+      {Divides, "|"},
+      {Belong, "∈"},
+      {NotBelong, "∉"},
+      {Subset, "⊆"},
+      {TendsToWithoutIndex, "→"},
+  };
+  for (const auto& [known, symbol] : symbols) {
+    if (known == predicate) {
+      return symbol;
+    }
+  }
+  return pred_type_internal(predicate);
 }
 
 void print_chain(std::string& out, term_span predicates, term_span operands, print_operand_function print) {

@@ -35,6 +35,9 @@ void print_tag_head(std::string& out, term_ptr t, print_function print);
 using print_operand_function = void (*)(std::string&, term_ptr, bool guarded);
 void print_chain(std::string& out, term_span predicates, term_span operands, print_operand_function print);
 
+// The sign of a predicate in a chain.
+std::string_view chain_symbol(pred_type predicate);
+
 // " [@scope s @]" when t has a scope.
 void print_scope(std::string& out, term_ptr t, print_function print);
 

@@ -28,52 +28,13 @@ void print_in_parentheses_if(bool parentheses, std::string& out, term_ptr t, con
   }
 }
 
-bool is_negative_constant(term_ptr t) {
-  if (t->type() != Const) {
-    return false;
-  }
-  switch (t->constant()) {
-    case Integer:
-      return t->integer() < 0;
-    case Decimal:
-      return t->decimal().starts_with('-');
-    default:
-      return t->constant() == NegInfty;
-  }
-}
-
-// Whether an operand with the given row needs parentheses under the rule. A term without a strength always does.
-bool needs_parentheses(operand_rule rule, print_prec at, term_ptr t, const found_row& found) {
-  const print_prec own = strength_of(t, found);
-  if (rule == operand_rule::plain || at == PRINT_PREC_NONE) {
-    return false;
-  }
-  if (own == PRINT_PREC_UNKNOWN) {
-    return true;
-  }
-  switch (rule) {
-    case operand_rule::strict:
-      return own <= at;
-    case operand_rule::mult_right: {
-      const bool quotient = found.row != nullptr && (found.row->head == Div || found.row->head == Mod);
-      return quotient ? own <= at : own < at;
-    }
-    case operand_rule::relation:
-      return own == PRINT_PREC_APPLY || own <= at;
-    case operand_rule::side_point:
-      return is_negative_constant(t) || own < at;
-    default:
-      return own < at;
-  }
-}
-
 void print_operand(std::string& out, term_ptr t, operand_rule rule, print_prec at) {
   if (rule == operand_rule::elements) {
     print_term_list(out, t->elements());
     return;
   }
   const found_row found = find_row(t);
-  print_in_parentheses_if(needs_parentheses(rule, at, t, found), out, t, found);
+  print_in_parentheses_if(print_table::needs_parentheses(rule, at, t, found, strength_of(t, found)), out, t, found);
 }
 
 void print_notation(std::string& out, const found_row& found) {

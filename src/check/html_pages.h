@@ -1,0 +1,38 @@
+// Pages for a browser: one for each proof, and an index of them. They are well-formed XML as well as HTML, hold no
+// script, and ask for nothing but the style sheet beside them.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "check/output_file.h"
+#include "check/report.h"
+
+namespace vetro {
+
+class html_pages {
+ public:
+  // False, with a message, when the folder or a file in it cannot be made.
+  bool open(const std::string& folder);
+  // Writes the page of the proof and its line in the index; nothing before open.
+  void proof(const proof_report& report);
+  // False when something was lost. A message was or is given.
+  bool finish();
+
+ private:
+  std::string index_beginning() const;
+  bool write_file(const std::string& name, std::string_view text);
+
+  std::string folder_;
+  output_file index_;
+  std::array<std::size_t, outcome_count> counts_{};
+  bool lost_ = false;
+};
+
+// The name of the file of a proof's page: its number, and those characters of its id that are safe everywhere.
+std::string page_name(const proof_report& report);
+
+// The page.
+std::string html_page(const proof_report& report);
+
+}  // namespace vetro
