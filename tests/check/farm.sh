@@ -107,6 +107,8 @@ shift
 [ "$1" != -- ] || shift
 echo "$host" >>"$SPOOL/hosts"
 [ "$host" != lost ] || exit 255
+# As a host does; GNU parallel asks for it there.
+export SHELL=/bin/sh
 exec sh -c "$*"
 END
 chmod +x "$scratch/bin/ssh"
