@@ -45,6 +45,26 @@ std::optional<pred_type> relation_of_orders(unsigned orders) {
 
 bool is_order_relation(pred_type pred) { return orders_of(pred) != 0; }
 
+bool relates_two_sides(term_ptr t) {
+  switch (t->head()) {
+    case Eq:
+    case Neq:
+    case Gt:
+    case Ge:
+    case Lt:
+    case Le:
+    case Appro:
+    case IdentEq:
+    case Divides:
+    case Belong:
+    case NotBelong:
+    case Subset:
+      return t->argument_count() == 2;
+    default:
+      return false;
+  }
+}
+
 std::optional<pred_type> negated(pred_type pred) {
   if (pred == Belong || pred == NotBelong) {
     return pred == Belong ? NotBelong : Belong;

@@ -10,6 +10,9 @@ namespace vetro {
 // Eq, Neq, Gt, Ge, Lt, Le: the relations that the order of two reals decides.
 bool is_order_relation(pred_type pred);
 
+// Whether t relates two sides by a sign between them: = ≠ > ≥ < ≤ ≈ ≡ | ∈ ∉ ⊆.
+bool relates_two_sides(term_ptr t);
+
 // The relation that holds of reals exactly where pred does not; also between Belong and NotBelong. Nothing for others.
 std::optional<pred_type> negated(pred_type pred);
 

@@ -3,6 +3,8 @@
 
 #include <algorithm>
 
+#include "term/relation.h"
+
 namespace vetro {
 namespace {
 
@@ -244,21 +246,8 @@ const binding_row* row_by_what_is_inside(term_ptr t) {
       return holds_tendency_with_index(t) ? &tendency_chain_row : (t->has(fact_landau) ? &landau_atom_row : nullptr);
     case CongruentMod:
       return t->argument_count() == 3 && t->has(fact_landau) ? &landau_congruence_row : nullptr;
-    case Eq:
-    case Neq:
-    case Gt:
-    case Ge:
-    case Lt:
-    case Le:
-    case Appro:
-    case IdentEq:
-    case Divides:
-    case Belong:
-    case NotBelong:
-    case Subset:
-      return t->argument_count() == 2 && t->has(fact_landau) ? &landau_atom_row : nullptr;
     default:
-      return nullptr;
+      return t->has(fact_landau) && relates_two_sides(t) ? &landau_atom_row : nullptr;
   }
 }
 

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "term/node_memo.h"
+#include "term/relation.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
 #include "term/variables/bound_names.h"
@@ -16,26 +17,8 @@ namespace {
 
 // Relations that are written between their sides, so that they have a left one.
 bool has_left_side(term_ptr entry) {
-  switch (entry->head()) {
-    case Eq:
-    case Neq:
-    case Gt:
-    case Ge:
-    case Lt:
-    case Le:
-    case Appro:
-    case IdentEq:
-    case Divides:
-    case Belong:
-    case NotBelong:
-    case Subset:
-      return entry->argument_count() == 2;
-    case CongruentMod:
-    case IsFuncOn:
-      return entry->argument_count() == 3;
-    default:
-      return false;
-  }
+  const bool of_three = entry->head() == CongruentMod || entry->head() == IsFuncOn;
+  return relates_two_sides(entry) || (of_three && entry->argument_count() == 3);
 }
 
 term_span operands_of_chain(term_ptr entry) {
