@@ -128,4 +128,16 @@ void install_goal(dsl_execute_data& data, term_ptr t) {
   proof_gap_full_mark_unfinished(*data.cur_gap);
 }
 
+bool install_hypothesis(proof_gap_full& gap, const dsl_term& from, const dsl_term& to) {
+  if (to.num == from.num) {
+    gap.assum.replace(static_cast<std::size_t>(from.num - 1), to.t);
+    return true;
+  }
+  if (to.num == gap.assu_num() + 1) {
+    add_assumption(gap, to.t);
+    return true;
+  }
+  return false;
+}
+
 }  // namespace vetro

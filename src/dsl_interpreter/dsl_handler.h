@@ -89,4 +89,8 @@ const theorem* theorem_by_number(const dsl_execute_data& data, const dsl_term& r
 // Makes t the goal of the current gap and marks the gap unfinished.
 void install_goal(dsl_execute_data& data, term_ptr t);
 
+// Puts what a hypothesis was rewritten to in its place, or behind the last one where its number says so. False for any
+// other number, with the gap unchanged.
+bool install_hypothesis(proof_gap_full& gap, const dsl_term& from, const dsl_term& to);
+
 }  // namespace vetro

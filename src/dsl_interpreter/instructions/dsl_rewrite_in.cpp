@@ -117,12 +117,7 @@ bool apply_rewrite_in_result(dsl_execute_data& data, const dsl_rewrite_in& inst)
                    "rewrite_in %s to hypothesis is only allowed when rewriting from a hypothesis.\n");
     return false;
   }
-  if (to.num == from.num) {
-    gap.assum.replace(static_cast<std::size_t>(from.num - 1), to.t);
-    return true;
-  }
-  if (to.num == gap.assu_num() + 1) {
-    add_assumption(gap, to.t);
+  if (install_hypothesis(gap, from, to)) {
     return true;
   }
   log_error(data, fault(diagnostic_code::number_not_next).at(to),
