@@ -24,20 +24,11 @@ const rat* zero_set::read(term_ptr t) {
   return usable && domain_.recall(t) != nullptr ? &(*domain_.recall(t))->r : nullptr;
 }
 
-void zero_set::add(term_ptr t) {
-  const rat* form = read(t);
-  if (form == nullptr) {
-    return;
-  }
-  for (const factor& f : domain_.registry().pdata.factors(form->monomial)) {
-    keys_.push_back(f.key);
-  }
-  for (const sum_power& power : form->sums) {
-    sums_.push_back(power.sum);
-  }
-}
+void zero_set::add(term_ptr t) { keep_factors(t, sums_); }
 
-void zero_set::ignore(term_ptr t) {
+void zero_set::ignore(term_ptr t) { keep_factors(t, ignored_sums_); }
+
+void zero_set::keep_factors(term_ptr t, std::vector<std::uint32_t>& sums) {
   const rat* form = read(t);
   if (form == nullptr) {
     return;
@@ -46,7 +37,7 @@ void zero_set::ignore(term_ptr t) {
     keys_.push_back(f.key);
   }
   for (const sum_power& power : form->sums) {
-    ignored_sums_.push_back(power.sum);
+    sums.push_back(power.sum);
   }
 }
 

@@ -28,6 +28,7 @@ class zero_set {
 
  private:
   const rat* read(term_ptr t);
+  void keep_factors(term_ptr t, std::vector<std::uint32_t>& sums);
   bool holds_key(std::int32_t key) const;
   bool covers_sum(std::uint32_t sum);
 
