@@ -42,14 +42,15 @@ complex_values::complex_values(assumption_facts& facts) : facts_(&facts) {
     sets_may_be_complex_ = below.sets_may_be_complex_;
     names_ = below.names_;
   }
-  // An assumption that speaks of the set other than as t ∈ Complex may name a set of complex numbers.
   for (term_ptr t : facts.own()) {
-    const auto view = t == nullptr || t->has_meta() ? std::nullopt : pred_split(t);
+    if (t == nullptr || !holds_complex_set(t)) {
+      continue;
+    }
+    // An assumption that speaks of the set other than as t ∈ Complex may name a set of complex numbers.
+    const auto view = t->has_meta() ? std::nullopt : pred_split(t);
     const bool plain = view && view->pred == Belong && is_constant(view->right, ComplexSet);
-    sets_may_be_complex_ = sets_may_be_complex_ || (t != nullptr && !plain && holds_complex_set(t));
-  }
-  for (term_ptr t : facts.own()) {
-    if (t != nullptr && (t->has_meta() || !pred_split(t)) && holds_complex_set(t)) {
+    sets_may_be_complex_ = sets_may_be_complex_ || !plain;
+    if (!view) {
       name_inside(t);
     }
   }
@@ -76,17 +77,24 @@ void complex_values::name_complex(term_ptr t) {
   });
 }
 
+void complex_values::name_unless_real(term_ptr name) {
+  if (!in_a_real_set(*facts_, name)) {
+    named_.insert(name);
+    names_ |= name->name_mask();
+  }
+}
+
 // What a statement puts into the set somewhere inside: f of forall (x), f(x) ∈ Complex, and of a function with complex
 // values. Each value of f may then be complex.
 void complex_values::name_inside(term_ptr statement) {
-  const term_list names = plain_free_variables(statement);
+  node_set free;
+  for (term_ptr name : plain_free_variables(statement)) {
+    free.insert(name);
+  }
   const auto name_those_in = [&](term_ptr part) {
-    for (term_ptr name : names) {
-      const bool stands_there =
-          any_subterm(part, walk_children, [name](term_ptr node) { return node->bare() == name->bare(); });
-      if (stands_there && !in_a_real_set(*facts_, name)) {
-        named_.insert(name->bare());
-        names_ |= name->name_mask();
+    for (term_ptr name : plain_free_variables(part)) {
+      if (free.contains(name)) {
+        name_unless_real(name);
       }
     }
   };
@@ -103,10 +111,7 @@ void complex_values::name_inside(term_ptr statement) {
 // What is real as a whole may be made of names that are not: z + i = 2.
 void complex_values::name_operands(term_ptr t) {
   for (term_ptr name : free_names_beside_heads(t)) {
-    if (!in_a_real_set(*facts_, name)) {
-      named_.insert(name);
-      names_ |= name->name_mask();
-    }
+    name_unless_real(name);
   }
 }
 

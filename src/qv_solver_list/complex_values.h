@@ -23,6 +23,7 @@ class complex_values {
   bool is_named(term_ptr t) const;
   void spread();
   void name_complex(term_ptr t);
+  void name_unless_real(term_ptr name);
   void name_inside(term_ptr statement);
   void name_operands(term_ptr t);
 
