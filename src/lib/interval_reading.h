@@ -9,4 +9,8 @@ namespace vetro {
 // prepared before, only a pair that came in with a value can stand where a set is expected; that is a point.
 bool reads_pair_as_interval(term_ptr t, term_ptr analyzed);
 
+// What a written value means for the binder of a quantifier: a pair is the open interval where a set is expected at
+// each place of the binder, as it would be if it were written there. Any other value is itself.
+term_ptr value_in_place(term_ptr quantified, term_ptr binder, term_ptr value);
+
 }  // namespace vetro

@@ -157,7 +157,7 @@ bool collect_substitutions(const dsl_execute_data& data, dsl_result& result, ter
       log_value_refused(data, pair);
       return false;
     }
-    substs.push_back({pair.binder, pair.sub_term, placeholders.next()});
+    substs.push_back({pair.binder, value_in_place(quantified, pair.binder, pair.sub_term), placeholders.next()});
   }
   return true;
 }

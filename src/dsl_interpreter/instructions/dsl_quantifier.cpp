@@ -90,8 +90,9 @@ term_ptr instantiate_pairs(const dsl_execute_data& data, dsl_result& result, ter
         return nullptr;
       }
     }
+    term_ptr value = value_in_place(working, pair.binder, pair.sub_term);
     term_ptr refused = nullptr;
-    working = instantiate_binders(working, {&pair.binder, 1}, {&pair.sub_term, 1}, &refused);
+    working = instantiate_binders(working, {&pair.binder, 1}, {&value, 1}, &refused);
     if (working == nullptr) {
       log_failed_instantiation(data, pair, refused);
       return nullptr;

@@ -171,8 +171,9 @@ TEST(get_prop_sums, beta_reduction_replaces_starts) {
 }
 
 TEST(get_prop_values, stand_for_one_finite_number) {
-  script_run s(gap_of({"forall (y), y - y = 0", "forall (a), lim_{x → a}(1) = 1", "forall (S), 1 ∈ S ⇒ S ⊆ T"},
-                      "exists (y), y > c"));
+  script_run s(
+      gap_of({"forall (y), y - y = 0", "forall (a), lim_{x → a}(1) = 1", "forall (S)(U), 1 ∈ S ⇒ S ⊆ f(U) ∪ U"},
+             "exists (y), y > c"));
   const auto get = [&s](const std::string& number, const std::string& pair, const std::string& as) {
     return s.step("get_prop (hypothesis " + number + ": {1 = 1}) " + pair + " as (hypothesis 4: {" + as + "})");
   };
@@ -181,7 +182,10 @@ TEST(get_prop_values, stand_for_one_finite_number) {
   EXPECT_EQ(get("1", "(y := {bigO_{x → 0}(x)})", "bigO_{x → 0}(x) - bigO_{x → 0}(x) = 0"), refused_y);
   EXPECT_EQ(get("1", "(y := {∞})", "∞ - ∞ = 0"), refused_y);
   EXPECT_EQ(s.step("exists (y := {∞})"), refused_y);
-  EXPECT_EQ(get("3", "(S := {(0, 2)})", "1 ∈ (0, 2) ⇒ (0, 2) ⊆ T"),
+  EXPECT_EQ(get("3", "(S := {(x, 2)})", "forall (U), 1 ∈ (x, 2) ⇒ (x, 2) ⊆ f(U) ∪ U"), success)
+      << "where only sets stand, a pair is an interval, as it would be in the text";
+  s.gap.assum = s.gap.assum.beginning(3);
+  EXPECT_EQ(get("3", "(U := {(x, 2)})", "forall (S), 1 ∈ S ⇒ S ⊆ f((x, 2)) ∪ (x, 2)"),
             failed("instantiation failed: a pair would stand in the place of a set, where it reads as an interval\n"));
   EXPECT_EQ(get("2", "(a := {∞})", "lim_{x → ∞}(1) = 1"), success) << "an infinite point is no infinite value";
 }
