@@ -6,6 +6,10 @@
 
 namespace vetro {
 
+// How many budgets of work have ended in this process, those of class budget and others. Whoever wants to know whether
+// one ended in some call looks before and behind it.
+inline std::uint64_t ended_budgets = 0;
+
 class budget {
  public:
   // Work that is charged here is charged outside too, where there is an outside.
@@ -16,7 +20,10 @@ class budget {
   // False once the work charged so far, with this, is more than there was; from then on for ever.
   bool charge(std::uint64_t work) {
     const bool fits_outside = outside_ == nullptr || outside_->charge(work);
-    spent_ = spent_ || !fits_outside || work > left_;
+    if (!spent_ && (!fits_outside || work > left_)) {
+      spent_ = true;
+      ++ended_budgets;
+    }
     left_ -= spent_ ? 0 : work;
     return !spent_;
   }

@@ -40,12 +40,12 @@ class scanner;
 
 %code {
 #include <cstdlib>
-#include <new>
 #include <utility>
 
 #include "parser/reading.h"
 #include "parser/scanner.h"
 #include "number/limits.h"
+#include "platform/memory_end.h"
 
 // While several readings are open, the skeleton's stack also holds what they have reduced.
 #define YYINITDEPTH vetro::limits::parse_stack_initial
@@ -65,7 +65,10 @@ int yylex(FORMULA_STYPE* value, parse_context&, scanner& tokens) { return tokens
 void yyerror(parse_context& context, scanner&, const char* message) { context.syntax_error(message); }
 
 void* or_out_of_memory(void* block) {
-  return block != nullptr ? block : throw std::bad_alloc();
+  if (block == nullptr) {
+    out_of_memory();
+  }
+  return block;
 }
 
 void* allocate(std::size_t bytes) { return or_out_of_memory(std::malloc(bytes)); }

@@ -101,6 +101,12 @@ void parse_context::syntax_error(const char* message) {
   }
 }
 
+void parse_context::out_of_memory() {
+  if (!stopped_) {
+    report_at_token("memory exhausted");
+  }
+}
+
 void parse_context::ambiguous(term_ptr first, term_ptr second) {
   if (stopped_) {
     return;

@@ -92,6 +92,8 @@ class parse_context {
 
   // ---- Results.
   void syntax_error(const char* message);
+  // What is said for a person is what a formula gets that is too long; it is no fault of the formula.
+  void out_of_memory();
   // Two readings of one stretch of text: reports them and ends the parse. Further reports are dropped.
   void ambiguous(term_ptr first, term_ptr second);
   bool stopped() const { return stopped_; }

@@ -18,7 +18,8 @@ int parse_checked(parse_context& context) {
     try {
       return parse_source(context);
     } catch (const std::bad_alloc&) {
-      // reported below
+      context.out_of_memory();
+      return 2;
     }
   }
   context.syntax_error("memory exhausted");

@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "diagnostics/diagnostics.h"
+#include "number/budget.h"
 #include "number/limits.h"
 #include "qv_solver_list/call_work.h"
 #include "qv_solver_list/solver_shapes.h"
@@ -104,13 +105,17 @@ bool call_decision_solver(solver_decide solve, term_ptr target, const solve_data
   if (solve == nullptr) {
     return false;
   }
+  const std::uint64_t ended_before = ended_budgets;
+  bool proved = false;
   try {
     const call_scope scope;
-    return solve(target, sdata);
-  } catch (const std::bad_alloc&) {
-    note_ended_budget(solve);
-    return false;
+    proved = solve(target, sdata);
+  } catch (const std::bad_alloc&) {  // the end of memory, or of the budget
   }
+  if (!proved && ended_budgets != ended_before) {
+    note_ended_budget(solve);
+  }
+  return proved;
 }
 
 solve_res call_one_step_solver(solver_func_t solve, const solver_args& args) {

@@ -8,6 +8,7 @@
 
 #include "lib/dsl_parser.h"
 #include "lib/proof_gap_parser.h"
+#include "platform/memory_end.h"
 #include "term/print/pretty.h"
 #include "term/report.h"
 
@@ -21,7 +22,11 @@ struct close_file {
   void operator()(std::FILE* file) const { std::fclose(file); }
 };
 std::unique_ptr<std::FILE, close_file> open_text(const std::string& text) {
-  return std::unique_ptr<std::FILE, close_file>(fmemopen(const_cast<char*>(text.data()), text.size(), "r"));
+  std::unique_ptr<std::FILE, close_file> file(fmemopen(const_cast<char*>(text.data()), text.size(), "r"));
+  if (file == nullptr) {
+    out_of_memory();
+  }
+  return file;
 }
 
 std::optional<proof_gap_full> gap_of(const ProgramContext& context) {
@@ -29,7 +34,7 @@ std::optional<proof_gap_full> gap_of(const ProgramContext& context) {
     return parse_proof_gap(context.proof_gap_file);
   }
   const auto file = open_text(*context.proof_gap_text);
-  return file == nullptr ? std::nullopt : read_proof_gap(file.get());
+  return read_proof_gap(file.get());
 }
 
 std::optional<dsl_instruction_list> script_of(const ProgramContext& context, dsl_parser_error& error) {
@@ -37,7 +42,7 @@ std::optional<dsl_instruction_list> script_of(const ProgramContext& context, dsl
     return parse_dsl_instructions(context.dsl_file, &error);
   }
   const auto file = open_text(*context.dsl_text);
-  return file == nullptr ? std::nullopt : parse_dsl_instructions(file.get(), &error);
+  return parse_dsl_instructions(file.get(), &error);
 }
 
 std::optional<proof_gap_full> read_proof_gap(const ProgramContext& context, log_stream& err_log) {

@@ -11,6 +11,7 @@
 #include <new>
 #include <unordered_set>
 
+#include "number/budget.h"
 #include "number/hash_mix.h"
 #include "term/state.h"
 #include "term/variables/binding_table.h"
@@ -266,6 +267,7 @@ term_ptr term_store::find(const content& c, const term_meta* meta, std::uint64_t
 
 term_ptr term_store::intern(const content& c, const term_meta* meta) {
   if (++calls_ > call_limit_) {
+    ++ended_budgets;
     throw std::bad_alloc();
   }
   if (meta != nullptr && meta->empty()) {

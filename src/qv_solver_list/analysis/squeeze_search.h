@@ -6,6 +6,7 @@
 #include <unordered_map>
 #include <vector>
 
+#include "number/budget.h"
 #include "number/limits.h"
 #include "qv_solver_list/analysis/squeeze_facts.h"
 
@@ -45,14 +46,13 @@ class squeeze_search {
   void follow(side& here, const side& there, level so_far, key_id rest, key_id f, key_id g);
   effects effects_of(key_id f) const;
   effects effects_of(key_id f, key_id g) const;
-  bool charge() { return ++steps_ <= budget_; }
+  bool charge() { return work_.charge(1); }
 
   squeeze_facts& facts_;
   squeeze_keys& keys_;
   bool need_strict_ = false;
   bool proved_ = false;
-  std::uint64_t steps_ = 0;
-  static constexpr std::uint64_t budget_ = limits::squeeze_steps;
+  budget work_{limits::squeeze_steps};
 };
 
 }  // namespace vetro

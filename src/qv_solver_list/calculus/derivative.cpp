@@ -8,6 +8,7 @@
 #include <limits>
 #include <utility>
 
+#include "number/budget.h"
 #include "number/limits.h"
 #include "term/build.h"
 #include "term/functions.h"
@@ -150,7 +151,11 @@ term_ptr differentiator::derive(term_ptr t) {
 }
 
 term_ptr differentiator::derive_new(term_ptr t) {
-  if (++work_ > limits::derivative_steps || t->has_meta()) {
+  if (++work_ > limits::derivative_steps) {
+    ++ended_budgets;
+    return nullptr;
+  }
+  if (t->has_meta()) {
     return nullptr;
   }
   if (t->type() == Var) {

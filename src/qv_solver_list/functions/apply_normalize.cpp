@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <unordered_map>
 
+#include "number/budget.h"
 #include "number/limits.h"
 #include "term/node_memo.h"
 #include "term/substitute/beta.h"
@@ -191,6 +192,7 @@ class function_evaluator::walk {
     }
     known_.keep(t, nullptr, place);
     if (++steps_ > limits::func_apply_steps) {
+      ++ended_budgets;
       return fail();
     }
     const term_ptr result = normal_node(t, fuel, view);

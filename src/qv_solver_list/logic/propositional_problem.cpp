@@ -1,6 +1,7 @@
 // Atoms and connectives.
 #include "qv_solver_list/logic/propositional_problem.h"
 
+#include "number/budget.h"
 #include "number/limits.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "term/term_split_combine.h"
@@ -30,7 +31,11 @@ std::optional<sat_term_type> binary_connective(connect_type connect) {
 bool propositional_problem::is_full() const { return formula_.nodes().size() >= limits::propositional_nodes; }
 
 propositional_problem::position propositional_problem::translate(term_ptr t) {
-  if (t == nullptr || is_full()) {
+  if (t == nullptr) {
+    return std::nullopt;
+  }
+  if (is_full()) {
+    ++ended_budgets;
     return std::nullopt;
   }
   const auto view = composed_prop_split(t);

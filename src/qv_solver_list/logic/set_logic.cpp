@@ -12,6 +12,7 @@
 #include <unordered_set>
 #include <vector>
 
+#include "number/budget.h"
 #include "number/limits.h"
 #include "qv_solver_list/logic/propositional_problem.h"
 #include "qv_solver_list/solver_preprocess.h"
@@ -173,7 +174,11 @@ class set_problem : public propositional_problem {
     for (std::size_t i = 0; i < equalities_.size() && all; ++i) {
       all = both(all, congruence(equalities_[i]));
     }
-    return statements_.size() <= limits::set_statements && !is_full() ? all : std::nullopt;
+    if (statements_.size() > limits::set_statements) {
+      ++ended_budgets;
+      return std::nullopt;
+    }
+    return is_full() ? std::nullopt : all;
   }
 
  protected:

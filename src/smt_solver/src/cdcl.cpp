@@ -14,6 +14,7 @@
 #include <cassert>
 #include <cstdlib>
 
+#include "number/budget.h"
 #include "number/limits.h"
 #include "term/report.h"
 
@@ -270,6 +271,7 @@ cdcl_result cdcl_solver(sat_data& s) {
         case conflict_outcome::unsatisfiable:
           return cdcl_unsat;
         case conflict_outcome::exhausted:
+          ++ended_budgets;
           return cdcl_exhausted;
         case conflict_outcome::resolved:
           break;
