@@ -5,7 +5,6 @@
 
 #include <algorithm>
 #include <cerrno>
-#include <chrono>
 #include <cstdlib>
 #include <cstring>
 #include <filesystem>
@@ -18,6 +17,8 @@
 #include "check/output_file.h"
 #include "check/person.h"
 #include "check/pool.h"
+#include "check/progress_bar.h"
+#include "check/run_head.h"
 #include "config/config_load.h"
 #include "diagnostics/diagnostics.h"
 #include "lib/log_stream.h"
@@ -89,24 +90,6 @@ std::string line_of(const json_object& object) {
   return text == nullptr ? std::string() : std::string(text.get()) + "\n";
 }
 
-std::string run_event(const check_options& options, const run_library& library) {
-  json_object object;
-  object.word("event", "run");
-  object.number("format", event_format);
-  object.word("program", "vetro-check");
-  object.word("version", VETRO_VERSION);
-  object.text("library", library.path);
-  object.number("theorems", library.theorems == nullptr ? 0 : library.theorems->table.size());
-  object.boolean("strict", options.strict);
-  object.boolean("explain", options.explain || !options.html.empty());
-  if (!options.html.empty()) {
-    object.boolean("mathml", true);
-  }
-  object.number("shard", options.shard);
-  object.number("shards", options.shards);
-  return line_of(object);
-}
-
 std::string summary_event(const person_report& counts, int status) {
   json_object object;
   object.word("event", "summary");
@@ -130,8 +113,7 @@ class result_display {
       : options_(options),
         person_({.colour = isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr,
                  .quiet = options.quiet,
-                 .explain = options.explain}),
-        shows_progress_(isatty(STDERR_FILENO) != 0 && !options.quiet) {}
+                 .explain = options.explain}) {}
 
   // False, with a message, when a file cannot be opened.
   bool open() {
@@ -139,7 +121,8 @@ class result_display {
         (!options_.sarif.empty() && !sarif_file_.open(options_.sarif))) {
       return false;
     }
-    if (!options_.html.empty() && !pages_.open(options_.html)) {
+    if ((!options_.html.empty() && !pages_.open(options_.html)) ||
+        (!options_.logs.empty() && !make_folder(options_.logs))) {
       return false;
     }
     junit_file_.write(junit_.begin());
@@ -156,19 +139,29 @@ class result_display {
   // False when standard output takes no more.
   bool show(const std::string& events, const proof_report& report) {
     status_ = graver_status(status_, row_of(report.result).exit_status);
+    if (report.has(row_of(diagnostic_code::log_lost).name)) {
+      fail(exit_input_error);
+    }
     const std::string text = person_.proof(report);
-    hide_progress();
+    if (isatty(STDOUT_FILENO) != 0 && !(options_.json ? events : text).empty()) {
+      progress_.hide();
+    }
     print(options_.json ? events : text);
     junit_file_.write(junit_.proof(report));
     sarif_file_.write(sarif_.proof(report));
     pages_.proof(report);
-    show_progress_line();
-    return std::fflush(stdout) == 0;
+    ++seen_;
+    const bool written = std::fflush(stdout) == 0;
+    show_progress();
+    return written;
   }
+
+  progress_bar& progress() { return progress_; }
+  void show_progress() { progress_.update(seen_, seen_ - person_.counts()[0]); }
 
   // The exit status.
   int end() {
-    hide_progress();
+    progress_.hide();
     print(options_.json ? summary_event(person_, status_) : person_.summary());
     junit_file_.write(junit_report::end());
     junit_file_.replace_beginning(junit_.begin());
@@ -189,23 +182,6 @@ class result_display {
  private:
   static void print(const std::string& text) { std::fwrite(text.data(), 1, text.size(), stdout); }
 
-  void show_progress_line() {
-    using clock = std::chrono::steady_clock;
-    ++seen_;
-    if (!shows_progress_ || clock::now() - last_progress_ < std::chrono::milliseconds(200)) {
-      return;
-    }
-    last_progress_ = clock::now();
-    std::fprintf(stderr, "%zu checked, %zu not verified", seen_, seen_ - person_.counts()[0]);
-    progress_stands_ = true;
-  }
-  void hide_progress() {
-    if (progress_stands_) {
-      std::fputs("\r\x1b[K", stderr);
-      progress_stands_ = false;
-    }
-  }
-
   const check_options& options_;
   person_report person_;
   junit_report junit_;
@@ -214,15 +190,11 @@ class result_display {
   output_file junit_file_;
   output_file sarif_file_;
   int status_ = 0;
-  bool shows_progress_;
-  bool progress_stands_ = false;
+  progress_bar progress_;
   std::size_t seen_ = 0;
-  std::chrono::steady_clock::time_point last_progress_ = std::chrono::steady_clock::now();
 };
 
 // ---- The two kinds of run.
-
-std::string first_line(const std::string& text) { return text.substr(0, text.find('\n') + 1); }
 
 constexpr int interrupted_status = 130;  // as a shell says it of a program that SIGINT ended
 
@@ -236,10 +208,10 @@ int check_proofs(const check_options& options, result_display& display) {
                 ": " + std::string(severity_name(d.level)) + "[" + std::string(row_of(d.code).name) +
                 "]: " + d.message + "\n");
   }
-  const std::string head = run_event(options, library);
+  const std::string head = run_head(options, library.path, *library.theorems);
   event_journal journal;
   task_source source(options);
-  if (!options.resume.empty() && !journal.open(options.resume, first_line(head))) {
+  if (!options.resume.empty() && !journal.open(options.resume, head)) {
     return exit_input_error;
   }
   display.begin(head);
@@ -265,8 +237,15 @@ int check_proofs(const check_options& options, result_display& display) {
     return exit_input_error;
   }
   const bool with_pages = !options.html.empty();
-  const pool_settings settings{options.jobs,
-                               {.explain = options.explain || with_pages, .times = options.times, .pages = with_pages}};
+  if (display.progress().may_show()) {
+    if (const auto all = count_tasks(options)) {
+      display.progress().expect(*all);
+    }
+  }
+  const pool_settings settings{
+      options.jobs,
+      {.explain = options.explain || with_pages, .times = options.times, .pages = with_pages, .logs = options.logs},
+      [&display] { display.show_progress(); }};
   bool journal_lost = false;
   const pool_end end = run_pool(
       settings, library.theorems.get(), [&source] { return source.next(); },
@@ -274,6 +253,7 @@ int check_proofs(const check_options& options, result_display& display) {
         journal_lost = !journal.append(proof.events);
         return show(proof.events) && !journal_lost;
       });
+  display.progress().hide();
   if (end == pool_end::interrupted) {
     report_error("vetro-check: interrupted\n");
     return interrupted_status;
@@ -294,7 +274,7 @@ int merge_events(const check_options& options, result_display& display) {
   if (!merge.open()) {
     return exit_input_error;
   }
-  display.begin(merge.head());
+  display.begin(head_of_whole(merge.head()));
   while (const auto proof = merge.next()) {
     if (!display.show(events_of(*proof), *proof)) {
       return exit_input_error;

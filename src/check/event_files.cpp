@@ -8,7 +8,9 @@
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
+#include <map>
 
+#include "check/run_head.h"
 #include "lib/line_reader.h"
 #include "term/report.h"
 
@@ -120,9 +122,36 @@ bool event_merge::open() {
     if (!parts_.back()->reader.open(path)) {
       return false;
     }
+    const event_file_reader& reader = parts_.back()->reader;
+    if (const std::string difference = difference_of_heads(head(), reader.head()); !difference.empty()) {
+      complain(path, "this is no part of the run of " + paths_.front() + ": " + difference);
+      return false;
+    }
     parts_.back()->proof = parts_.back()->reader.next();
   }
+  find_missing_parts();
   return true;
+}
+
+// Proofs that are missing at the end would not show by their numbers.
+void event_merge::find_missing_parts() {
+  std::map<std::uint64_t, const std::string*> there;
+  for (std::size_t i = 0; i < parts_.size(); ++i) {
+    const auto [place, is_new] = there.try_emplace(part_of_head(parts_[i]->reader.head()).number, &paths_[i]);
+    if (!is_new) {
+      fail(*place->second + " and " + paths_[i] + " are the same part of the run");
+    }
+  }
+  const std::uint64_t of = part_of_head(head()).of;
+  if (there.size() < of) {
+    std::uint64_t first = 1;
+    while (there.contains(first)) {
+      ++first;
+    }
+    const std::uint64_t missing = of - there.size();
+    fail("part " + std::to_string(first) + " of " + std::to_string(of) + " is missing" +
+         (missing == 1 ? "" : ", and " + std::to_string(missing - 1) + " more"));
+  }
 }
 
 std::string event_merge::head() const { return parts_.empty() ? std::string() : parts_.front()->reader.head(); }
@@ -141,9 +170,10 @@ std::optional<proof_report> event_merge::next() {
   }
   recorded_proof proof = std::move(*(*first)->proof);
   (*first)->proof = (*first)->reader.next();
-  if (proof.number == last_) {
+  // One message says it: a part that is missing leaves out many proofs.
+  if (!failed_ && proof.number == last_) {
     fail("proof " + std::to_string(proof.number) + " stands in two parts");
-  } else if (proof.number != last_ + 1) {
+  } else if (!failed_ && proof.number != last_ + 1) {
     fail("proof " + std::to_string(last_ + 1) + " is missing");
   }
   last_ = proof.number;

@@ -68,8 +68,9 @@ class event_journal {
 class event_merge {
  public:
   explicit event_merge(std::vector<std::string> paths) : paths_(std::move(paths)) {}
-  // False after a message.
+  // False after a message, also when they are parts of different runs.
   bool open();
+  // The first part's.
   std::string head() const;
   std::optional<proof_report> next();
   // Whether proofs are missing or stand there twice, after a message.
@@ -80,6 +81,7 @@ class event_merge {
     event_file_reader reader;
     std::optional<recorded_proof> proof;
   };
+  void find_missing_parts();
   void fail(const std::string& message);
 
   std::vector<std::string> paths_;

@@ -3,7 +3,7 @@
 
 #include <algorithm>
 #include <chrono>
-#include <fstream>
+#include <filesystem>
 #include <new>
 
 #include "diagnostics/diagnostics.h"
@@ -11,6 +11,7 @@
 #include "platform/text_file.h"
 #include "qv_solver_list/solver_shapes.h"
 #include "run/proof_run.h"
+#include "run/structured_result.h"
 #include "term/print/mathml.h"
 #include "term/print/pretty.h"
 #include "term/state.h"
@@ -47,6 +48,27 @@ class fresh_process {
   int fresh_;
   int placeholder_;
   int binder_copy_;
+};
+
+// ---- The end of memory.
+
+bool memory_ran_out = false;
+
+[[noreturn]] void note_end_of_memory() {
+  memory_ran_out = true;
+  throw std::bad_alloc();
+}
+
+// Notes an allocation that failed, also where a reader or a solver answers it by giving up alone.
+class memory_watch {
+ public:
+  memory_watch() : before_(std::set_new_handler(note_end_of_memory)) { memory_ran_out = false; }
+  ~memory_watch() { std::set_new_handler(before_); }
+  memory_watch(const memory_watch&) = delete;
+  memory_watch& operator=(const memory_watch&) = delete;
+
+ private:
+  std::new_handler before_;
 };
 
 // ---- Lines of files.
@@ -228,6 +250,67 @@ class report_writer {
   source_lines script_;
 };
 
+// ---- What vetro writes.
+
+// The two logs and the result document of a proof, in a folder of their own, or logs that nobody reads.
+class proof_logs {
+ public:
+  proof_logs(const std::string& folder, const proof_task& task) {
+    if (folder.empty()) {
+      return;
+    }
+    folder_ = folder + "/" + file_stem(task.number, task.id);
+    std::error_code error;
+    std::filesystem::create_directory(folder_, error);
+    for (const std::string& path : {path_of_errors(), path_of_trace(), path_of_document()}) {
+      discard_structured_result_file(path);
+    }
+    if (!errors.open(path_of_errors())) {
+      lose(path_of_errors());
+    }
+  }
+
+  log_stream* open_trace() {
+    if (!folder_.empty() && !trace.open(path_of_trace())) {
+      lose(path_of_trace());
+    }
+    return &trace;
+  }
+  bool wanted() const { return !folder_.empty(); }
+  std::string path_of_document() const { return folder_ + "/result.json"; }
+  void write_document(const run_outcome& run) {
+    if (wanted() && !write_structured_result_file(path_of_document(), run)) {
+      lose(path_of_document());
+    }
+  }
+
+  // The files that were not written.
+  std::vector<std::string> close() {
+    if (wanted() && !errors.close()) {
+      lose(path_of_errors());
+    }
+    if (wanted() && !trace.close()) {
+      lose(path_of_trace());
+    }
+    return std::move(lost_);
+  }
+
+  log_stream errors;
+
+ private:
+  std::string path_of_errors() const { return folder_ + "/error.log"; }
+  std::string path_of_trace() const { return folder_ + "/execute.log"; }
+  void lose(const std::string& path) {
+    if (std::find(lost_.begin(), lost_.end(), path) == lost_.end()) {
+      lost_.push_back(path);
+    }
+  }
+
+  std::string folder_;
+  log_stream trace;
+  std::vector<std::string> lost_;
+};
+
 // ---- The run.
 
 proof_report empty_report(const proof_task& task) {
@@ -272,18 +355,17 @@ class examination {
     if (task_.work != 0) {
       state().store.set_call_limit(state().store.calls() + task_.work);
     }
-    bool out_of_memory = false;
     try {
+      const memory_watch watch;
       run_collecting();
-    } catch (const std::bad_alloc&) {
-      out_of_memory = true;
+    } catch (const std::bad_alloc&) {  // noted below
     }
     report_.work = counted_work() - calls;
     state().store.set_call_limit(UINT64_MAX);
     const auto time = std::chrono::duration_cast<std::chrono::microseconds>(steady_clock::now() - begun);
     report_.microseconds = static_cast<std::uint64_t>(time.count());
     report_.with_times = settings_.times;
-    note_limits(out_of_memory);
+    note_limits();
     note_strictness();
     report_writer writer(task_, collected_, settings_.pages, report_);
     writer.write_diagnostics();
@@ -296,24 +378,28 @@ class examination {
  private:
   void run_collecting() {
     const diagnostics_collection collection(collected_);
-    std::string error_log;
-    std::string execute_log;
-    log_stream errors(&error_log);
-    log_stream trace(&execute_log);
+    proof_logs logs(settings_.logs, task_);
     ProgramContext context;
     context.proof_gap_file = task_.gap;
     context.dsl_file = task_.script;
     context.proof_gap_text = task_.gap_text;
     context.dsl_text = task_.script_text;
-    run_environment environment{.err_log = errors};
+    if (logs.wanted()) {
+      context.result_json_file = logs.path_of_document();
+    }
+    run_environment environment{.err_log = logs.errors};
     environment.library = [this] { return library(); };
-    environment.execute_log = [&trace] { return &trace; };
-    environment.observe = [this](const run_outcome& run) {
+    environment.execute_log = [&logs] { return logs.open_trace(); };
+    environment.observe = [&](const run_outcome& run) {
+      logs.write_document(run);
       observe(run);
       return true;
     };
     if (run_proof(context, environment) == run_failed && !observed_) {
       report_.result = unreadable_ || has(diagnostic_code::file_unreadable) ? outcome::unreadable : outcome::unparsed;
+    }
+    for (const std::string& lost : logs.close()) {
+      collected_.add({.code = diagnostic_code::log_lost, .message = lost + " cannot be written", .place = {}});
     }
   }
 
@@ -377,9 +463,9 @@ class examination {
     }
   }
 
-  void note_limits(bool out_of_memory) {
+  void note_limits() {
     const bool work_ended = task_.work != 0 && report_.work >= task_.work;
-    if (!out_of_memory && (!work_ended || report_.finished)) {
+    if ((!memory_ran_out && !work_ended) || report_.finished) {
       return;
     }
     report_.result = outcome::limit;

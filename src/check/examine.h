@@ -14,7 +14,8 @@ namespace vetro {
 struct examine_settings {
   bool explain = false;
   bool times = false;
-  bool pages = false;  // what pages show beside that: the gap, and formulas as MathML
+  bool pages = false;     // what pages show beside that: the gap, and formulas as MathML
+  std::string logs = {};  // the folder for what vetro writes on each proof; empty: none
 };
 
 // The libraries of a run. That of the run is read once; others when a proof first asks for them.

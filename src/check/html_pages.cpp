@@ -2,8 +2,6 @@
 #include "check/html_pages.h"
 
 #include <algorithm>
-#include <cctype>
-#include <filesystem>
 
 #include "check/html_style.h"
 #include "lib/log_stream.h"
@@ -238,21 +236,6 @@ class page_writer {
 
 }  // namespace
 
-std::string page_name(const proof_report& report) {
-  constexpr std::size_t longest = 80;
-  std::string name = std::to_string(report.number);
-  bool gap = true;
-  for (const char c : report.id) {
-    const bool safe = std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
-    if (safe && name.size() < longest) {
-      name += gap ? "-" : "";
-      name += c;
-    }
-    gap = !safe;
-  }
-  return name + ".html";
-}
-
 std::string html_page(const proof_report& report) { return page_writer(report).page(); }
 
 // The counts stand in the beginning, in as many bytes before the first proof as behind the last.
@@ -279,13 +262,7 @@ bool html_pages::write_file(const std::string& name, std::string_view text) {
 
 bool html_pages::open(const std::string& folder) {
   folder_ = folder;
-  std::error_code error;
-  std::filesystem::create_directories(folder, error);
-  if (!std::filesystem::is_directory(folder)) {
-    report_error("vetro-check: the folder %s cannot be made: %s\n", folder.c_str(), error.message().c_str());
-    return false;
-  }
-  if (!write_file("style.css", html_style) || !index_.open(folder + "/index.html")) {
+  if (!make_folder(folder) || !write_file("style.css", html_style) || !index_.open(folder + "/index.html")) {
     return false;
   }
   index_.write(index_beginning());
@@ -297,7 +274,7 @@ void html_pages::proof(const proof_report& report) {
     return;
   }
   ++counts_[static_cast<std::size_t>(report.result)];
-  const std::string name = page_name(report);
+  const std::string name = file_stem(report.number, report.id) + ".html";
   lost_ = lost_ || !write_file(name, html_page(report));
   index_.write("<tr><td>" + outcome_html(report.result) + "</td><td><a href=\"" + name + "\">" + xml_text(report.id) +
                "</a></td><td class=\"count\">" + std::to_string(report.count("error")) +

@@ -29,9 +29,6 @@ class html_pages {
   bool lost_ = false;
 };
 
-// The name of the file of a proof's page: its number, and those characters of its id that are safe everywhere.
-std::string page_name(const proof_report& report);
-
 // The page.
 std::string html_page(const proof_report& report);
 

@@ -61,12 +61,17 @@ read_options parse_check_options(int argc, char** argv) {
   app.add_option("--sarif", options.sarif, "Write a SARIF report")->type_name("FILE");
   app.add_option("--html", options.html, "Write a page for each proof, and an index of them, into a folder")
       ->type_name("FOLDER");
+  auto* logs = app.add_option("--logs", options.logs,
+                              "Write what vetro writes on each proof, the two logs and the result document, into a "
+                              "folder");
+  logs->type_name("FOLDER");
   app.add_option("--resume", options.resume,
                  "Keep the events in FILE; a run that was interrupted goes on behind its last finished proof")
       ->type_name("FILE");
   std::string shard;
   app.add_option("--shard", shard, "Only the proofs of part I of N")->type_name("I/N");
-  app.add_flag("--merge", options.merge, "The arguments are files of events of all parts; report them as one run");
+  app.add_flag("--merge", options.merge, "The arguments are files of events of all parts; report them as one run")
+      ->excludes(logs);
   app.footer(
       "Exit status: 0 all verified, 1 some not, 2 verified with admits or not strictly, 3 input error, 4 a limit was "
       "met, 5 internal fault.");

@@ -25,6 +25,7 @@ struct check_options {
   std::string junit;
   std::string sarif;
   std::string html;
+  std::string logs;
   std::string resume;
   bool merge = false;
   unsigned shard = 0;  // of shards, from 1; 0: all

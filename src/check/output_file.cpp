@@ -2,6 +2,7 @@
 
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 
 #include "platform/file_identity.h"
 #include "term/report.h"
@@ -63,6 +64,17 @@ bool output_file::finish() {
                  errno == 0 ? "not everything was written" : std::strerror(errno));
   }
   return written;
+}
+
+bool make_folder(const std::string& path) {
+  std::error_code error;
+  std::filesystem::create_directories(path, error);
+  std::error_code ignored;
+  if (std::filesystem::is_directory(path, ignored)) {
+    return true;
+  }
+  report_error("vetro-check: the folder %s cannot be made: %s\n", path.c_str(), error.message().c_str());
+  return false;
 }
 
 }  // namespace vetro

@@ -30,4 +30,7 @@ class output_file {
   std::FILE* file_ = nullptr;
 };
 
+// False, with a message, where there is no such folder and it cannot be made.
+bool make_folder(const std::string& path);
+
 }  // namespace vetro

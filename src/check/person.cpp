@@ -93,7 +93,7 @@ class painter {
     pieces("open", d.open, d.needed);
     pieces("comes down to", d.unfolded, {});
     for (const std::string& solver : d.budget_ended) {
-      write("      budget: " + solver + " gave up at its limit of work\n");
+      write("      budget: " + solver + " met a limit of work\n");
     }
     if (!d.suggestion.empty()) {
       write("      help: " + d.suggestion + "\n");
@@ -128,9 +128,12 @@ class painter {
     }
   }
 
+  // A huge formula by its beginning.
   void formula(const char* label, const shown_formula& f) {
+    constexpr std::size_t shown = 1'000;
     if (!f.empty()) {
-      write("      " + std::string(label) + ": " + f.pretty + "\n");
+      const std::size_t end = byte_of(f.pretty, shown);
+      write("      " + std::string(label) + ": " + f.pretty.substr(0, end) + (end < f.pretty.size() ? " …\n" : "\n"));
     }
   }
 

@@ -89,6 +89,7 @@ class pool {
         }
         continue;
       }
+      settings_.while_waiting();
       wait();
     }
     return pool_end::interrupted;
@@ -217,9 +218,9 @@ class pool {
     end_late_ones();
   }
 
-  // At most a second: a signal may come just before the wait.
+  // Not for long: a signal may come just before the wait, and a person may watch.
   static int milliseconds_until(const std::optional<worker::clock::time_point>& time) {
-    constexpr std::int64_t longest = 1'000;
+    constexpr std::int64_t longest = 200;
     if (!time) {
       return longest;
     }

@@ -13,6 +13,7 @@ namespace vetro {
 struct pool_settings {
   unsigned jobs = 1;
   examine_settings examine;
+  std::function<void()> while_waiting;  // called some times in a second
 };
 
 // One proof's result: its events as text.

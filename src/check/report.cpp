@@ -2,6 +2,7 @@
 #include "check/report.h"
 
 #include <algorithm>
+#include <cctype>
 
 #include "check/json_object.h"
 #include "check/json_reading.h"
@@ -241,6 +242,26 @@ bool read_result(const cJSON* e, proof_report& report) {
 std::size_t proof_report::count(std::string_view level) const {
   return static_cast<std::size_t>(std::count_if(diagnostics.begin(), diagnostics.end(),
                                                 [&](const report_diagnostic& d) { return d.level == level; }));
+}
+
+bool proof_report::has(std::string_view code) const {
+  return std::any_of(diagnostics.begin(), diagnostics.end(),
+                     [code](const report_diagnostic& d) { return d.code == code; });
+}
+
+std::string file_stem(std::size_t number, std::string_view id) {
+  constexpr std::size_t longest = 80;
+  std::string stem = std::to_string(number);
+  bool gap = true;
+  for (const char c : id) {
+    const bool safe = std::isalnum(static_cast<unsigned char>(c)) != 0 || c == '_';
+    if (safe && stem.size() < longest) {
+      stem += gap ? "-" : "";
+      stem += c;
+    }
+    gap = !safe;
+  }
+  return stem;
 }
 
 std::string events_of(const proof_report& report) {

@@ -88,7 +88,11 @@ struct proof_report {
   bool with_times = false;
 
   std::size_t count(std::string_view level) const;
+  bool has(std::string_view code) const;
 };
+
+// What files of a proof are called: its number, and those characters of its id that are safe everywhere.
+std::string file_stem(std::size_t number, std::string_view id);
 
 // The events of a proof, a line each: its gap, its steps, its diagnostics, its result.
 std::string events_of(const proof_report& report);

@@ -136,8 +136,8 @@ proof_task task_from_json(const std::string& text) {
 
 // ---- The source.
 
-task_source::task_source(const check_options& options)
-    : options_(options), arguments_(options.proofs.begin(), options.proofs.end()) {
+task_source::task_source(const check_options& options, bool only_counts)
+    : options_(options), only_counts_(only_counts), arguments_(options.proofs.begin(), options.proofs.end()) {
   for (const std::string& manifest : options.manifests) {
     arguments_.push_back("--manifest=" + manifest);
   }
@@ -279,7 +279,7 @@ std::optional<proof_task> task_source::next_of_manifest() {
     if (status == line_status::line) {
       ++manifest_line_;
       if (line.find_first_not_of(" \t\r\n") != std::string::npos) {
-        return from_line(line);
+        return only_counts_ ? proof_task() : from_line(line);
       }
       continue;
     }
@@ -325,6 +325,24 @@ proof_task task_source::from_line(const std::string& text) {
   number("memory", task.memory);
   number("work", task.work);
   return task;
+}
+
+std::optional<std::size_t> count_tasks(const check_options& options) {
+  // A pipe gives its lines once.
+  const auto comes_once = [](const std::string& path) {
+    std::error_code error;
+    return path == "-" || fs::is_fifo(path, error);
+  };
+  if (std::any_of(options.proofs.begin(), options.proofs.end(), comes_once) ||
+      std::any_of(options.manifests.begin(), options.manifests.end(), comes_once)) {
+    return std::nullopt;
+  }
+  task_source source(options, true);
+  std::size_t count = 0;
+  while (source.next().has_value()) {
+    ++count;
+  }
+  return count;
 }
 
 }  // namespace vetro

@@ -39,7 +39,8 @@ proof_task task_from_json(const std::string& text);
 
 class task_source {
  public:
-  explicit task_source(const check_options& options);
+  // One that only counts does not look at what the lines of manifests say.
+  explicit task_source(const check_options& options, bool only_counts = false);
   ~task_source();
   task_source(const task_source&) = delete;
   task_source& operator=(const task_source&) = delete;
@@ -58,6 +59,7 @@ class task_source {
   proof_task from_line(const std::string& line);
 
   const check_options& options_;
+  bool only_counts_;
   std::deque<std::string> arguments_;
   std::deque<proof_task> found_;  // of a folder
   std::FILE* manifest_ = nullptr;
@@ -65,5 +67,8 @@ class task_source {
   int manifest_line_ = 0;
   std::size_t number_ = 0;
 };
+
+// How many proofs the command line names; nothing where that shows only when they come.
+std::optional<std::size_t> count_tasks(const check_options& options);
 
 }  // namespace vetro

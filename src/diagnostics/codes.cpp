@@ -63,6 +63,7 @@ constexpr auto rows = std::to_array<diagnostic_row>({
     {work_limit, "work-limit", error, "The proof was ended at the limit of counted work."},
     {too_deep, "too-deep", error, "The input is nested too deeply for the stack."},
     {crash, "crash", error, "The process of the proof ended by a fault of the program."},
+    {log_lost, "log-lost", error, "A file of `--logs` cannot be written."},
 });
 
 consteval bool rows_stand_at_their_codes() {
@@ -71,7 +72,7 @@ consteval bool rows_stand_at_their_codes() {
       return false;
     }
   }
-  return rows.size() == static_cast<std::size_t>(crash) + 1;
+  return rows.size() == static_cast<std::size_t>(log_lost) + 1;
 }
 static_assert(rows_stand_at_their_codes());
 

@@ -66,6 +66,7 @@ enum class diagnostic_code : std::uint8_t {
   work_limit,
   too_deep,
   crash,
+  log_lost,
 };
 
 struct diagnostic_row {

@@ -66,6 +66,7 @@ class gap_reader {
   enum class section : unsigned char { none, assumptions, goal };
 
   void take_assumption(std::string_view line) {
+    ++position_;
     const std::size_t start = parse_assumption_formula_start(line);
     if (start == std::string_view::npos) {
       failed_ = true;
@@ -99,7 +100,7 @@ class gap_reader {
   void compare_number(std::string_view head) {
     const std::size_t digits = head.find_first_of("0123456789");
     const std::string_view written = head.substr(digits, head.find_first_not_of("0123456789", digits) - digits);
-    const std::string position = std::to_string(gap_.assu_num() + 1);
+    const std::string position = std::to_string(position_);
     if (written != position && collecting_diagnostics != nullptr) {
       diagnose(diagnostic_code::gap_number, written,
                "this is hypothesis " + position + ", whatever number stands here");
@@ -108,6 +109,7 @@ class gap_reader {
 
   proof_gap_full gap_;
   int line_number_ = 0;
+  int position_ = 0;  // of the assumption, also behind one that does not parse
   section section_ = section::none;
   bool goal_seen_ = false;
   bool failed_ = false;

@@ -71,6 +71,8 @@ constexpr row rows[] = {
     {"ASSUM:;x > 1;GOAL:;x > 0", "apply (hypothesis 1: {x > 1})", "unparsed", "gap-line-form", "gap:2:1+5", ""},
     {"ASSUM:;1. x > 1", "apply (hypothesis 1: {x > 1})", "unparsed", "gap-without-goal", "gap:3:1+0", ""},
     {"ASSUM:;1. ε > * 1;GOAL:;x > 0", "autosolve all_hypothesis", "unparsed", "formula-syntax", "gap:2:8+1", ""},
+    {"ASSUM:;1. x > > 1;2. y > 1;GOAL:;y > 0", "autosolve all_hypothesis", "unparsed", "formula-syntax", "gap:2:8+1",
+     ""},
     {"ASSUM:;1. x | f(x) + y ∈ S;GOAL:;x > 0", "autosolve all_hypothesis", "failed", "not-proved", "script:1:1+24", ""},
     {"ASSUM:;2. x > 1;GOAL:;x > 0", "autosolve all_hypothesis", "verified", "gap-number", "gap:2:1+1", ""},
     {"ASSUM:;1. x > 1;GOAL:;x > 0;y > 0", "autosolve all_hypothesis", "verified", "behind-goal", "gap:5:1+5", ""},
