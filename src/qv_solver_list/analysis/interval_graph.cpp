@@ -334,7 +334,7 @@ interval interval_graph::forward(const expr_node& n) const {
     case interval_op::minus:
       return interval_sub(a, b);
     case interval_op::mult:
-      return interval_mul(a, b);
+      return representative(n.a) == representative(n.b) ? interval_pow_const(a, 2) : interval_mul(a, b);
     case interval_op::div:
       return representative(n.a) == representative(n.b) ? interval_point(rat_one) : interval_div(a, b);
     case interval_op::power:

@@ -47,13 +47,15 @@ class derivative_solver {
       : sdata_(sdata), premises_(sdata, side_table::deriv), facts_(sdata, evalbar_domain_policy) {}
 
   bool proves(term_ptr equation, term_ptr left, term_ptr right) {
-    if (term_ptr value = computed(left); value != nullptr && same(value, right)) {
+    term_ptr at_left = computed(left);
+    if (at_left != nullptr && same(at_left, right)) {
       return true;
     }
-    if (term_ptr value = computed(right)) {
-      return same(value, left);
+    term_ptr at_right = computed(right);
+    if (at_right == nullptr) {
+      return premises_.proves(equation);
     }
-    return premises_.proves(equation);
+    return same(at_right, left) || (at_left != nullptr && same(at_left, at_right));
   }
 
  private:

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 
+#include "qv_solver_list/number_reading.h"
 #include "term/compare.h"
 #include "term/memo.h"
 #include "term/number_set.h"
@@ -69,15 +70,19 @@ class condition_walk {
   question_memo answers_;
 };
 
-// left pred right; integers are compared on the spot.
+// left pred right; numbers are compared on the spot.
 bool prove_relation(pred_type pred, term_ptr left, term_ptr right, prover& premises) {
-  const auto is_number = [](term_ptr t) { return t != nullptr && t->type() == Const && t->constant() == Integer; };
-  if (is_number(left) && is_number(right) && is_order_relation(pred)) {
-    const std::int32_t a = left->integer();
-    const std::int32_t b = right->integer();
-    return holds(pred, a < b ? -1 : a > b ? 1 : 0);
+  if (left == nullptr || right == nullptr) {
+    return false;
   }
-  return left != nullptr && right != nullptr && premises.relation(pred, left, right);
+  if (is_order_relation(pred)) {
+    const std::optional<exact> a = evaluate(left, {});
+    const std::optional<exact> b = a ? evaluate(right, {}) : std::nullopt;
+    if (b) {
+      return holds(pred, *a < *b ? -1 : *b < *a ? 1 : 0);
+    }
+  }
+  return premises.relation(pred, left, right);
 }
 
 // Conditions that say the same wherever they stand, so that they may be taken apart and negated.

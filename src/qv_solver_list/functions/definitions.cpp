@@ -311,6 +311,13 @@ bool premise_available(const premise_question& question, const premise_checker& 
 
 bool has_whole_part(term_span list) { return std::any_of(list.begin(), list.end(), is_one_whole); }
 
+// The parameter still has a say in t, in which it has been replaced: free where nothing could be put in, or as the
+// variable of an indefinite integral, which is a function of it.
+bool keeps(term_ptr param, term_ptr t) {
+  return occurs_free(param, t) ||
+         (is_var(param) && holds_any(t, whole_part::indefinite_integral) && name_occurs(param->name(), t));
+}
+
 }  // namespace
 
 function_definitions::function_definitions(assumption_facts& facts)
@@ -398,8 +405,7 @@ term_ptr solver_func_substitute_args(term_ptr expr, term_span params, term_span 
   term_ptr result = expr;
   for (std::size_t i = 0; i < params.size() && result != nullptr; ++i) {
     result = subst_term_capture_avoiding(params[i], placeholder(i), result);
-    // What is left of the name is bound there, and perhaps free beside: the bound of int_{0}^{x}(x * diff(x)) is.
-    if (result != nullptr && is_var(params[i]) && name_occurs(params[i]->name(), result)) {
+    if (result != nullptr && keeps(params[i], result)) {
       return nullptr;
     }
   }

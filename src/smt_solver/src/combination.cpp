@@ -348,17 +348,29 @@ linear_form combination::difference(node a, node b) const {
   return linear_sum(meanings_[at(a)].form, meanings_[at(b)].form, exact(-1));
 }
 
+// What has the same value when nothing holds it together any more is mostly forced to be equal. So arguments are first
+// compared with the first one of their value, and with each other only where that told nothing.
 theory_answer combination::final_check() {
   arithmetic_.find_places();
-  collect_questions();
+  collect_questions(which::one);
   if (questions_.empty()) {
     return theory_answer::consistent;
   }
-  if (arithmetic_.spread()) {
-    collect_questions();
+  arithmetic_.spread();
+  for (const which asked : {which::with_first, which::among_others}) {
+    collect_questions(asked);
+    const theory_answer answer = settle_all();
+    if (answer != theory_answer::consistent) {
+      return answer;
+    }
   }
+  return theory_answer::consistent;
+}
+
+theory_answer combination::settle_all() {
   bool changed = false;
-  const std::vector<question> questions = questions_;
+  const std::vector<question> questions = std::move(questions_);
+  questions_.clear();
   for (const question& q : questions) {
     switch (settle(q)) {
       case theory_answer::conflict:
@@ -376,8 +388,17 @@ theory_answer combination::final_check() {
 }
 
 // Everything whose sides have the same value now. What has different values is not forced to be equal.
-void combination::collect_questions() {
+void combination::collect_questions(which asked) {
   questions_.clear();
+  if (asked != which::among_others) {
+    ask_about_disequations();
+  }
+  if (asked != which::one || questions_.empty()) {
+    ask_about_arguments(asked);
+  }
+}
+
+void combination::ask_about_disequations() {
   for (const literal l : false_equations_) {
     const arithmetic_atom& atom = atoms_[at(variable_of(l))];
     if (arithmetic_.value(atom.sum) == atom.bound) {
@@ -394,13 +415,12 @@ void combination::collect_questions() {
       questions_.push_back({a, b, d.why});
     }
   }
-  ask_about_arguments();
 }
 
 // Applications of one class of functions to different classes of arguments, by the value of the argument. Among those
 // of one value each is compared with the first of each class only. Functions that are shared themselves are compared
 // with each other, since nothing may be known yet of their applications.
-void combination::ask_about_arguments() {
+void combination::ask_about_arguments(which asked) {
   struct slot {
     node function;
     linear_arithmetic::place place;
@@ -423,12 +443,17 @@ void combination::ask_about_arguments() {
     if (std::any_of(others.begin(), others.end(), [&](node o) { return equality_.class_of(o) == own; })) {
       return;
     }
-    for (const node o : others) {
-      questions_.push_back({equality_.shared_in(o), shared, -1});
+    const std::size_t first = asked == which::among_others ? 1 : 0;
+    const std::size_t last = asked == which::among_others ? others.size() : std::min<std::size_t>(others.size(), 1);
+    for (std::size_t i = first; i < last; ++i) {
+      questions_.push_back({equality_.shared_in(others[i]), shared, -1});
     }
     others.push_back(argument);
   };
   for (node n = 0; n < equality_.size(); ++n) {
+    if (asked == which::one && !questions_.empty()) {
+      return;
+    }
     if (equality_.is_application(n)) {
       compare(equality_.class_of(equality_.function_of(n)), equality_.argument_of(n));
       compare(no_node, equality_.function_of(n));

@@ -104,8 +104,13 @@ class combination final : public theory, private simplex::listener {
   theory_answer refused_by_arithmetic();
   theory_answer refused_by_equality();
 
-  void collect_questions();
-  void ask_about_arguments();
+  // Which questions are collected: one of them, if there is any; those with the first argument of each value, and about
+  // disequations; the rest.
+  enum class which : std::uint8_t { one, with_first, among_others };
+  void collect_questions(which asked);
+  void ask_about_disequations();
+  void ask_about_arguments(which asked);
+  theory_answer settle_all();
   theory_answer settle(const question& q);
 
   budget& work_;

@@ -37,6 +37,8 @@ TEST_F(deriv_test, answers) {
       {{}, "FunDeri(fun x . x^2, 1, 1, 2) = 5", false},
       {{}, "FunDeri(fun x . x^2, 1, 1, 2) ≤ 4", false},
       {{}, "FunDeri(fun n : IntegerSet . n^2, 1, 1, t) = 2 * t", true},
+      {{}, "FunDeri(fun x . x * f(fun x . x + 1), 1, 1, 5) = f(fun x . x + 1)", true},
+      {{}, "FunDeri(fun x . x^2, 1, 1, 2) = FunDeri(fun x . 4 * x, 1, 1, 7)", true},
       // Functions by definition, also under premises that hold around the point.
       {{"f = fun x . x^2 + 1"}, "FunDeri(f, 1, 1, t) = 2 * t", true},
       {{"forall (x)(y), g(x, y) = x * y^2"}, "FunDeri(FunDeri(g, 2, 1), 1, 1, a, b) = 2 * b", true},
@@ -49,6 +51,7 @@ TEST_F(deriv_test, answers) {
       {{}, "FunDeri(f, 1, 1, 2) = 0", false},
       // Cases: the one that holds around the point.
       {{}, "FunDeri(fun x . cases{ x^2 if x > 0; otherwise 0 }, 1, 1, 3) = 6", true},
+      {{}, "FunDeri(fun x . cases{ x^2 if x > 0; otherwise 0 }, 1, 1, -1 / 2) = 0", true},
       {{}, "FunDeri(fun x . cases{ x^2 if x ≥ 0; otherwise 0 }, 1, 1, 0) = 0", false},
       {{}, "FunDeri(fun x . cases{ x^2 if x > 0; otherwise 0 }, 1, 1, t) = 2 * t", false},
       {{}, "FunDeri(fun x [x > 0] . x^2, 1, 1, 3) = 6", true},

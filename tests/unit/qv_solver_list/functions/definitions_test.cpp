@@ -50,9 +50,10 @@ TEST_F(definitions_test, resolve_to_the_first_usable_one) {
       {{"forall (x), f(x) = sum_{i = 1}^{3}(i * x)"}, "f", "i + 1", "sum_{ i1 = 1 }^{ 3 } (i1 * (i + 1))"},
       {{"forall (x)(y), g(x, y) = x - y"}, "g", "y, x", "y - x"},
       {{"forall (x), f(x) = int_{0}^{x}(t * diff(t))"}, "f", "3", "DefInt(0, 3, t * diff(t))"},
+      {{"forall (x), f(x) = int_{0}^{x}(x * diff(x))"}, "f", "3", "DefInt(0, 3, x * diff(x))"},
       // Where a value would be caught, nothing is said.
-      {{"forall (x), f(x) = int_{0}^{x}(x * diff(x))"}, "f", "3", "(null)"},
       {{"forall (x), f(x) = (x^2)'"}, "f", "3", "(null)"},
+      {{"forall (x), f(x) = int(x * diff(x))"}, "f", "3", "(null)"},
       // No definitions.
       {{"forall (x), f(x) = f(x - 1)"}, "f", "3", "(null)"},
       {{"forall (x), f(x) = x + c"}, "f", "3", "(null)"},
