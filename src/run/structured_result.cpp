@@ -307,7 +307,7 @@ std::string result_target(const std::string& path) {
 
 bool replaceable(const std::string& path) {
   std::error_code error;
-  return !std::filesystem::exists(path, error) || is_regular_file(path);
+  return !path.empty() && (!std::filesystem::exists(path, error) || is_regular_file(path));
 }
 
 }  // namespace
