@@ -223,6 +223,12 @@ term_ptr normalize_for_comparison(const dsl_execute_data& data, term_ptr t, cons
   return dsl_prepare_term_for_substitution(analyzed);
 }
 
+bool pairs_have_one_reading(term_ptr quantified, const std::vector<get_prop_subst>& substs) {
+  return std::all_of(substs.begin(), substs.end(), [quantified](const get_prop_subst& subst) {
+    return !is_pair(subst.dest) || pair_has_one_reading(quantified, subst.src);
+  });
+}
+
 // The instantiated and normalised source. Null after a message.
 term_ptr instantiate_source(const dsl_execute_data& data, dsl_result& result, term_ptr source,
                             const dsl_sub_list& pairs) {
@@ -243,8 +249,9 @@ term_ptr instantiate_source(const dsl_execute_data& data, dsl_result& result, te
     if (!collect_substitutions(data, result, prepared, pairs, substs)) {
       return nullptr;
     }
+    term_ptr quantified = prepared;
     term_ptr refused = nullptr;
-    term_ptr substituted = substitute_at_once(prepared, substs, refused);
+    term_ptr substituted = substitute_at_once(quantified, substs, refused);
     if (refused != nullptr) {
       log_failed_instantiation(data, pairs.front(), refused);
       return nullptr;
@@ -262,7 +269,7 @@ term_ptr instantiate_source(const dsl_execute_data& data, dsl_result& result, te
                 "failed to run static analysis after get_prop substitution\n");
       return nullptr;
     }
-    if (reads_pair_as_interval(substituted, prepared)) {
+    if (reads_pair_as_interval(substituted, prepared) && !pairs_have_one_reading(quantified, substs)) {
       log_pair_refused(data);
       return nullptr;
     }

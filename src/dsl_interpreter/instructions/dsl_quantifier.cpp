@@ -91,6 +91,10 @@ term_ptr instantiate_pairs(const dsl_execute_data& data, dsl_result& result, ter
       }
     }
     term_ptr value = value_in_place(working, pair.binder, pair.sub_term);
+    if (is_pair(value) && !pair_has_one_reading(working, pair.binder)) {
+      log_pair_refused(data);
+      return nullptr;
+    }
     term_ptr refused = nullptr;
     working = instantiate_binders(working, {&pair.binder, 1}, {&value, 1}, &refused);
     if (working == nullptr) {
@@ -143,10 +147,6 @@ dsl_result execute_exists(dsl_execute_data& data) {
   if (analyzed == nullptr) {
     log_error(data, fault(diagnostic_code::preparation_failed),
               "Error: Failed to run static analysis after exists instantiation\n");
-    return result;
-  }
-  if (reads_pair_as_interval(working, analyzed)) {
-    log_pair_refused(data);
     return result;
   }
   term_ptr goal = dsl_prepare_term_for_substitution(analyzed);

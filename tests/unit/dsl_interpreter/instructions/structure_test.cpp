@@ -53,6 +53,10 @@ TEST(exists, witness_keeps_its_meaning) {
   script_run point(gap_of({}, "exists (p), f(p) ∈ p"));
   EXPECT_EQ(point.step("exists (p := {(0, 1)})"),
             failed("instantiation failed: a pair would stand in the place of a set, where it reads as an interval\n"));
+  script_run domain(gap_of({}, "exists (S), f : S → Real ∧ ContinuousFuncOn(f, S)"));
+  EXPECT_EQ(domain.step("exists (S := {(0, 1)})"), success);
+  EXPECT_TRUE(term_eqb(domain.gap.goal, formula("f : (0, 1) → Real ∧ ContinuousFuncOn(f, (0, 1))")))
+      << "what a function is on is a set, also where the text keeps a pair";
 }
 
 TEST(get_exists, names_what_the_source_promises) {
