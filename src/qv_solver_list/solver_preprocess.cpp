@@ -28,6 +28,9 @@ bool is_binary(term_ptr t, pred_type pred) {
 
 term_ptr comparison(pred_type pred, term_ptr left, term_ptr right) { return make_binPred_prop(pred, left, right); }
 
+// What stands in a list for members that nobody wrote.
+bool is_dots(term_ptr t) { return is_constant(t, Ellipsis); }
+
 // ---- Memberships.
 
 // Whether a weaker statement still follows where a membership stands; never: not even one that says the same of reals.
@@ -60,8 +63,8 @@ class membership_walk {
   }
 
  private:
-  // x, y ∈ S says the membership of each. A value that is not finite is no real number, so that its comparison says
-  // less than its membership in a set of reals, too.
+  // x, y ∈ S says the membership of each, unless dots stand for some of them. A value that is not finite is no
+  // real number, so that its comparison says less than its membership in a set of reals, too.
   term_ptr lowered_members(term_ptr element, term_ptr set, position where) {
     const position allowed = holds_any(element, not_finite) && where != position::positive ? position::never : where;
     if (element->type() != TermList) {
@@ -69,7 +72,7 @@ class membership_walk {
     }
     term_list members;
     for (term_ptr member : element->elements()) {
-      members.push_back(rule_(member, set, allowed));
+      members.push_back(is_dots(member) ? nullptr : rule_(member, set, allowed));
       if (members.back() == nullptr) {
         return nullptr;
       }
@@ -155,9 +158,13 @@ term_ptr const_set_as_comparison(term_ptr element, term_ptr set, position where)
 
 // ---- Equations of tuples.
 
-// The components of Tuple(T(...)), or null.
+// The components of Tuple(T(...)), or null. Dots among them stand for components that nobody counted.
 term_ptr tuple_components(term_ptr t) {
-  return is_apply(t) && is_oper(t->left(), Tuple) && t->right()->type() == TermList ? t->right() : nullptr;
+  if (!is_apply(t) || !is_oper(t->left(), Tuple) || t->right()->type() != TermList) {
+    return nullptr;
+  }
+  const term_span components = t->right()->elements();
+  return std::none_of(components.begin(), components.end(), is_dots) ? t->right() : nullptr;
 }
 
 class tuple_walk {

@@ -14,6 +14,7 @@
 
 #include "number/budget.h"
 #include "number/limits.h"
+#include "qv_solver_list/algebra/expression_reader.h"
 #include "qv_solver_list/logic/propositional_problem.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "term/node_memo.h"
@@ -192,7 +193,7 @@ class set_problem : public propositional_problem {
     }
     switch (view->pred) {
       case Belong:
-        return members_in(view->left, view->right);
+        return is_dotted_list(view->left) ? own_atom(t) : members_in(view->left, view->right);
       case NotBelong:
         return view->left->type() == TermList ? own_atom(t) : negation(members_in(view->left, view->right));
       case Subset:

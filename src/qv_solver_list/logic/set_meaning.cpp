@@ -3,6 +3,7 @@
 // by the law of the set; every other membership of a list is that of its members first.
 #include "qv_solver_list/logic/set_meaning.h"
 
+#include <algorithm>
 #include <array>
 
 #include "term/pattern_match.h"
@@ -16,7 +17,12 @@ term_ptr belongs(term_ptr element, term_ptr set) { return make_atomic_prop(Belon
 
 term_ptr pair_of(term_ptr first, term_ptr second) { return make_composed_term(Tuple, first, second); }
 
-bool is_pair(term_ptr t, term_ptr& first, term_ptr& second) { return match(t, "(?, ?)", first, second); }
+bool is_dots(term_ptr t) { return is_constant(t, Ellipsis); }
+
+// Dots stand for components that nobody counted.
+bool is_pair(term_ptr t, term_ptr& first, term_ptr& second) {
+  return match(t, "(?, ?)", first, second) && !is_dots(first) && !is_dots(second);
+}
 
 bool is_list(term_ptr t) { return t->type() == TermList; }
 
@@ -80,8 +86,12 @@ term_list members_in_set(term_ptr p) {
   if (!is_membership(p, m) || !is_list(m.x) || m.x->elements().size() < 2) {
     return {};
   }
+  const term_span listed = m.x->elements();
+  if (std::any_of(listed.begin(), listed.end(), is_dots)) {
+    return {};
+  }
   term_list members;
-  for (term_ptr member : m.x->elements()) {
+  for (term_ptr member : listed) {
     members.push_back(belongs(member, m.set));
   }
   return members;

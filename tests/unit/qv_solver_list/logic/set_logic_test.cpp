@@ -34,6 +34,7 @@ TEST_F(set_logic, inclusions_equations_and_memberships) {
   EXPECT_FALSE(follows({"A ⊆ B"}, "B ⊆ A"));
   EXPECT_FALSE(follows({"A ⊆ B ∪ C"}, "A ⊆ B ∨ A ⊆ C"));
   EXPECT_FALSE(follows({"¬(x, y ∈ A)"}, "¬(x ∈ A)"));
+  EXPECT_FALSE(follows({"c, ..., d ∈ A", "a ∈ A", "b ∈ A"}, "a, ..., b ∈ A"));
   EXPECT_FALSE(follows({"x, y ∉ A"}, "¬(x, y ∈ B)"));
   EXPECT_FALSE(follows({"¬(A = B)"}, "¬(A ⊆ B)"));
   EXPECT_FALSE(follows({"x ∈ { a, b }"}, "x = a"));
