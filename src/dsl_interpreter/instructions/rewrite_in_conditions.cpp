@@ -7,6 +7,7 @@
 
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/assumption_facts.h"
+#include "qv_solver_list/complex_values.h"
 #include "qv_solver_list/number_reading.h"
 #include "term/compare.h"
 #include "term/number_set.h"
@@ -200,12 +201,14 @@ class eventual_conditions {
       return !mentions(c) && is_assumption(c, sdata_);
     }
     return compares(*relation) || compares_normalized(*relation) || compares_at_point(*relation) ||
-           compares_linear(*relation) || prove_pure(c, sdata_);
+           compares_linear(*relation) || (!complex_point() && prove_pure(c, sdata_));
   }
 
  private:
   bool mentions(term_ptr t) const { return occurs_free(view_.var, t); }
   bool is_variable(term_ptr t) const { return alpha_equivalent(t, view_.var); }
+  // What comes near a point that is not real need not be real.
+  bool complex_point() const { return facts_of(sdata_).table<complex_values>().may_be_complex(view_.point); }
   bool finite() const { return kind_ != limit_event_kind::pos_inf && kind_ != limit_event_kind::neg_inf; }
 
   bool compares(const prop& c) const {
@@ -247,7 +250,7 @@ class eventual_conditions {
   // The index of a sequence is an integer, the variable of another limit any real number near the point.
   bool belongs(term_ptr left, term_ptr right) const {
     const auto set = is_variable(left) ? number_set_of(right) : std::nullopt;
-    if (!set || (set->c != number_class::real && view_.op != SeqLim)) {
+    if (!set || (view_.op != SeqLim && (set->c != number_class::real || complex_point()))) {
       return false;
     }
     return set->s == sign_class::any || eventually_compare(view_.point, relation_of_sign(set->s), mk_integer(0));

@@ -188,6 +188,7 @@ TEST_F(rewrite_in_test, eventual_premises) {
       {"x - a > 0", "x → a^+", nullptr},
       {"2 * a < a + x", "x → a^+", nullptr},
       {"x^2 + 1 > 0", "x → 0^-", nullptr},
+      {"x^2 + 1 > 0", "x → __IMAGINARY_UNIT__", "x^{2} + 1 > 0"},
       {"x > 1", "x → 2", nullptr},
       {"x > 2", "x → 2", "x > 2"},
       {"x ≠ 3", "x → 2", nullptr},
