@@ -8,6 +8,7 @@
 #include "qv_solver_list/solver_preprocess.h"
 #include "term/build.h"
 #include "term/compare.h"
+#include "term/functions.h"
 #include "term/substitute/careful.h"
 #include "term/substitute/fresh.h"
 #include "term/term_split_combine.h"
@@ -102,7 +103,32 @@ bool variable_facts::moves(term_ptr t) const { return name_occurs(var_->name(), 
 
 bool variable_facts::nonzero(term_ptr t) { return facts_.nonzero(t) || exceeds_by_root(t) || has_no_root(t); }
 
+// Beyond what the side solvers show: a function without gaps or jumps, also with something in front of or behind it
+// that does not move.
+bool variable_facts::defined(term_ptr t) {
+  if (facts_.defined(t)) {
+    return true;
+  }
+  const auto view = t->has_meta() ? std::nullopt : composed_term_split(t);
+  if (!view) {
+    return false;
+  }
+  if (view->t2 == nullptr) {
+    const known_function* f = find_function(view->oper);
+    return (view->oper == Neg || (f != nullptr && f->is_total() && !f->jumps)) && defined(view->t1);
+  }
+  const bool calculates = view->oper == Plus || view->oper == Minus || view->oper == Mult;
+  const bool left_moves = moves(view->t1);
+  return calculates && !(left_moves && moves(view->t2)) && facts_.defined(left_moves ? view->t2 : view->t1) &&
+         defined(left_moves ? view->t1 : view->t2);
+}
+
 bool variable_facts::positive(term_ptr t) {
+  const auto view = t->has_meta() ? std::nullopt : composed_term_split(t);
+  if (view && (view->oper == Cosh || view->oper == Sech)) {
+    // Of a real number, which has a square that is not negative: cosh(i * x) is cos(x).
+    return defined(view->t1) && facts_.relation(Ge, mk_power(view->t1, mk_integer(2)), zero());
+  }
   return facts_.relation(Gt, t, zero()) || exceeds_by_root(t) ||
          (has_no_root(t) && facts_.relation(Gt, at_zero(t), zero()));
 }

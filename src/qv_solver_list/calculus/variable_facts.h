@@ -11,8 +11,8 @@ namespace vetro {
 // its numeric parts worked out: solvers look for facts in that form, too.
 solve_data under_condition(const solve_data& sdata, term_span conjuncts);
 
-// Under one list of assumptions, which may speak of the variable. Beyond what the side solvers show, cosh is positive,
-// polynomials without real roots keep their sign, and t + (t^2 + c)^(1/2) is positive for positive c.
+// Under one list of assumptions, which may speak of the variable. Beyond what the side solvers show, cosh and sech are
+// positive, polynomials without real roots keep their sign, and t + (t^2 + c)^(1/2) is positive for positive c.
 class variable_facts {
  public:
   // sdata is borrowed and must outlive the record.
@@ -20,7 +20,7 @@ class variable_facts {
 
   bool moves(term_ptr t) const;  // the variable occurs in t
 
-  bool defined(term_ptr t) { return facts_.defined(t); }
+  bool defined(term_ptr t);
   bool nonzero(term_ptr t);
   bool positive(term_ptr t);
   bool nonpositive(term_ptr t);

@@ -140,6 +140,8 @@ TEST_F(integral_test, conditions) {
       {"x^2 - x + 1 > 0", true},
       {"x^4 - x^3 + 1 > 0", true},
       {"a + b * x^3 > 0", true},
+      {"sinh(a + b * x) > 0", true},
+      {"cosh(x) > 2", false},
       {"(a + b * x > 0 ∧ c * (a + b * x)^n > 0)", true},
       {"(1 + x^(1/2) > 0 ∧ x > 0)", true},
       {"1 + 2^(1/2) * x + x^2 > 0", true},
