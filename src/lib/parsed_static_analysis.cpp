@@ -118,6 +118,9 @@ class static_analysis {
   explicit static_analysis(term_ptr root) : known_(root) {}
 
   term_ptr analyze(term_ptr t, bool set_context) {
+    if (!t->has(fact_context)) {  // nothing below is a pair, a ≡, a logarithm or the imaginary unit
+      return t;
+    }
     const auto analyzed = [&] { return bind_unit(with_analyzed_scope(analyze_content(t, set_context))); };
     return known_.get(t, analyzed, set_context ? 1 : 0);
   }

@@ -5,6 +5,7 @@
 #include "term/ast.h"
 
 #include <algorithm>
+#include <array>
 #include <cassert>
 #include <cstring>
 #include <limits>
@@ -13,6 +14,7 @@
 
 #include "number/budget.h"
 #include "number/hash_mix.h"
+#include "platform/memory_end.h"
 #include "term/state.h"
 #include "term/variables/binding_table.h"
 
@@ -32,31 +34,58 @@ std::uint64_t hash_text(std::string_view text) {
 
 std::uint32_t saturating_add(std::uint32_t a, std::uint32_t b) { return a > saturated - b ? saturated : a + b; }
 
-// Bump allocation; everything is released at once.
+// Bump allocation in words of eight bytes; everything is released at once. A place in it has a number of 32 bits: the
+// chunk, counted from 1, and the word in that chunk. So it holds 32 GB, which is memory exhausted like any other.
 class arena {
  public:
-  void* take(std::size_t bytes, std::size_t alignment) {
-    std::size_t start = (used_ + alignment - 1) & ~(alignment - 1);
-    if (chunks_.empty() || start + bytes > limit_) {
-      const std::size_t size = std::max(chunk_bytes, bytes);
-      chunks_.push_back(std::make_unique_for_overwrite<std::byte[]>(size));
-      limit_ = size;
-      total_ += size;
-      start = 0;
+  using number = std::uint32_t;  // 0 for no place
+
+  void* take(std::size_t bytes) {
+    const std::size_t words = (bytes + word - 1) / word;
+    if (words > limit_ - used_) {
+      add_chunk(std::max(chunk_bytes / word, words));
     }
-    used_ = start + bytes;
-    return chunks_.back().get() + start;
+    std::byte* start = chunks_.back().get() + used_ * word;
+    used_ += words;
+    return start;
   }
+  // Of a place in the newest chunk.
+  number number_of(const void* place) const {
+    const auto offset = static_cast<std::size_t>(static_cast<const std::byte*>(place) - chunks_.back().get());
+    return static_cast<number>(chunks_.size() << word_bits | offset / word);
+  }
+  const void* at(number n) const { return chunks_[(n >> word_bits) - 1].get() + (n & ((1U << word_bits) - 1)) * word; }
   std::size_t total() const { return total_; }
 
  private:
+  static constexpr std::size_t word = 8;
+  static constexpr unsigned word_bits = 15;
+  static_assert(chunk_bytes / word == 1U << word_bits);
+
+  void add_chunk(std::size_t words) {
+    if (chunks_.size() + 1 >= 1U << (32U - word_bits)) {
+      out_of_memory();
+    }
+    chunks_.push_back(std::make_unique_for_overwrite<std::byte[]>(words * word));
+    limit_ = words;
+    used_ = 0;
+    total_ += words * word;
+  }
+
   std::vector<std::unique_ptr<std::byte[]>> chunks_;
   std::size_t used_ = 0;
   std::size_t limit_ = 0;
   std::size_t total_ = 0;
 };
 
-bool is_bare(term_ptr t) { return t == nullptr || t->bare() == t; }
+bool are_bare(term_span parts) {
+  for (term_ptr part : parts) {
+    if (part != nullptr && part->has(fact_meta)) {
+      return false;
+    }
+  }
+  return true;
+}
 
 bool same_meta(const term_meta* a, const term_meta* b) {
   if (a == b) {
@@ -72,7 +101,8 @@ bool same_meta(const term_meta* a, const term_meta* b) {
 
 const term_meta& term::meta() const {
   static const term_meta none;
-  return meta_ == nullptr ? none : *meta_;
+  const term_meta* own = own_meta();
+  return own == nullptr ? none : *own;
 }
 
 std::uint64_t name_bit(std::string_view name) { return 1ULL << (hash_text(name) >> 58U); }
@@ -80,40 +110,65 @@ std::uint64_t name_bit(std::string_view name) { return 1ULL << (hash_text(name) 
 // ---- The store.
 
 struct term_store::impl {
-  // The hash stands beside the node, so that probing and growing touch no other node.
+  // Half of the hash stands beside the node, so that probing and growing touch no other node.
   struct place {
-    std::uint64_t hash = 0;
-    const term* node = nullptr;
+    std::uint32_t hash = 0;
+    arena::number node = 0;
   };
+  static constexpr std::size_t leaf_count = Pattern;
+
   arena memory;
-  std::vector<place> table = std::vector<place>(4096);
+  std::vector<place> table = std::vector<place>(2048);
   std::size_t used = 0;
   std::uint32_t serial = 0;
+  std::array<term_ptr, leaf_count> leaves{};  // by the number of their kind
   std::unordered_set<std::string_view> texts;
   std::vector<std::unique_ptr<term_meta>> metas;
   std::vector<std::unique_ptr<lambda_type>> lambda_types;
   std::vector<std::unique_ptr<lambda_var_type_list>> type_lists;
 
-  void grow() {
+  const term* at(const place& taken) const { return static_cast<const term*>(memory.at(taken.node)); }
+  static std::uint32_t short_hash(std::uint64_t hash) { return static_cast<std::uint32_t>(hash >> 32U); }
+
+  // The node with that hash for which is_it(node) holds; null when there is none.
+  template <class P>
+  term_ptr find(std::uint64_t hash, P&& is_it) const {
+    const std::size_t last = table.size() - 1;
+    const std::uint32_t sought = short_hash(hash);
+    for (std::size_t slot = sought & last; table[slot].node != 0; slot = (slot + 1) & last) {
+      if (table[slot].hash == sought) {
+        if (const term* node = at(table[slot]); node->hash() == hash && is_it(*node)) {
+          return node;
+        }
+      }
+    }
+    return nullptr;
+  }
+
+  // Room for one more; two thirds of the table are taken at most.
+  void make_room() {
+    if (3 * (used + 1) <= 2 * table.size()) {
+      return;
+    }
     std::vector<place> wider(table.size() * 2);
     for (const place& taken : table) {
-      if (taken.node != nullptr) {
+      if (taken.node != 0) {
         wider[free_slot(wider, taken.hash)] = taken;
       }
     }
     table.swap(wider);
   }
 
-  static std::size_t free_slot(const std::vector<place>& in, std::uint64_t hash) {
+  static std::size_t free_slot(const std::vector<place>& in, std::uint32_t hash) {
     std::size_t slot = hash & (in.size() - 1);
-    while (in[slot].node != nullptr) {
+    while (in[slot].node != 0) {
       slot = (slot + 1) & (in.size() - 1);
     }
     return slot;
   }
 
-  void put(term* node, std::uint64_t hash) {
-    table[free_slot(table, hash)] = {hash, node};
+  void put(const term* node, std::uint64_t hash) {
+    table[free_slot(table, short_hash(hash))] = {short_hash(hash), memory.number_of(node)};
     ++used;
   }
 
@@ -127,14 +182,14 @@ term_store::term_store() : impl_(std::make_unique<impl>()) {}
 
 term_store::~term_store() = default;
 
-std::size_t term_store::bytes() const { return impl_->memory.total() + impl_->table.size() * sizeof(impl::place); }
+std::size_t term_store::bytes() const { return impl_->memory.total() + impl_->table.capacity() * sizeof(impl::place); }
 
 std::string_view term_store::text(std::string_view text) {
   const auto found = impl_->texts.find(text);
   if (found != impl_->texts.end()) {
     return *found;
   }
-  char* copy = static_cast<char*>(impl_->memory.take(text.size() + 1, 1));
+  char* copy = static_cast<char*>(impl_->memory.take(text.size() + 1));
   std::copy(text.begin(), text.end(), copy);
   copy[text.size()] = '\0';
   return *impl_->texts.emplace(copy, text.size()).first;
@@ -172,9 +227,13 @@ struct child_reader {
   }
 };
 
+constexpr std::uint64_t hash_of_kind(int type, std::int16_t code, std::int32_t integer) {
+  return mix(static_cast<std::uint64_t>(type) << 32U | static_cast<std::uint16_t>(code),
+             static_cast<std::uint32_t>(integer));
+}
+
 std::uint64_t hash_of(const term_store::content& c, const term_meta* meta) {
-  std::uint64_t hash = mix(static_cast<std::uint64_t>(c.type) << 32U | static_cast<std::uint16_t>(c.code),
-                           static_cast<std::uint32_t>(c.integer));
+  std::uint64_t hash = hash_of_kind(c.type, c.code, c.integer);
   if (!c.text.empty()) {
     hash = mix(hash, hash_text(c.text));
   }
@@ -213,7 +272,14 @@ unsigned constant_facts(const_type kind) {
   if (kind == Ellipsis) {
     return fact_ellipsis | fact_whole;
   }
+  if (kind == I) {
+    return fact_context;
+  }
   return is_infinity(kind) ? fact_whole : 0;
+}
+
+unsigned operator_facts(oper_type oper) {
+  return (may_make_whole(oper) ? fact_whole : 0) | (oper == Tuple || oper == Log ? fact_context : 0);
 }
 
 unsigned own_facts(const term_store::content& c) {
@@ -227,9 +293,9 @@ unsigned own_facts(const term_store::content& c) {
     case Const:
       return constant_facts(static_cast<const_type>(c.code));
     case Oper:
-      return facts_of_head(c.code) | (may_make_whole(static_cast<oper_type>(c.code)) ? fact_whole : 0);
+      return facts_of_head(c.code) | operator_facts(static_cast<oper_type>(c.code));
     case Pred:
-      return facts_of_head(c.code);
+      return facts_of_head(c.code) | (c.code == IdentEq ? fact_context : 0);
     case TermList:
       return c.children.empty() && c.more.empty() ? fact_empty_list : 0;
     default:
@@ -241,74 +307,104 @@ unsigned own_facts(const term_store::content& c) {
 
 // The node with that content, if there is one.
 term_ptr term_store::find(const content& c, const term_meta* meta, std::uint64_t hash) const {
-  const std::vector<impl::place>& table = impl_->table;
   const child_reader children{c};
-  for (std::size_t slot = hash & (table.size() - 1); table[slot].node != nullptr;
-       slot = (slot + 1) & (table.size() - 1)) {
-    if (table[slot].hash != hash) {
-      continue;
+  return impl_->find(hash, [&](const term& node) {
+    if (node.type() != c.type || node.code_ != c.code || node.child_count_ != children.count() ||
+        !same_meta(node.own_meta(), meta) || (c.type == Lambda && node.types() != c.types) ||
+        (node.has_text() ? node.text() != c.text : node.integer_ != c.integer)) {
+      return false;
     }
-    const term& node = *table[slot].node;
-    if (node.type_ != c.type || node.code_ != c.code || node.integer_ != c.integer ||
-        node.child_count_ != children.count() || node.text_ != c.text || node.types_ != c.types ||
-        !same_meta(node.meta_, meta)) {
-      continue;
+    for (std::size_t i = 0; i < children.count(); ++i) {
+      if (node.child_array()[i] != children[i]) {
+        return false;
+      }
     }
-    bool same = true;
-    for (std::size_t i = 0; i < children.count() && same; ++i) {
-      same = node.child_array()[i] == children[i];
-    }
-    if (same) {
-      return &node;
-    }
-  }
-  return nullptr;
+    return true;
+  });
 }
 
-term_ptr term_store::intern(const content& c, const term_meta* meta) {
+void term_store::count_call() {
   if (++calls_ > call_limit_) {
     ++ended_budgets;
     throw std::bad_alloc();
   }
+}
+
+term_ptr term_store::intern(const content& c, const term_meta* meta) {
+  count_call();
   if (meta != nullptr && meta->empty()) {
     meta = nullptr;
   }
   const std::uint64_t hash = hash_of(c, meta);
-  if (term_ptr known = find(c, meta, hash); known != nullptr) {
+  term_ptr known = find(c, meta, hash);
+  return known != nullptr ? known : build(c, meta, hash);
+}
+
+term_ptr term_store::leaf(term_type type, std::int16_t code) {
+  term_ptr& known = impl_->leaves[static_cast<std::size_t>(code)];
+  if (known == nullptr) {
+    return known = intern({.type = type, .code = code}, nullptr);
+  }
+  count_call();
+  return known;
+}
+
+// Most calls are of this kind.
+term_ptr term_store::apply(term_ptr function, term_ptr argument) {
+  count_call();
+  const std::uint64_t hash = mix(mix(hash_of_kind(Apply, 0, 0), function->hash_), argument->hash_);
+  term_ptr known = impl_->find(hash, [&](const term& node) {
+    return node.kind_ == Apply - Var && node.child_array()[0] == function && node.child_array()[1] == argument &&
+           !node.has_meta();
+  });
+  if (known != nullptr) {
     return known;
   }
+  const term_ptr parts[] = {function, argument};
+  return build({.type = Apply, .children = parts}, nullptr, hash);
+}
+
+term_ptr term_store::build(const content& c, const term_meta* meta, std::uint64_t hash) {
   // Whatever can run out of memory comes before the node is in the table, so that a solver which is stopped by it
   // leaves no half-built node behind.
-  const bool bare = meta == nullptr && std::all_of(c.children.begin(), c.children.end(), is_bare) &&
-                    std::all_of(c.more.begin(), c.more.end(), is_bare);
+  const bool bare = meta == nullptr && are_bare(c.children) && are_bare(c.more);
   term_ptr bare_twin = bare ? nullptr : stripped(c);
-  const std::string_view stored_text = c.text.empty() ? std::string_view("") : text(c.text);
   const term_meta* stored_meta = meta == nullptr ? nullptr : impl_->store_meta(*meta);
-  if ((impl_->used + 1) * 2 > impl_->table.size()) {
-    impl_->grow();
+  impl_->make_room();
+  const std::size_t count = c.children.size() + c.more.size();
+  const bool is_text = c.type == Var || (c.type == Const && c.code == Decimal);
+  if (count > saturated || c.text.size() > std::numeric_limits<std::int32_t>::max()) {
+    out_of_memory();
   }
-  const child_reader children{c};
-  const std::size_t count = children.count();
-  term* node = static_cast<term*>(impl_->memory.take(sizeof(term) + count * sizeof(term_ptr), alignof(term)));
-  new (node) term;
+  const std::size_t in_front = bare ? 0 : sizeof(term::dressing);
+  const std::size_t behind =
+      count * sizeof(term_ptr) + (is_text ? c.text.size() + 1 : 0) + (c.type == Lambda ? sizeof c.types : 0);
+  std::byte* block = static_cast<std::byte*>(impl_->memory.take(in_front + sizeof(term) + behind));
+  term* node = new (block + in_front) term;
+  if (!bare) {
+    new (block) term::dressing{stored_meta, bare_twin};
+  }
   auto* places = reinterpret_cast<term_ptr*>(node + 1);
-  for (std::size_t i = 0; i < count; ++i) {
-    places[i] = children[i];
+  std::copy(c.more.begin(), c.more.end(), std::copy(c.children.begin(), c.children.end(), places));
+  if (c.type == Lambda) {
+    new (places + count) const lambda_var_type_list*(c.types);
+  } else if (is_text) {
+    char* text = reinterpret_cast<char*>(places);
+    *std::copy(c.text.begin(), c.text.end(), text) = '\0';
   }
   impl_->put(node, hash);
 
-  node->type_ = c.type;
+  node->kind_ = static_cast<std::uint8_t>(c.type - Var);
   node->code_ = c.code;
-  node->integer_ = c.integer;
+  node->integer_ = is_text ? static_cast<std::int32_t>(c.text.size()) : c.integer;
   node->child_count_ = static_cast<std::uint32_t>(count);
   node->serial_ = impl_->serial++;
   node->hash_ = hash;
-  node->text_ = stored_text;
-  node->types_ = c.types;
-  node->meta_ = stored_meta;
   node->mask_ = c.type == Var ? name_bit(c.text) : 0;
   node->derive(own_facts(c));
-  node->bare_ = bare ? node : bare_twin;
+  if (stored_meta != nullptr) {
+    node->derive_from_meta(*stored_meta);
+  }
   return node;
 }
 
@@ -317,45 +413,42 @@ void term::derive(unsigned own_facts) {
   facts_ = static_cast<std::uint16_t>(own_facts);
   size_ = 1;
   depth_ = 0;
-  blind_ = mix(static_cast<std::uint64_t>(type_) << 32U | static_cast<std::uint16_t>(code_),
-               static_cast<std::uint32_t>(integer_));
-  if (type_ == Const && !text_.empty()) {
-    blind_ = mix(blind_, hash_text(text_));
+  std::uint64_t blind = hash_of_kind(type(), code_, has_text() ? 0 : integer_);
+  if (type() == Const && code_ == Decimal) {
+    blind = mix(blind, hash_text(text()));
   }
   for (term_ptr child : children()) {
     if (child != nullptr) {
       absorb(*child);
-      blind_ = mix(blind_, child->blind_);
+      blind = mix(blind, child->blind_);
     }
   }
-  if (meta_ != nullptr) {
-    derive_from_meta();
-  }
+  blind_ = static_cast<std::uint32_t>(blind >> 32U);
   head_ = -1;
   arguments_ = 0;
-  if (type_ == Apply) {
+  if (type() == Apply) {
     const term& function = *left();
     const bool plain_leaf =
-        !function.has_meta() && (function.type_ == Oper || function.type_ == Pred || function.type_ == Connect);
+        !function.has_meta() && (function.type() == Oper || function.type() == Pred || function.type() == Connect);
     head_ = plain_leaf ? function.code_ : function.head_;
     arguments_ = static_cast<std::uint8_t>(std::min(function.arguments_ + 1, 255));
   }
 }
 
-void term::derive_from_meta() {
+void term::derive_from_meta(const term_meta& meta) {
   facts_ |= fact_meta;
-  for (term_ptr binder : meta_->binders) {
+  for (term_ptr binder : meta.binders) {
     absorb(*binder);
     facts_ |= fact_binding;
   }
-  for (term_ptr name : meta_->guarded) {
+  for (term_ptr name : meta.guarded) {
     absorb(*name);
     facts_ |= fact_guard;
   }
-  if (meta_->scope != nullptr) {
-    absorb(*meta_->scope);
+  if (meta.scope != nullptr) {
+    absorb(*meta.scope);
     facts_ |= fact_scope;
-    blind_ = mix(blind_, meta_->scope->blind_);
+    blind_ = static_cast<std::uint32_t>(mix(blind_, meta.scope->blind_) >> 32U);
   }
 }
 
@@ -371,7 +464,7 @@ term_ptr term_store::stripped(const content& c) {
   plain.reserve(c.children.size() + c.more.size());
   for (term_span part : {c.children, c.more}) {
     for (term_ptr child : part) {
-      plain.push_back(child == nullptr ? nullptr : child->bare_);
+      plain.push_back(child == nullptr ? nullptr : child->bare());
     }
   }
   content without_metadata = c;
@@ -382,11 +475,11 @@ term_ptr term_store::stripped(const content& c) {
 }
 
 term_ptr term_store::rebuilt(term_ptr t, const term_meta* meta) {
-  return intern({.type = t->type_,
+  return intern({.type = t->type(),
                  .code = t->code_,
-                 .integer = t->integer_,
-                 .text = t->text_,
-                 .types = t->types_,
+                 .integer = t->has_text() ? 0 : t->integer_,
+                 .text = t->has_text() ? t->text() : std::string_view(),
+                 .types = t->type() == Lambda ? t->types() : nullptr,
                  .children = t->children(),
                  .more = {}},
                 meta);
@@ -400,9 +493,7 @@ bool any_null(term_span list) {
   return std::any_of(list.begin(), list.end(), [](term_ptr t) { return t == nullptr; });
 }
 
-term_ptr leaf(term_type type, int code) {
-  return state().store.intern({.type = type, .code = static_cast<std::int16_t>(code)}, nullptr);
-}
+term_ptr leaf(term_type type, int code) { return state().store.leaf(type, static_cast<std::int16_t>(code)); }
 
 }  // namespace
 
@@ -430,8 +521,7 @@ term_ptr mk_apply(term_ptr function, term_ptr argument) {
   if (function == nullptr || argument == nullptr) {
     return nullptr;
   }
-  const term_ptr parts[] = {function, argument};
-  return state().store.intern({.type = Apply, .children = parts}, nullptr);
+  return state().store.apply(function, argument);
 }
 
 term_ptr mk_apply_all(term_ptr head, term_span arguments) {

@@ -104,11 +104,12 @@ enum term_fact : std::uint16_t {
   fact_whole = 128,      // something somewhere inside that may make the term one whole; see whole_parts.h
   fact_guard = 256,      // an operator or relation somewhere inside that speaks of variables without binding them
   fact_landau = 512,     // a Landau operator somewhere inside
+  fact_context = 1024,   // a leaf somewhere inside that is read by what stands around it; see lib/semantic_term.h
 };
 
 class term {
  public:
-  term_type type() const { return type_; }
+  term_type type() const { return static_cast<term_type>(Var + kind_); }
 
   // Content by variant. Reading another variant's content is a broken invariant.
   std::string_view name() const;     // Var
@@ -140,18 +141,18 @@ class term {
   term_span children() const { return {child_array(), child_count_}; }
 
   // Metadata.
-  bool has_meta() const { return meta_ != nullptr; }
+  bool has_meta() const { return own_meta() != nullptr; }
   const term_meta& meta() const;  // an empty record when there is none
   const term_list& binders() const { return meta().binders; }
   const term_list& guarded() const { return meta().guarded; }
-  term_ptr scope() const { return meta_ == nullptr ? nullptr : meta_->scope; }
+  term_ptr scope() const { return has_meta() ? own_meta()->scope : nullptr; }
 
   // The same term with all metadata removed at every node; this itself when there is none.
-  term_ptr bare() const { return bare_; }
+  term_ptr bare() const { return has(fact_meta) ? dressing_of().bare : this; }
 
   std::uint64_t hash() const { return hash_; }  // of the whole node: content and metadata
   // Equal for terms that term_eqb holds equal under some environment; what is recorded of binders does not count.
-  std::uint64_t blind_hash() const { return blind_; }
+  std::uint32_t blind_hash() const { return blind_; }
   std::uint32_t size() const { return size_; }  // nodes as a tree, metadata included; saturates at 2^32 - 1
   std::uint32_t depth() const { return depth_; }
   bool has(term_fact fact) const { return (facts_ & fact) != 0; }
@@ -160,79 +161,93 @@ class term {
 
  private:
   friend class term_store;
-  term_type type_;
-  std::int16_t code_;
-  std::uint16_t facts_;
-  std::int16_t head_;
-  std::uint8_t arguments_;
-  std::uint32_t child_count_;
-  std::int32_t integer_;
+
+  // What stands in front of a node with metadata at itself or inside; of no other node there is one.
+  struct dressing {
+    const term_meta* meta;
+    term_ptr bare;
+  };
+
+  std::uint64_t hash_;
+  std::uint64_t mask_;
+  std::uint32_t blind_;
   std::uint32_t size_;
   std::uint32_t depth_;
   std::uint32_t serial_;
-  std::uint64_t hash_;
-  std::uint64_t blind_;
-  std::uint64_t mask_;
-  std::string_view text_;
-  const lambda_var_type_list* types_;
-  const term_meta* meta_;
-  term_ptr bare_;
+  std::uint32_t child_count_;
+  std::int32_t integer_;  // of an integer its value, of a variable or a decimal the length of the text
+  std::int16_t code_;
+  std::int16_t head_;
+  std::uint16_t facts_;
+  std::uint8_t kind_;  // the type, counted from Var
+  std::uint8_t arguments_;
+  // In the same block follow the children, then the parameter types of a Lambda or the text of a variable or a decimal.
+
   void derive(unsigned own_facts);
-  void derive_from_meta();
+  void derive_from_meta(const term_meta& meta);
   void absorb(const term& part);
-  // The children follow the node in the same block.
   const term_ptr* child_array() const { return reinterpret_cast<const term_ptr*>(this + 1); }
+  bool has_text() const { return type() == Var || (type() == Const && code_ == Decimal); }
+  std::string_view text() const {
+    return {reinterpret_cast<const char*>(this + 1), static_cast<std::uint32_t>(integer_)};
+  }
+  const lambda_var_type_list* const& types() const {
+    return *reinterpret_cast<const lambda_var_type_list* const*>(child_array() + child_count_);
+  }
+  const dressing& dressing_of() const { return reinterpret_cast<const dressing*>(this)[-1]; }
+  const term_meta* own_meta() const { return has(fact_meta) ? dressing_of().meta : nullptr; }
 };
+static_assert(sizeof(term) == 48);
 
 // ---- Reading a node.
 
 inline std::string_view term::name() const {
-  assert(type_ == Var);
-  return text_;
+  assert(type() == Var);
+  return text();
 }
 
 inline const_type term::constant() const {
-  assert(type_ == Const);
+  assert(type() == Const);
   return static_cast<const_type>(code_);
 }
 
 inline std::int32_t term::integer() const {
-  assert(type_ == Const);
-  return integer_;
+  assert(type() == Const);
+  return code_ == Integer ? integer_ : 0;
 }
 
 inline std::string_view term::decimal() const {
-  assert(type_ == Const && code_ == Decimal);
-  return text_;
+  assert(type() == Const && code_ == Decimal);
+  return text();
 }
 
 inline oper_type term::oper() const {
-  assert(type_ == Oper);
+  assert(type() == Oper);
   return static_cast<oper_type>(code_);
 }
 
 inline pred_type term::pred() const {
-  assert(type_ == Pred);
+  assert(type() == Pred);
   return static_cast<pred_type>(code_);
 }
 
 inline connect_type term::connect() const {
-  assert(type_ == Connect);
+  assert(type() == Connect);
   return static_cast<connect_type>(code_);
 }
 
 inline pattern_type term::pattern() const {
-  assert(type_ == Pattern);
+  assert(type() == Pattern);
   return static_cast<pattern_type>(code_);
 }
 
 inline quant_type term::quant() const {
-  assert(type_ == Quant);
+  assert(type() == Quant);
   return static_cast<quant_type>(code_);
 }
 
 inline term_ptr term::left() const {
-  assert(type_ == Apply);
+  assert(type() == Apply);
   return child_array()[0];
 }
 
@@ -246,32 +261,32 @@ inline term_ptr term::argument(unsigned i) const {
 }
 
 inline term_ptr term::right() const {
-  assert(type_ == Apply);
+  assert(type() == Apply);
   return child_array()[1];
 }
 
 inline term_span term::vars() const {
-  assert(type_ == Lambda || type_ == Quant || type_ == FreeVarTag);
-  return children().subspan(type_ == Lambda ? 2 : 1);
+  assert(type() == Lambda || type() == Quant || type() == FreeVarTag);
+  return children().subspan(type() == Lambda ? 2 : 1);
 }
 
 inline const lambda_var_type_list& term::var_types() const {
-  assert(type_ == Lambda);
-  return *types_;
+  assert(type() == Lambda);
+  return *types();
 }
 
 inline term_ptr term::condition() const {
-  assert(type_ == Lambda);
+  assert(type() == Lambda);
   return child_array()[0];
 }
 
 inline term_ptr term::body() const {
-  assert(type_ == Lambda || type_ == Quant || type_ == FreeVarTag);
-  return child_array()[type_ == Lambda ? 1 : 0];
+  assert(type() == Lambda || type() == Quant || type() == FreeVarTag);
+  return child_array()[type() == Lambda ? 1 : 0];
 }
 
 inline term_span term::elements() const {
-  assert(type_ == TermList);
+  assert(type() == TermList);
   return children();
 }
 
@@ -352,6 +367,8 @@ class term_store {
     term_span more = {};  // further children behind the first span
   };
   term_ptr intern(const content& c, const term_meta* meta);
+  term_ptr leaf(term_type type, std::int16_t code);  // of an operator, a constant that is no number ...
+  term_ptr apply(term_ptr function, term_ptr argument);
   term_ptr rebuilt(term_ptr t, const term_meta* meta);  // same content, other metadata
   std::string_view text(std::string_view text);
   lambda_type_ptr lambda(lambda_type type);
@@ -366,7 +383,9 @@ class term_store {
 
  private:
   term_ptr find(const content& c, const term_meta* meta, std::uint64_t hash) const;
+  term_ptr build(const content& c, const term_meta* meta, std::uint64_t hash);
   term_ptr stripped(const content& c);  // the bare twin of a node that is being built
+  void count_call();
 
   struct impl;
   std::unique_ptr<impl> impl_;

@@ -4,17 +4,14 @@
 #include "term/pattern_match.h"
 
 namespace vetro {
-namespace {
 
-std::unique_ptr<process_state>& slot() {
-  static std::unique_ptr<process_state> current = std::make_unique<process_state>();
-  return current;
+constinit std::unique_ptr<process_state> current_state;
+
+process_state& first_state() {
+  current_state = std::make_unique<process_state>();
+  return *current_state;
 }
 
-}  // namespace
-
-process_state& state() { return *slot(); }
-
-void reset_state() { slot() = std::make_unique<process_state>(); }
+void reset_state() { current_state = std::make_unique<process_state>(); }
 
 }  // namespace vetro

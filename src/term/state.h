@@ -26,8 +26,10 @@ struct process_state {
   int binder_copy_counter = 0;            // names of binders that rewrite_in opens
 };
 
-// The state of this process.
-process_state& state();
+// The state of this process; made when it is first asked for.
+extern constinit std::unique_ptr<process_state> current_state;
+process_state& first_state();
+inline process_state& state() { return current_state == nullptr ? first_state() : *current_state; }
 
 // Calls of the factory that the questions of this process made. A pattern is compiled by the first question that meets
 // it; that is nobody's work.

@@ -46,8 +46,11 @@ bool squeeze_proof::proves(term_ptr lower, term_ptr upper, bool strict) {
 }
 
 bool squeeze_proof::peel(term_ptr lower, term_ptr upper, bool strict) {
-  const auto below = lower->has_meta() ? std::nullopt : composed_term_split(lower);
-  const auto above = upper->has_meta() ? std::nullopt : composed_term_split(upper);
+  if (lower->has_meta() || upper->has_meta()) {
+    return false;
+  }
+  const auto below = composed_term_split(lower);
+  const auto above = composed_term_split(upper);
   if (!below || !above || below->oper != above->oper || (below->t2 == nullptr) != (above->t2 == nullptr)) {
     return false;
   }
