@@ -1,5 +1,6 @@
 #include "lib/line_reader.h"
 
+#include <array>
 #include <cerrno>
 #include <new>
 
@@ -7,13 +8,21 @@ namespace vetro {
 
 line_status qv_read_line(std::FILE* file, std::string& line) {
   line.clear();
+  std::array<char, 512> block;  // NOLINT: filled before it is read
+  std::size_t used = 0;
   try {
     for (int c = getc_unlocked(file); c != EOF; c = getc_unlocked(file)) {
-      line.push_back(static_cast<char>(c));
+      block[used++] = static_cast<char>(c);
       if (c == '\n') {
+        line.append(block.data(), used);
         return line_status::line;
       }
+      if (used == block.size()) {
+        line.append(block.data(), used);
+        used = 0;
+      }
     }
+    line.append(block.data(), used);
   } catch (const std::bad_alloc&) {
     errno = ENOMEM;
     return line_status::failed;
