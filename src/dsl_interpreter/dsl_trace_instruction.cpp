@@ -2,7 +2,6 @@
 #include "dsl_interpreter/dsl_trace_instruction.h"
 
 #include "lib/dsl_form.h"
-#include "lib/log_stream.h"
 #include "term/print/pretty.h"
 
 namespace vetro {
@@ -51,7 +50,6 @@ void trace_print_term_internal_inline(std::string& out, term_ptr t) {
 }
 
 void trace_print_dsl_ref(std::string& out, const dsl_term& reference) {
-  const auto number = static_cast<long long>(reference.num);
   switch (reference.type) {
     case dsl_goal:
       out += "GOAL";
@@ -60,14 +58,15 @@ void trace_print_dsl_ref(std::string& out, const dsl_term& reference) {
       out += "obvious";
       return;
     case dsl_hypo:
-      out += format_text("H%lld", number);
+      out += 'H';
+      out += std::to_string(reference.num);
       return;
     case dsl_thm:
-      out += reference.lib_alias.empty() ? format_text("Thm%lld", number)
-                                         : "@" + reference.lib_alias + format_text(":%lld", number);
+      out += reference.lib_alias.empty() ? "Thm" : "@" + reference.lib_alias + ":";
+      out += std::to_string(reference.num);
       return;
   }
-  out += format_text("term%d", static_cast<int>(reference.type));
+  out += "term" + std::to_string(static_cast<int>(reference.type));
 }
 
 void trace_print_dsl_term_inline(std::string& out, const dsl_term& reference) {

@@ -5,7 +5,8 @@
 #include "qv_solver_list/solver_list.h"
 
 #include <algorithm>
-#include <cstdio>
+#include <array>
+#include <charconv>
 #include <new>
 #include <span>
 #include <string>
@@ -23,10 +24,12 @@
 namespace vetro {
 namespace {
 
-void progress_number(const char* format, int number) {
-  char line[64];
-  const int length = std::snprintf(line, sizeof line, format, number);
-  print_progress({line, static_cast<std::size_t>(std::max(length, 0))});
+void progress_number(std::string_view before, int number, std::string_view behind = "\n") {
+  std::array<char, 64> line{};  // the longest has 45 characters
+  char* end = std::copy(before.begin(), before.end(), line.data());
+  end = std::to_chars(end, line.data() + line.size() - behind.size(), number).ptr;
+  end = std::copy(behind.begin(), behind.end(), end);
+  print_progress({line.data(), static_cast<std::size_t>(end - line.data())});
 }
 
 void progress_term(term_ptr t) {
@@ -101,7 +104,7 @@ enum class progress : bool { silent, shown };
 bool run_battery(term_ptr target, const solve_data& sdata, progress lines) {
   for (std::size_t i = 0; i < battery_size; ++i) {
     if (lines == progress::shown) {
-      progress_number("decision_solver id: %d\n", static_cast<int>(i));
+      progress_number("decision_solver id: ", static_cast<int>(i));
     }
     if (call_decision_solver(solver_registry()[i].solve, target, sdata)) {
       attempt_record::closed(target, solver_title(solver_registry()[i].id));
@@ -119,14 +122,14 @@ bool apply_solvers_dsl(term_ptr t, const solve_data& sdata, std::span<const solv
   const solver_args args{&gap, &sdata, t};
   std::vector<solve_res> results;
   for (std::size_t i = 0; i < solvers.size(); ++i) {
-    progress_number("solver id:%d\n", static_cast<int>(i));
+    progress_number("solver id:", static_cast<int>(i));
     results.push_back(call_one_step_solver(solvers[i], args));
     if (results.back().type == bool_res && results.back().ans) {
       return true;
     }
   }
   for (std::size_t i = 0; i < results.size(); ++i) {
-    progress_number("solver id: %d's posprocess\n", static_cast<int>(i));
+    progress_number("solver id: ", static_cast<int>(i), "'s posprocess\n");
     if (solver_manager_list_dsl(results[i], sdata, fee - 1)) {
       return true;
     }
@@ -148,7 +151,7 @@ solve_data active_record(const solve_data& sdata) {
 
 bool work_on(term_ptr target, const solve_data& sdata, int fee) {
   const solve_data active = active_record(sdata);
-  progress_number("fee = %d\n", fee);
+  progress_number("fee = ", fee);
   progress_term(target);
   const int names_before = state().fresh_counter;
   if (run_battery(target, active, progress::shown)) {
@@ -197,7 +200,7 @@ bool solver_manager_dsl_with_solver(term_ptr target, const solve_data& sdata, in
   if (solve == nullptr || target == nullptr) {
     return false;
   }
-  progress_number("fee = %d\n", fee);
+  progress_number("fee = ", fee);
   print_progress("selected solver: " + std::string(solver_name) + "\n");
   progress_term(target);
   const attempt_record record(target, solver_name);
