@@ -21,7 +21,8 @@ constexpr std::size_t results_ahead = 256;  // for each worker
 volatile std::sig_atomic_t interrupting_signal = 0;
 void note_signal(int signal) { interrupting_signal = signal; }
 
-// Interrupting signals end the loop while this lives.
+// Interrupting signals end the loop while this lives. Behind one of them they stay caught: the run is about to end, and
+// a second signal, such as the one that timeout(1) sends to the whole group, shall not cut off what it still says.
 class signal_watch {
  public:
   signal_watch() {
@@ -31,6 +32,9 @@ class signal_watch {
     sigaction(SIGTERM, &action, &termination_);
   }
   ~signal_watch() {
+    if (interrupting_signal != 0) {
+      return;
+    }
     sigaction(SIGINT, &interrupt_, nullptr);
     sigaction(SIGTERM, &termination_, nullptr);
   }
