@@ -4,26 +4,13 @@
 
 #include <string>
 
-#include "lib/semantic_term.h"
-#include "parser/parser_api.h"
-#include "platform/large_stack.h"
+#include "goals.h"
 #include "qv_solver_list/calculus/derivative.h"
-#include "qv_solver_list/solver_registry.h"
 #include "qv_solver_list/solvers.h"
-#include "term/pattern_match.h"
-#include "term/state.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
 namespace {
-
-void start() {
-  reset_state();
-  match_init(read_pattern);
-  install_solvers(solver_registry());
-}
-
-term_ptr read(const std::string& text) { return parse_semantic_term_from_str(text); }
 
 // Each round starts with an empty memory of the assumptions.
 void ask_often(benchmark::State& bench, solver_decide solve, const std::string& assumption, const std::string& goal,
@@ -210,11 +197,3 @@ BENCHMARK(parts_of_continuous_function)->Arg(2)->Arg(20)->Arg(200)->Complexity()
 
 }  // namespace
 }  // namespace vetro
-
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  return vetro::run_on_large_stack([] {
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-  });
-}

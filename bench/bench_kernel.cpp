@@ -6,7 +6,6 @@
 
 #include "lib/semantic_term.h"
 #include "parser/parser_api.h"
-#include "platform/large_stack.h"
 #include "term/compare.h"
 #include "term/pattern_match.h"
 #include "term/print/pretty.h"
@@ -118,11 +117,3 @@ BENCHMARK(match_shape);
 
 }  // namespace
 }  // namespace vetro
-
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  return vetro::run_on_large_stack([] {
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-  });
-}

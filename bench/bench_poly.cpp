@@ -6,7 +6,6 @@
 #include <string>
 #include <vector>
 
-#include "platform/large_stack.h"
 #include "qv_solver_list/algebra/poly_rat_eqb.h"
 #include "qv_solver_list/algebra/rational_domain.h"
 #include "term/ast.h"
@@ -165,12 +164,3 @@ BENCHMARK(given_up)->Unit(benchmark::kMillisecond);
 
 }  // namespace
 }  // namespace vetro
-
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  return vetro::run_on_large_stack([] {
-    benchmark::RunSpecifiedBenchmarks();
-    benchmark::Shutdown();
-    return 0;
-  });
-}

@@ -2,61 +2,25 @@
 // few matter. Time over the number of assumptions should stay level; "learnt" is the number of learnt clauses.
 #include <benchmark/benchmark.h>
 
-#include <algorithm>
 #include <cstdint>
-#include <cstdlib>
 #include <random>
 #include <string>
 #include <vector>
 
-#include "platform/large_stack.h"
 #include "qv_solver_list/logic/propositional.h"
 #include "qv_solver_list/solver_preprocess.h"
 #include "qv_solver_list/solvers.h"
 #include "smt_solver/src/cdcl.h"
+#include "support/clauses.h"
 #include "term/state.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
 namespace {
 
-using clause_list = std::vector<std::vector<int>>;
-
-// One pigeon more than holes.
-clause_list pigeonhole(int holes) {
-  clause_list clauses;
-  const auto in = [&](int pigeon, int hole) { return pigeon * holes + hole + 1; };
-  for (int pigeon = 0; pigeon <= holes; ++pigeon) {
-    std::vector<int> somewhere;
-    for (int hole = 0; hole < holes; ++hole) {
-      somewhere.push_back(in(pigeon, hole));
-    }
-    clauses.push_back(somewhere);
-  }
-  for (int hole = 0; hole < holes; ++hole) {
-    for (int a = 0; a <= holes; ++a) {
-      for (int b = a + 1; b <= holes; ++b) {
-        clauses.push_back({-in(a, hole), -in(b, hole)});
-      }
-    }
-  }
-  return clauses;
-}
-
 clause_list random_three_clauses(int variables, int count) {
   std::mt19937 random(7);
-  clause_list clauses;
-  while (static_cast<int>(clauses.size()) < count) {
-    std::vector<int> clause;
-    while (clause.size() < 3) {
-      const int v = static_cast<int>(random() % static_cast<unsigned>(variables)) + 1;
-      if (std::none_of(clause.begin(), clause.end(), [&](int l) { return std::abs(l) == v; })) {
-        clause.push_back(random() % 2 == 0 ? v : -v);
-      }
-    }
-    clauses.push_back(clause);
-  }
-  return clauses;
+  return random_clauses(random, variables, count, 3, 3);
 }
 
 // The capacity is lifted, so that the figures show the whole search.
@@ -158,11 +122,3 @@ BENCHMARK(known_assumptions)->Arg(1000)->Arg(10000)->Complexity(benchmark::oN)->
 
 }  // namespace
 }  // namespace vetro
-
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  return vetro::run_on_large_stack([] {
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-  });
-}

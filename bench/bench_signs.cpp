@@ -4,28 +4,15 @@
 
 #include <string>
 
-#include "lib/semantic_term.h"
-#include "parser/parser_api.h"
-#include "platform/large_stack.h"
+#include "goals.h"
 #include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/functions/definedness.h"
 #include "qv_solver_list/solver_list.h"
-#include "qv_solver_list/solver_registry.h"
 #include "qv_solver_list/solvers.h"
-#include "term/pattern_match.h"
-#include "term/state.h"
 #include "term/term_split_combine.h"
 
 namespace vetro {
 namespace {
-
-void start() {
-  reset_state();
-  match_init(read_pattern);
-  install_solvers(solver_registry());
-}
-
-term_ptr read(const std::string& text) { return parse_semantic_term_from_str(text); }
 
 term_ptr numbered(const char* name, int i) { return mk_var(name + std::to_string(i)); }
 
@@ -168,11 +155,3 @@ BENCHMARK(definedness_of_fractions)
 
 }  // namespace
 }  // namespace vetro
-
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  return vetro::run_on_large_stack([] {
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-  });
-}

@@ -7,14 +7,10 @@
 #include <string>
 #include <vector>
 
-#include "lib/semantic_term.h"
+#include "goals.h"
 #include "number/limits.h"
-#include "parser/parser_api.h"
-#include "platform/large_stack.h"
-#include "qv_solver_list/solver_registry.h"
 #include "qv_solver_list/solvers.h"
 #include "smt_solver/src/lra_solver.h"
-#include "term/pattern_match.h"
 
 namespace vetro {
 namespace {
@@ -254,14 +250,15 @@ void kernel(benchmark::State& state) {
 solve_data assumptions(const std::vector<std::string>& texts) {
   solve_data sdata;
   for (const std::string& text : texts) {
-    sdata.assum.push_back(parse_semantic_term_from_str(text));
+    sdata.assum.push_back(read(text));
   }
   return sdata;
 }
 
-void call(benchmark::State& state, const std::vector<std::string>& texts, const char* goal) {
+void call(benchmark::State& state, const std::vector<std::string>& texts, const std::string& goal) {
+  start();
   const solve_data sdata = assumptions(texts);
-  term_ptr target = parse_semantic_term_from_str(goal);
+  term_ptr target = read(goal);
   bool proved = false;
   for ([[maybe_unused]] auto unused : state) {
     proved = solver_smt_lra(target, sdata);
@@ -282,7 +279,7 @@ void absolute_values(benchmark::State& state) {  // |x0 + ... + xn| <= |x0| + ..
     sum += " + x" + std::to_string(i);
     values += " + |x" + std::to_string(i) + "|";
   }
-  call(state, {}, ("|" + sum + "| ≤ " + values).c_str());
+  call(state, {}, "|" + sum + "| ≤ " + values);
   state.SetComplexityN(state.range(0));
 }
 
@@ -316,13 +313,3 @@ BENCHMARK(many_assumptions)->Arg(100)->Arg(1000)->Arg(10000)->Complexity();
 
 }  // namespace
 }  // namespace vetro
-
-int main(int argc, char** argv) {
-  return vetro::run_on_large_stack([&] {
-    vetro::match_init(vetro::read_pattern);
-    vetro::install_solvers(vetro::solver_registry());
-    benchmark::Initialize(&argc, argv);
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-  });
-}

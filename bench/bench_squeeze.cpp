@@ -5,7 +5,6 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/large_stack.h"
 #include "qv_solver_list/solvers.h"
 #include "term/ast.h"
 #include "term/term_split_combine.h"
@@ -62,11 +61,3 @@ BENCHMARK(one_more_goal)->Arg(0)->Arg(5000)->Unit(benchmark::kMicrosecond);
 
 }  // namespace
 }  // namespace vetro
-
-int main(int argc, char** argv) {
-  benchmark::Initialize(&argc, argv);
-  return vetro::run_on_large_stack([] {
-    benchmark::RunSpecifiedBenchmarks();
-    return 0;
-  });
-}

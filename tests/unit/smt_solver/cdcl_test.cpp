@@ -9,11 +9,10 @@
 #include <random>
 
 #include "number/limits.h"
+#include "support/clauses.h"
 
 namespace vetro {
 namespace {
-
-using clause_list = std::vector<std::vector<int>>;
 
 sat_data problem(int variables, const clause_list& clauses) {
   sat_data s = init_cdcl(variables, static_cast<int>(clauses.size()));
@@ -163,43 +162,6 @@ struct scanning_engine {
     }
   }
 };
-
-clause_list random_clauses(std::mt19937& random, int variables, int count, int shortest, int longest) {
-  clause_list clauses;
-  while (static_cast<int>(clauses.size()) < count) {
-    std::vector<int> clause;
-    const int size = shortest + static_cast<int>(random() % static_cast<unsigned>(longest - shortest + 1));
-    while (static_cast<int>(clause.size()) < size) {
-      const int v = static_cast<int>(random() % static_cast<unsigned>(variables)) + 1;
-      if (std::none_of(clause.begin(), clause.end(), [&](int l) { return std::abs(l) == v; })) {
-        clause.push_back(random() % 2 == 0 ? v : -v);
-      }
-    }
-    clauses.push_back(clause);
-  }
-  return clauses;
-}
-
-// n + 1 pigeons in n holes.
-clause_list pigeonhole(int holes) {
-  clause_list clauses;
-  const auto in = [&](int pigeon, int hole) { return pigeon * holes + hole + 1; };
-  for (int pigeon = 0; pigeon <= holes; ++pigeon) {
-    std::vector<int> somewhere;
-    for (int hole = 0; hole < holes; ++hole) {
-      somewhere.push_back(in(pigeon, hole));
-    }
-    clauses.push_back(somewhere);
-  }
-  for (int hole = 0; hole < holes; ++hole) {
-    for (int a = 0; a <= holes; ++a) {
-      for (int b = a + 1; b <= holes; ++b) {
-        clauses.push_back({-in(a, hole), -in(b, hole)});
-      }
-    }
-  }
-  return clauses;
-}
 
 // Literals of the clause without a value, or -1 for a clause that holds a true one.
 int open_literals(int c, const sat_data& s) {
