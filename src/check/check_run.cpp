@@ -107,13 +107,16 @@ std::string summary_event(const person_report& counts, int status) {
 
 // ---- Those who show results.
 
+// NO_COLOR counts where it is set to anything.
+bool wants_colour() {
+  const char* refused = std::getenv("NO_COLOR");
+  return isatty(STDOUT_FILENO) != 0 && (refused == nullptr || *refused == '\0');
+}
+
 class result_display {
  public:
   explicit result_display(const check_options& options)
-      : options_(options),
-        person_({.colour = isatty(STDOUT_FILENO) != 0 && std::getenv("NO_COLOR") == nullptr,
-                 .quiet = options.quiet,
-                 .explain = options.explain}) {}
+      : options_(options), person_({.colour = wants_colour(), .quiet = options.quiet, .explain = options.explain}) {}
 
   // False, with a message, when a file cannot be opened.
   bool open() {

@@ -8,6 +8,7 @@
 
 #include "diagnostics/diagnostics.h"
 #include "dsl_interpreter/advice.h"
+#include "lib/line_reader.h"
 #include "platform/text_file.h"
 #include "qv_solver_list/solver_shapes.h"
 #include "run/proof_run.h"
@@ -100,15 +101,15 @@ class source_lines {
     const text_file file = open_text_file(path_.c_str());
     for (int c = file == nullptr ? EOF : next_character(file.get()); c != EOF; c = next_character(file.get())) {
       if (c == '\n') {
-        take(std::move(line));
+        take(line);
         line.clear();
       } else {
         line.push_back(static_cast<char>(c));
       }
     }
-    take(std::move(line));
+    take(line);
   }
-  void take(std::string line) { lines_.push_back(std::move(line)); }
+  void take(const std::string& line) { lines_.emplace_back(without_line_end(line)); }
 
   const std::string& path_;
   const std::optional<std::string>& text_;

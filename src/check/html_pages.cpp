@@ -26,8 +26,8 @@ std::string formula_html(const shown_formula& formula) {
   if (formula.mathml.empty()) {
     return "<div class=\"formula\"><code>" + xml_text(formula.pretty) + "</code></div>";
   }
-  return "<div class=\"formula\"><math alttext=\"" + xml_text(formula.pretty) + "\">" + formula.mathml +
-         "</math></div>";
+  return "<div class=\"formula\"><math displaystyle=\"true\" alttext=\"" + xml_text(formula.pretty) + "\">" +
+         formula.mathml + "</math></div>";
 }
 
 std::string entry(const std::string& term, const std::string& description) {
@@ -60,6 +60,13 @@ std::string bar(const char* kind, std::uint64_t value, std::uint64_t most, const
   return std::string("<div class=\"bar") + kind +
          "\"><svg viewBox=\"0 0 1000 1\" preserveAspectRatio=\"none\" aria-hidden=\"true\"><rect width=\"" +
          std::to_string(width) + "\" height=\"1\"/></svg><span>" + text + "</span></div>\n";
+}
+
+// A bar that is to the width of its place as value is to the largest of all proofs, which the table knows.
+std::string share(const char* kind, std::uint64_t value) {
+  return value == 0
+             ? ""
+             : std::string("<span class=\"share") + kind + "\" style=\"--part: " + std::to_string(value) + "\"></span>";
 }
 
 // ---- What was said.
@@ -238,7 +245,7 @@ class page_writer {
 
 std::string html_page(const proof_report& report) { return page_writer(report).page(); }
 
-// The counts stand in the beginning, in as many bytes before the first proof as behind the last.
+// The counts and the largest values stand in the beginning, in as many bytes before the first proof as behind the last.
 std::string html_pages::index_beginning() const {
   std::string out = head_of("Proofs") + "<h1>Proofs</h1>\n<ul class=\"counts\">\n";
   for (const outcome_row& row : outcome_rows) {
@@ -247,8 +254,12 @@ std::string html_pages::index_beginning() const {
            format_text(" %12zu</li>\n", count);
   }
   return out +
-         "</ul>\n<table>\n<thead><tr><th>Outcome</th><th>Proof</th><th class=\"count\">Errors</th>"
-         "<th class=\"count wide\">Steps</th><th class=\"count wide\">Work</th></tr></thead>\n<tbody>\n";
+         format_text("</ul>\n<table class=\"%s\" style=\"--most-work: %20llu; --most-time: %20llu\">\n",
+                     timed_ ? "timed  " : "untimed", static_cast<unsigned long long>(most_work_),
+                     static_cast<unsigned long long>(most_time_)) +
+         "<thead><tr><th>Outcome</th><th>Proof</th><th class=\"count\">Errors</th>"
+         "<th class=\"count wide\">Steps</th><th class=\"count wide\">Work</th>"
+         "<th class=\"count wide time\">Time</th></tr></thead>\n<tbody>\n";
 }
 
 bool html_pages::write_file(const std::string& name, std::string_view text) {
@@ -274,12 +285,16 @@ void html_pages::proof(const proof_report& report) {
     return;
   }
   ++counts_[static_cast<std::size_t>(report.result)];
+  most_work_ = std::max(most_work_, report.work);
+  most_time_ = std::max(most_time_, report.microseconds);
+  timed_ = timed_ || report.with_times;
   const std::string name = file_stem(report.number, report.id) + ".html";
   lost_ = lost_ || !write_file(name, html_page(report));
   index_.write("<tr><td>" + outcome_html(report.result) + "</td><td><a href=\"" + name + "\">" + xml_text(report.id) +
-               "</a></td><td class=\"count\">" + std::to_string(report.count("error")) +
-               "</td><td class=\"count wide\">" + std::to_string(report.steps) + "</td><td class=\"count wide\">" +
-               std::to_string(report.work) + "</td></tr>\n");
+               "</a>" + share("", report.work) + share(" time", report.microseconds) + "</td><td class=\"count\">" +
+               std::to_string(report.count("error")) + "</td><td class=\"count wide\">" + std::to_string(report.steps) +
+               "</td><td class=\"count wide\">" + std::to_string(report.work) + "</td><td class=\"count wide time\">" +
+               time_text(report.microseconds) + "</td></tr>\n");
 }
 
 bool html_pages::finish() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <string>
 
 #include "check/output_file.h"
@@ -26,6 +27,9 @@ class html_pages {
   std::string folder_;
   output_file index_;
   std::array<std::size_t, outcome_count> counts_{};
+  std::uint64_t most_work_ = 1;  // of a proof
+  std::uint64_t most_time_ = 1;  // in microseconds
+  bool timed_ = false;
   bool lost_ = false;
 };
 

@@ -36,6 +36,7 @@ mark { background: none; color: inherit; text-decoration: underline wavy var(--b
 .inner { margin-left: clamp(0.5rem, 3vw, 2rem); }
 .step.failed { border-color: var(--bad); border-left-width: 0.35rem; }
 .step > .head { display: flex; flex-wrap: wrap; gap: 0.2rem 0.7rem; align-items: baseline; }
+.step > .head > span { max-width: calc(100% - 3rem); }
 .step > .head .number { font-weight: 700; }
 .said { margin: 0.7rem 0; padding: 0.5rem 0.8rem; border-left: 0.3rem solid var(--warn); background: var(--warn-back); }
 .said.error { border-color: var(--bad); background: var(--bad-back); }
@@ -54,6 +55,12 @@ math { font-size: 1.15em; }
 .bar svg { display: block; width: 100%; height: 0.5rem; background: var(--line); border-radius: 0.25rem; }
 .bar rect { fill: var(--bar); }
 .bar.time rect { fill: var(--time); }
+.share {
+  display: block; height: 0.25rem; margin-top: 0.25rem; border-radius: 0.125rem; background: var(--bar);
+  width: max(2px, calc(100% * var(--part) / var(--most-work)));
+}
+.share.time { background: var(--time); width: max(2px, calc(100% * var(--part) / var(--most-time))); }
+.untimed .time { display: none; }
 .counts { list-style: none; display: flex; flex-wrap: wrap; gap: 0.3rem 1.2rem; padding: 0; }
 .none { display: none; }
 table { width: 100%; border-collapse: collapse; background: var(--card); }

@@ -114,13 +114,15 @@ class painter {
     std::string text = d.source.substr(byte_of(d.source, first));
     const bool cut = characters_in(text) > shown;
     text.resize(byte_of(text, shown));
-    std::replace(text.begin(), text.end(), '\t', ' ');
+    // A terminal gets no tab, which has no fixed width, and no sign that would steer it.
+    std::replace_if(
+        text.begin(), text.end(), [](char c) { return (c >= 0 && c < ' ') || c == 0x7F; }, ' ');
     const std::string number = std::to_string(d.line);
     const std::string margin(number.size() < 5 ? 5 - number.size() : 0, ' ');
     write(margin + number + " | " + (first > 0 ? "…" : "") + text + (cut ? "…" : "") + "\n");
-    if (d.column > 0 && d.length > 0) {
+    if (d.column > 0) {
       const std::size_t at = column - first + (first > 0 ? 1 : 0);
-      const auto length = static_cast<std::size_t>(d.length);
+      const auto length = static_cast<std::size_t>(std::max(d.length, 1));
       const std::size_t room = std::max<std::size_t>(characters_in(text) + (first > 0 ? 1 : 0), at + 1) - at;
       write(std::string(std::max<std::size_t>(number.size(), 5), ' ') + " | " + std::string(at, ' '));
       paint(green, "^" + std::string(std::min(length, room) - 1, '~'));

@@ -23,9 +23,19 @@ constexpr std::array<std::string_view, 9> manifest_keys = {"id",      "gap",    
                                                            "library", "options", "comment", "tags"};
 constexpr std::array<std::string_view, 4> option_keys = {"strict", "timeout", "memory", "work"};
 
-bool is_proof_folder(const fs::path& folder) {
-  std::error_code error;
-  return fs::is_regular_file(folder / "gap.txt", error) && fs::is_regular_file(folder / "script.txt", error);
+// Whether a folder holds a proof, or a half of one, whose other half is then missed. A folder that cannot be searched
+// leaves its reason.
+bool is_proof_folder(const fs::path& folder, std::error_code& unreadable) {
+  const auto holds = [&](const char* name) {
+    std::error_code error;
+    const bool there = fs::exists(fs::status(folder / name, error));
+    if (error && error != std::errc::no_such_file_or_directory) {
+      unreadable = error;
+    }
+    return there;
+  };
+  const bool gap = holds("gap.txt");
+  return holds("script.txt") || gap;
 }
 
 // What is wrong with the keys of an object; empty if nothing is.
@@ -231,30 +241,39 @@ std::optional<proof_task> task_source::next_argument() {
   return task;
 }
 
+void task_source::add_proof_folder(const fs::path& folder) {
+  proof_task task = new_task(folder.string());
+  task.gap = (folder / "gap.txt").string();
+  task.script = (folder / "script.txt").string();
+  found_.push_back(std::move(task));
+}
+
 void task_source::read_folder(const fs::path& folder) {
-  if (is_proof_folder(folder)) {
-    proof_task task = new_task(folder.string());
-    task.gap = (folder / "gap.txt").string();
-    task.script = (folder / "script.txt").string();
-    found_.push_back(std::move(task));
+  std::error_code error;
+  if (is_proof_folder(folder, error)) {
+    add_proof_folder(folder);
     return;
   }
-  std::error_code error;
   std::vector<fs::path> inner;
   for (fs::directory_iterator entry(folder, error), end; !error && entry != end; entry.increment(error)) {
     std::error_code ignored;
-    if (entry->is_directory(ignored) && is_proof_folder(entry->path())) {
+    if (entry->is_directory(ignored)) {
       inner.push_back(entry->path());
+    }
+  }
+  std::sort(inner.begin(), inner.end());
+  for (const fs::path& proof : inner) {
+    std::error_code unreadable;
+    if (is_proof_folder(proof, unreadable)) {
+      add_proof_folder(proof);
+    } else if (unreadable) {
+      found_.push_back(bad_input(proof.string(), 0, unreadable.message()));
     }
   }
   if (error) {
     found_.push_back(bad_input(folder.string(), 0, error.message()));
-  } else if (inner.empty()) {
+  } else if (found_.empty()) {
     found_.push_back(bad_input(folder.string(), 0, "neither gap.txt with script.txt nor folders with them stand here"));
-  }
-  std::sort(inner.begin(), inner.end());
-  for (const fs::path& proof : inner) {
-    read_folder(proof);
   }
 }
 

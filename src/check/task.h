@@ -53,6 +53,7 @@ class task_source {
   std::optional<proof_task> next_of_manifest();
   std::optional<proof_task> next_argument();
   bool open_manifest(const std::string& path);
+  void add_proof_folder(const std::filesystem::path& folder);
   void read_folder(const std::filesystem::path& folder);
   proof_task new_task(std::string id) const;
   proof_task bad_input(const std::string& file, int line, std::string problem) const;

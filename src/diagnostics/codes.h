@@ -55,6 +55,8 @@ enum class diagnostic_code : std::uint8_t {
   implication_chain,
   function_power,
   known_name,
+  arrow_sign,
+  applied_value,
   written_differs,
   rule_premise,
   goal_replaced,

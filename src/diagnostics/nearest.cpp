@@ -11,6 +11,13 @@ char small(char c) { return c >= 'A' && c <= 'Z' ? static_cast<char>(c - 'A' + '
 
 bool same_letter(char a, char b) { return small(a) == small(b); }
 
+// Whether the word is a beginning of the candidate that tells enough of it.
+bool begins(std::string_view word, std::string_view candidate) {
+  constexpr std::size_t telling = 3;
+  return word.size() >= telling && word.size() < candidate.size() &&
+         std::equal(word.begin(), word.end(), candidate.begin(), same_letter);
+}
+
 }  // namespace
 
 std::size_t edit_distance(std::string_view a, std::string_view b, std::size_t most) {
@@ -41,6 +48,7 @@ std::size_t edit_distance(std::string_view a, std::string_view b, std::size_t mo
 std::string_view nearest_word(std::string_view word, std::span<const std::string_view> words) {
   std::size_t best = std::max<std::size_t>(1, word.size() / 3) + 1;
   std::string_view nearest;
+  std::string_view longer;
   for (std::string_view candidate : words) {
     if (candidate == word) {
       return {};
@@ -50,8 +58,11 @@ std::string_view nearest_word(std::string_view word, std::span<const std::string
       best = distance;
       nearest = candidate;
     }
+    if (longer.empty() && begins(word, candidate)) {
+      longer = candidate;
+    }
   }
-  return nearest;
+  return nearest.empty() ? longer : nearest;
 }
 
 std::string did_you_mean(std::string_view word) {

@@ -8,7 +8,8 @@
 namespace vetro {
 
 // The first of the words that is nearest to the given one: letters exchanged, left out, put in, or two of them swapped,
-// at most a third of the word. Empty where no word is so near, or the word is one of them.
+// at most a third of the word; else the first that begins with it. Empty where no word is so near, or the word is one
+// of them.
 std::string_view nearest_word(std::string_view word, std::span<const std::string_view> words);
 
 // Changes that lead from a to b; more than most counts as most + 1.

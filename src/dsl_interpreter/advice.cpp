@@ -173,14 +173,70 @@ std::string fresh_advice(const proof_gap_full& gap, term_ptr used) {
   return {};
 }
 
+// Names are compared without the word that all of them end with.
 std::string solver_advice(std::string_view name) {
-  std::vector<std::string_view> names;
+  constexpr std::string_view ending = "Solver";
+  const auto stem = [&](std::string_view whole) {
+    return whole.size() > ending.size() && whole.ends_with(ending) ? whole.substr(0, whole.size() - ending.size())
+                                                                   : whole;
+  };
+  std::vector<std::string_view> stems;
   for (const solver_row& row : solver_registry()) {
     if (!row.name.empty()) {
-      names.push_back(row.name);
+      stems.push_back(stem(row.name));
     }
   }
-  return did_you_mean(nearest_word(name, names));
+  const std::string_view nearest = nearest_word(stem(name), stems);
+  const auto row = std::find_if(solver_registry().begin(), solver_registry().end(), [&](const solver_row& r) {
+    return !nearest.empty() && !r.name.empty() && stem(r.name) == nearest;
+  });
+  return row == solver_registry().end() ? std::string() : did_you_mean(row->name);
+}
+
+// ---- Shapes.
+
+// The instruction that takes apart a formula of this shape.
+std::string shape_advice(const proof_gap_full& gap, term_ptr t) {
+  if (t == nullptr) {
+    return {};
+  }
+  const bool goal = t == gap.goal;
+  if (t->type() == Quant) {
+    const bool universal = t->quant() == Forall;
+    const std::string what = universal ? "this is universal: " : "this is existential: ";
+    return what + (universal ? (goal ? "get_forall fixes its variables" : "get_prop puts values for its variables")
+                             : (goal ? "exists gives witnesses" : "get_exists names what there is"));
+  }
+  const auto view = composed_prop_split(t);
+  switch (view ? view->connect : Iff) {
+    case And:
+      return goal ? "this is a conjunction: assert its parts, and autosolve puts them together"
+                  : "this is a conjunction: destruct_and takes it apart";
+    case Or:
+      return goal ? "this is a disjunction: or_intro chooses a side"
+                  : "this is a disjunction: case_analysis splits by it";
+    case Impl:
+      return goal ? "this is an implication: get_condition takes off its premises"
+                  : "this is an implication: use_condition discharges its premises";
+    default:
+      return {};
+  }
+}
+
+std::string parts_advice(term_ptr conjunction) {
+  std::string text;
+  for (term_ptr part : split_connect(conjunction, And)) {
+    text += (text.empty() ? "the parts are " : ", ") + pretty(part);
+  }
+  return text;
+}
+
+// autosolve that names no hypothesis uses none.
+std::string unproved_advice(const dsl_execute_data& data) {
+  const auto* inst = std::get_if<dsl_auto_solve>(&data.inst->content);
+  return inst != nullptr && !inst->all_assum && inst->hlist.empty() && data.cur_gap->assu_num() > 0
+             ? "no hypothesis is used here; 'autosolve all_hypothesis' uses all of them"
+             : std::string();
 }
 
 std::string suggestion_for(const dsl_execute_data& data, const fault& about) {
@@ -210,6 +266,13 @@ std::string suggestion_for(const dsl_execute_data& data, const fault& about) {
       return binder_advice(about.needed);
     case diagnostic_code::not_fresh:
       return fresh_advice(gap, about.given);
+    case diagnostic_code::wrong_shape:
+    case diagnostic_code::rule_unusable:
+      return shape_advice(gap, about.given);
+    case diagnostic_code::wrong_count:
+      return about.given == nullptr ? std::string() : parts_advice(about.given);
+    case diagnostic_code::not_proved:
+      return unproved_advice(data);
     case diagnostic_code::no_such_solver:
       return solver_advice(instruction_as<dsl_auto_solve>(data).solver_name);
     default:
@@ -326,11 +389,32 @@ term_list of_hypotheses(const dsl_execute_data& data, term_ptr piece) {
   return list;
 }
 
-// The first line without what leads to the lines behind it.
+// Texts of the error log that say little to who does not know the program, and what is said in their place.
+constexpr std::pair<std::string_view, std::string_view> plainer[] = {
+    {"mismatch goal in rewrite dsl", "the formula written here is not the goal"},
+    {"mismatch hypothesis in rewrite dsl", "the formula written here is not that hypothesis"},
+    {"quant var don't have", "the quantifier does not bind"},
+    {"duplicate substitution for quant var", "there is more than one value for"},
+    {"goal is not long enough to match all conditions", "the goal has no further premise"},
+    {"Target hypothesis is not long enough to match all conditions", "the hypothesis has no further premise"},
+    {"invalid term for get_prop instantiation", "only a universal formula takes values"},
+    {"hypothesis's conclusion does not match current goal", "no conclusion of this hypothesis is the goal"},
+};
+
+// The first line without what leads to the lines behind it, and without the name of a function in front.
 std::string first_line(std::string_view text) {
   std::string_view line = text.substr(0, text.find('\n'));
   const std::size_t last = line.find_last_not_of(" :,.");
-  return std::string(line.substr(0, last == std::string_view::npos ? 0 : last + 1));
+  line = line.substr(0, last == std::string_view::npos ? 0 : last + 1);
+  if (line.starts_with("Error: ") || line.starts_with("execute_")) {
+    line.remove_prefix(std::min(line.find(": ") + 2, line.size()));
+  }
+  for (const auto& [written, said] : plainer) {
+    if (line.starts_with(written)) {
+      return std::string(said) + std::string(line.substr(written.size()));
+    }
+  }
+  return std::string(line);
 }
 
 int failed_attempt(const diagnostics& d, diagnostic_code code) {

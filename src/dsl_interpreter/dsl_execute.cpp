@@ -127,6 +127,18 @@ class step_record {
   std::chrono::steady_clock::time_point begun_;
 };
 
+// Whoever collects diagnostics hears of what stands behind the end of the proof.
+void note_rest(const dsl_instruction_list& list, const dsl_instruction& last) {
+  if (collecting_diagnostics == nullptr || &last == &list.back()) {
+    return;
+  }
+  const dsl_instruction& next = *(&last + 1);
+  collecting_diagnostics->add({.code = diagnostic_code::already_finished,
+                               .level = row_of(diagnostic_code::already_finished).level,
+                               .message = "the proof ends in front of this instruction, which is not carried out",
+                               .place = {source_file::script, next.number, next.place.column, next.place.length}});
+}
+
 }  // namespace
 
 bool instruction_signatures::insert(const dsl_instruction& inst) {
@@ -180,6 +192,9 @@ dsl_exe_code execute_instruction_list(dsl_execute_data& data, const dsl_instruct
     dsl_trace_print_result(data, *result, before, step.goal_changed, step.assumption_changed);
     record.keep(step, before, *data.cur_gap);
     summary_append_step(data.summary, std::move(step));
+    if (result->flag == exe_finish || result->flag == exe_gap_split) {
+      note_rest(list, inst);
+    }
     if (result->flag != exe_success) {
       return result->flag;
     }

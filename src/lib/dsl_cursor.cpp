@@ -225,7 +225,7 @@ bool read_dsl_term(dsl_cursor& in, dsl_term& reference) {
   }
   std::string_view formula;
   if (!in.take_balanced('{', '}', formula)) {
-    return in.misses("a formula in braces");
+    return in.misses(in.rest().starts_with('{') ? "a '}' for the brace that opens here" : "a formula in braces");
   }
   reference.formula = in.span_of(formula);
   reference.t = read_reference_formula(formula);

@@ -98,6 +98,24 @@ std::string_view nearest_instruction(std::string_view word) {
   return nearest_word(word, keywords);
 }
 
+// Of the words in single quotes that were expected, the one that the word at the place is nearest to.
+std::string_view nearest_wanted(std::string_view line, text_span at, std::string_view expected) {
+  std::vector<std::string_view> words;
+  for (std::size_t begin = expected.find('\''); begin != std::string_view::npos; begin = expected.find('\'', begin)) {
+    const std::size_t end = expected.find('\'', begin + 1);
+    if (end == std::string_view::npos) {
+      break;
+    }
+    words.push_back(expected.substr(begin + 1, end - begin - 1));
+    begin = end + 1;
+  }
+  if (at.column < 1 || static_cast<std::size_t>(at.column) > line.size()) {
+    return {};
+  }
+  const std::string_view rest = line.substr(static_cast<std::size_t>(at.column) - 1);
+  return nearest_word(rest.substr(0, rest.find_first_of(" \t\r\n(){}:,")), words);
+}
+
 bool read_instruction(dsl_cursor& in, dsl_content& content) {
   in.skip_whitespace();
   const instruction_form* found = form_of_line(in.rest());
@@ -179,6 +197,7 @@ void script_reader::diagnose_bad_line(const dsl_cursor& in, std::string_view ins
   if (!in.missing().empty()) {
     bad.message = "expected " + std::string(in.missing());
     bad.place = d->place_in_line(in.missing_at());
+    bad.suggestion = did_you_mean(nearest_wanted(line_, in.missing_at(), in.missing()));
   } else if (form_of_line(instruction) == nullptr) {
     const std::string_view word = instruction.substr(0, instruction.find_first_of(" \t\r\n({:"));
     bad.message = word.empty() ? "expected an instruction" : "there is no instruction '" + std::string(word) + "'";

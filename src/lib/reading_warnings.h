@@ -7,8 +7,8 @@
 
 namespace vetro {
 
-// Looks at the text of a formula for implications in a row without parentheses, powers of a function's name, and
-// functions whose name is nearly that of a known one.
+// Looks at the text of a formula for implications in a row without parentheses, powers of a function's name, names that
+// are nearly or usually those of something known, arrows between propositions, and numbers or sums that are applied.
 void warn_of_readings(diagnostics& d, std::string_view formula);
 
 }  // namespace vetro

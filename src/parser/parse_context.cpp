@@ -5,6 +5,7 @@
 #include <string>
 
 #include "diagnostics/diagnostics.h"
+#include "parser/notation_advice.h"
 #include "parser/readable_error.h"
 #include "term/print/pretty.h"
 #include "term/report.h"
@@ -97,7 +98,8 @@ void parse_context::syntax_error(const char* message) {
     d->add({.code = diagnostic_code::formula_syntax,
             .level = d->bad_formula,
             .message = readable_error(message, token_text()),
-            .place = d->place_of(token_text())});
+            .place = d->place_of(token_text()),
+            .suggestion = notation_advice(source_, token_begin, token_end, message)});
   }
 }
 

@@ -30,7 +30,9 @@ void assert_by_block(dsl_execute_data& data, dsl_result& result, term_ptr propos
   } else if (proof_gap_full_is_finished(gap) && !local.goal_was_given_up) {
     add_asserted_hypothesis(data, result, proposition);
   } else {
-    log_error(data, fault(diagnostic_code::block_not_proved).at(instruction_as<dsl_assert>(data).new_hypo),
+    // What a block leaves open that ran to its end; one that failed has said so.
+    fault about = fault(diagnostic_code::block_not_proved).at(instruction_as<dsl_assert>(data).new_hypo);
+    log_error(data, about.differs(code == exe_success ? gap.goal : nullptr, nullptr),
               "execute_assert: proof block did not prove the asserted hypothesis\n");
   }
 }

@@ -62,8 +62,9 @@ constexpr layout layouts[] = {
     {Sqrt, 1, "<msqrt>~0</msqrt>"},
     {Sqrtn, 2, "<mroot>~1~0</mroot>"},
     {Cbrt, 1, "<mroot>~0<mn>3</mn></mroot>"},
-    {SingleDeri, 1, "<msup>^0<mo>′</mo></msup>"},
+    {SingleDeri, 1, R"(<msup>^0<mo lspace="0" rspace="0">′</mo></msup>)"},
     {NthDeri, 2, "<msup>^0<mrow><mo>(</mo>~1<mo>)</mo></mrow></msup>"},
+    {D, 1, R"(<mo lspace="0.17em" rspace="0">d</mo>#0)"},
     {EvalBar, 3, R"(<msubsup><mrow>#0<mo form="postfix" stretchy="true">|</mo></mrow>~1~2</msubsup>)"},
     {Floor, 1, "<mo>⌊</mo>~0<mo>⌋</mo>"},
     {Ceil, 1, "<mo>⌈</mo>~0<mo>⌉</mo>"},
@@ -400,11 +401,96 @@ bool put_application_layout(std::string& out, term_ptr t, const print_parts::spi
   return true;
 }
 
+bool is_one(term_ptr t) { return t->type() == Const && t->constant() == Integer && t->integer() == 1; }
+
+// As a raised order, which is left out where it is 1.
+void put_order(std::string& out, std::string_view sign, term_ptr order) {
+  if (is_one(order)) {
+    out += sign;
+    return;
+  }
+  (out += "<msup>") += sign;
+  put_term(out, order);
+  out += "</msup>";
+}
+
+// A derived function: a prime or a raised order for a function of one variable, ∂ with the number of the variable else.
+void put_derived_function(std::string& out, term_ptr function, term_ptr variable, term_ptr order,
+                          bool of_one_variable) {
+  if (!of_one_variable || !is_one(variable)) {
+    out += is_one(order) ? "<msub><mo>∂</mo>" : "<msubsup><mo>∂</mo>";
+    put_term(out, variable);
+    if (!is_one(order)) {
+      put_term(out, order);
+    }
+    out += is_one(order) ? "</msub>" : "</msubsup>";
+    put_operand(out, function, operand_rule::strict, PRINT_PREC_POWER_INDEX);
+    return;
+  }
+  out += "<msup>";
+  put_operand(out, function, operand_rule::strict, PRINT_PREC_POWER_INDEX);
+  if (is_one(order)) {
+    out += R"(<mo lspace="0" rspace="0">′</mo>)";
+  } else {
+    out += "<mrow><mo>(</mo>";
+    put_term(out, order);
+    out += "<mo>)</mo></mrow>";
+  }
+  out += "</msup>";
+}
+
+// The derivative of an expression by a variable, in Leibniz' notation.
+void put_derived_expression(std::string& out, term_ptr expression, term_ptr variable, term_ptr order) {
+  out += "<mfrac>";
+  put_order(out, "<mi>d</mi>", order);
+  out += "<mrow><mi>d</mi>";
+  if (is_one(order)) {
+    put_term(out, variable);
+  } else {
+    out += "<msup>";
+    put_operand(out, variable, operand_rule::strict, PRINT_PREC_POWER_INDEX);
+    put_term(out, order);
+    out += "</msup>";
+  }
+  out += "</mrow></mfrac>";
+  put_operand(out, expression, operand_rule::child, PRINT_PREC_MUL);
+}
+
+// The three arguments that say what is derived, and behind them the point.
+bool put_derivative(std::string& out, term_ptr t, const print_parts::spine_end& end) {
+  constexpr std::size_t described = 3;
+  const bool function = is_oper(end.head, FunDeri);
+  if ((!function && !is_oper(end.head, ValDeri)) || end.head->scope() != nullptr || end.count < described ||
+      end.count != t->argument_count()) {
+    return false;
+  }
+  const std::size_t point = end.count - described;
+  const term_ptr derived = t->argument(0);
+  out += "<mrow>";
+  if (function) {
+    const bool one = derived->type() == Lambda ? derived->vars().size() == 1 : point == 1;
+    put_derived_function(out, derived, t->argument(1), t->argument(2), one);
+    if (point > 0) {
+      put_argument_list(out, t, point);
+    }
+  } else {
+    out += point > 0 ? "<msub><mrow>" : "";
+    put_derived_expression(out, derived, t->argument(1), t->argument(2));
+    if (point > 0) {
+      out += R"(<mo form="postfix" stretchy="true">|</mo></mrow><mrow>)";
+      put_arguments(out, t, point);
+      out += "</mrow></msub>";
+    }
+  }
+  out += "</mrow>";
+  return true;
+}
+
 // Head and arguments. Where an inner part of the spine has a notation of its own, that part is the head, as in f'(x)
 // and in a fraction of differentials at a point.
 void put_application(std::string& out, term_ptr t) {
   print_parts::spine_end end = print_parts::end_of_spine(t);
-  if (put_application_layout(out, t, end)) {
+  if (put_application_layout(out, t, end) || put_derivative(out, t, end)) {
     return;
   }
   const print_row* row = print_table::row_of_head(end.head);
@@ -444,15 +530,31 @@ void put_apply(std::string& out, term_ptr t, const found_row& found) {
   }
 }
 
+// A number set, or an arrow between two types.
+void put_type(std::string& out, lambda_type_ptr type) {
+  if (type == nullptr || type->kind != LambdaTypeFunc) {
+    // The types stand in the order of the sets.
+    const lambda_base_type base = type == nullptr ? LambdaReal : type->base;
+    put_number_set(out, static_cast<const_type>(IntegerSet + static_cast<int>(base)));
+    return;
+  }
+  out += "<mrow>";
+  const bool nested = type->param_type != nullptr && type->param_type->kind == LambdaTypeFunc;
+  out += nested ? "<mo>(</mo>" : "";
+  put_type(out, type->param_type);
+  out += nested ? "<mo>)</mo>" : "";
+  out += "<mo>→</mo>";
+  put_type(out, type->return_type);
+  out += "</mrow>";
+}
+
 void put_lambda(std::string& out, term_ptr t) {
   out += "<mrow><mo>(</mo>";
   for (std::size_t i = 0; i < t->vars().size(); ++i) {
     out += i == 0 ? "" : "<mo>,</mo>";
     put_term(out, t->vars()[i]);
     out += "<mo>:</mo>";
-    std::string type;
-    print_lambda_type(type, i < t->var_types().size() ? t->var_types()[i] : nullptr);
-    put(out, "mtext", type);
+    put_type(out, i < t->var_types().size() ? t->var_types()[i] : nullptr);
   }
   if (t->condition() != nullptr) {
     out += "<mo>|</mo>";

@@ -68,7 +68,8 @@ constexpr const char* two = "ASSUM:;1. x > 1 ⇒ y > 1;2. x > 1;GOAL:;y > 1";
 
 constexpr row rows[] = {
     // The gap.
-    {"ASSUM:;x > 1;GOAL:;x > 0", "apply (hypothesis 1: {x > 1})", "unparsed", "gap-line-form", "gap:2:1+5", ""},
+    {"ASSUM:;x > 1;GOAL:;x > 0", "apply (hypothesis 1: {x > 1})", "unparsed", "gap-line-form", "gap:2:1+5",
+     "write '1. x > 1'"},
     {"ASSUM:;1. x > 1", "apply (hypothesis 1: {x > 1})", "unparsed", "gap-without-goal", "gap:3:1+0", ""},
     {"ASSUM:;1. ε > * 1;GOAL:;x > 0", "autosolve all_hypothesis", "unparsed", "formula-syntax", "gap:2:8+1", ""},
     {"ASSUM:;1. x > > 1;2. y > 1;GOAL:;y > 0", "autosolve all_hypothesis", "unparsed", "formula-syntax", "gap:2:8+1",
@@ -109,10 +110,11 @@ constexpr row rows[] = {
     {"ASSUM:;1. x > 1;GOAL:;forall (y), y > x", "get_forall (GOAL: {forall (y), y > x}) (y := {x})", "failed",
      "not-fresh", "script:1:40+10", "'x1' is free"},
     {two, "autosolve all_hypothesis using SmtSolver", "failed", "no-such-solver", "script:1:32+9",
-     "did you mean 'SgnSolver'?"},
+     "did you mean 'SmtLraSolver'?"},
     {no_hypothesis, "assert (hypothesis 1: {x > 0}) by admit;autosolve all_hypothesis", "admitted", "admitted",
      "script:1:24+5", ""},
-    {two, "autosolve all_hypothesis;autosolve all_hypothesis", "verified", nullptr, "", ""},
+    {two, "autosolve all_hypothesis;autosolve all_hypothesis", "verified", "already-finished", "script:2:1+24", ""},
+    {two, "autosolve all_hypothesis", "verified", nullptr, "", ""},
 };
 
 TEST(check_diagnostics, each_fault_has_its_code_its_place_and_its_advice) {
