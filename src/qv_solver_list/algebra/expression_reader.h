@@ -38,6 +38,7 @@
 #include <vector>
 
 #include "number/exact.h"
+#include "qv_solver_list/algebra/root_form.h"
 #include "qv_solver_list/algebra/root_view.h"
 #include "qv_solver_list/number_reading.h"
 #include "term/ast.h"
@@ -340,8 +341,7 @@ class expression_reader {
   // Calculation may take a variable out of an index part, and what the operator binds must not change by that:
   // sum_{i = k - k}^{n}(k) binds k, sum_{i = 0}^{n}(k) does not.
   value read_binding(const value& application, term_list binders, bool special) {
-    std::sort(binders.begin(), binders.end(),
-              [](term_ptr a, term_ptr b) { return a->bare()->hash() < b->bare()->hash(); });
+    std::sort(binders.begin(), binders.end(), [](term_ptr a, term_ptr b) { return compare_terms(a, b) < 0; });
     std::vector<value> values{application};
     for (term_ptr variable : binders) {
       values.push_back(domain_.opaque(as_written(variable)));
