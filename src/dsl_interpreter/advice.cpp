@@ -266,8 +266,9 @@ std::string suggestion_for(const dsl_execute_data& data, const fault& about) {
       return binder_advice(about.needed);
     case diagnostic_code::not_fresh:
       return fresh_advice(gap, about.given);
-    case diagnostic_code::wrong_shape:
     case diagnostic_code::rule_unusable:
+      return about.given != nullptr && about.given->type() == Quant ? shape_advice(gap, about.given) : std::string();
+    case diagnostic_code::wrong_shape:
       return shape_advice(gap, about.given);
     case diagnostic_code::wrong_count:
       return about.given == nullptr ? std::string() : parts_advice(about.given);
@@ -391,6 +392,8 @@ term_list of_hypotheses(const dsl_execute_data& data, term_ptr piece) {
 
 // Texts of the error log that say little to who does not know the program, and what is said in their place.
 constexpr std::pair<std::string_view, std::string_view> plainer[] = {
+    {"get_prop target formula mismatch", "the formula written here is not the instance"},
+    {"failed to record admitted proposition", "the asserted formula does not parse"},
     {"mismatch goal in rewrite dsl", "the formula written here is not the goal"},
     {"mismatch hypothesis in rewrite dsl", "the formula written here is not that hypothesis"},
     {"quant var don't have", "the quantifier does not bind"},
@@ -411,7 +414,8 @@ std::string first_line(std::string_view text) {
   }
   for (const auto& [written, said] : plainer) {
     if (line.starts_with(written)) {
-      return std::string(said) + std::string(line.substr(written.size()));
+      const bool name_follows = line.substr(written.size()).starts_with(" '");
+      return std::string(said) + std::string(name_follows ? line.substr(written.size()) : std::string_view());
     }
   }
   return std::string(line);
@@ -433,6 +437,9 @@ diagnostic described_fault(const dsl_execute_data& data, const fault& about, con
                .given = about.given,
                .suggestion = suggestion_for(data, about),
                .attempt = failed_attempt(*collecting_diagnostics, about.code)};
+  if (about.code == diagnostic_code::no_such_solver) {
+    d.message = "there is no solver '" + instruction_as<dsl_auto_solve>(data).solver_name + "'";
+  }
   const text_span place = about.place.column != 0 ? about.place : data.inst->place;
   d.place = {source_file::script, data.inst->number, place.column, place.length};
   return d;
