@@ -24,33 +24,31 @@ namespace {
 int variable_of(int literal) { return std::abs(literal) - 1; }
 
 // Where a literal stands in the lists by literal.
-std::size_t place_of(int literal) {
-  return 2 * static_cast<std::size_t>(variable_of(literal)) + (literal < 0 ? 1U : 0U);
-}
+std::size_t place_of(int literal, const sat_data& s) { return static_cast<std::size_t>(literal + s.v_size); }
 
-int truth_of(int literal, const sat_data& s) { return s.truth[place_of(literal)]; }
+int truth_of(int literal, const sat_data& s) { return s.truth[place_of(literal, s)]; }
+
+// Entries of the arena in front of a clause's literals.
+constexpr std::size_t header = 2;
 
 void spend(sat_data& s, std::size_t literals) { s.work_left -= std::min<std::uint64_t>(s.work_left, literals); }
 
-std::size_t begin_of(int clause, const sat_data& s) {
-  return clause == 0 ? 0 : s.literals_end[static_cast<std::size_t>(clause) - 1];
-}
+void note_conflict(int clause, int& conflict) { conflict = conflict < 0 ? clause : std::min(conflict, clause); }
 
 // Watches the first two literals of the last clause.
 void attach_last_clause(sat_data& s) {
   const int index = s.cl_size() - 1;
   const literal_span literals = s.clause(index);
   if (literals.size() > 2) {
-    s.watches[place_of(literals[0])].push_back({index, literals[1]});
-    s.watches[place_of(literals[1])].push_back({index, literals[0]});
+    const sat_data::place at = s.clauses.back();
+    s.watches[place_of(literals[0], s)].push_back({at, literals[1]});
+    s.watches[place_of(literals[1], s)].push_back({at, literals[0]});
   } else {
     for (std::size_t i = 0; i < literals.size(); ++i) {
-      s.short_clauses[place_of(literals[i])].push_back({index, literals[literals.size() - 1 - i]});
+      s.short_clauses[place_of(literals[i], s)].push_back({index, literals[literals.size() - 1 - i]});
     }
   }
 }
-
-void note_conflict(int clause, int& conflict) { conflict = conflict < 0 ? clause : std::min(conflict, clause); }
 
 // All literals of the clause but the last one are false.
 void last_literal_left(int clause, int literal, sat_data& s, int& conflict) {
@@ -61,52 +59,55 @@ void last_literal_left(int clause, int literal, sat_data& s, int& conflict) {
   }
 }
 
-// A literal behind the first two that is not false takes the place of the second. False when there is none.
-bool moves_watch(int clause, sat_data& s) {
-  int* literals = s.literals.data() + begin_of(clause, s);
-  const std::size_t size = s.clause(clause).size();
-  for (std::size_t i = 2; i < size; ++i) {
-    if (truth_of(literals[i], s) >= 0) {
-      spend(s, i);
-      std::swap(literals[1], literals[i]);
-      s.watches[place_of(literals[1])].push_back({clause, literals[0]});
-      return true;
-    }
-  }
-  spend(s, size);
-  return false;
+// The first literal behind the watched ones that is not false; the clause's end when there is none.
+int* next_watchable(int* literals, int* end, const std::int8_t* truth) {
+  return std::find_if(literals + 2, end, [truth](int l) { return truth[l] >= 0; });
 }
 
-// The literal has become false: the lowest clause that has no other literal left, or -1.
-int visit_watchers(int literal, sat_data& s) {
-  int conflict = -1;
-  for (const sat_data::watch& w : s.short_clauses[place_of(literal)]) {
-    if (truth_of(w.other, s) <= 0) {
-      last_literal_left(w.clause, w.other, s, conflict);
+// The literal has become false in the clauses of two literals, and is the only one of others.
+void visit_short_clauses(int literal, sat_data& s, int& conflict) {
+  const auto& list = s.short_clauses[place_of(literal, s)];
+  for (const sat_data::short_clause& c : list) {
+    if (truth_of(c.other, s) <= 0) {
+      last_literal_left(c.clause, c.other, s, conflict);
     }
   }
-  std::vector<sat_data::watch>& list = s.watches[place_of(literal)];
-  spend(s, s.short_clauses[place_of(literal)].size() + list.size() + 1);
-  std::size_t kept = 0;
-  for (std::size_t i = 0; i < list.size(); ++i) {
-    sat_data::watch w = list[i];
-    if (truth_of(w.other, s) <= 0) {
-      int* literals = s.literals.data() + begin_of(w.clause, s);
-      if (literals[0] == literal) {
-        std::swap(literals[0], literals[1]);
-      }
-      w.other = literals[0];
-      if (truth_of(w.other, s) <= 0) {
-        if (moves_watch(w.clause, s)) {
-          continue;
-        }
-        last_literal_left(w.clause, w.other, s, conflict);
-      }
+  spend(s, list.size() + 1);
+}
+
+// The same in longer clauses, which look for another literal to watch.
+void visit_watchers(int literal, sat_data& s, int& conflict) {
+  const std::int8_t* const truth = s.truth.data() + s.v_size;
+  std::vector<sat_data::watch>& list = s.watches[place_of(literal, s)];
+  std::size_t looked_at = list.size();
+  auto kept = list.begin();
+  for (const sat_data::watch w : list) {
+    if (truth[w.other] > 0) {
+      *kept++ = w;
+      continue;
     }
-    list[kept++] = w;
+    int* const clause = s.arena.data() + w.at;
+    int* const literals = clause + header;
+    const int other = literals[0] ^ literals[1] ^ literal;
+    if (truth[other] > 0) {
+      *kept++ = {w.at, other};
+      continue;
+    }
+    int* const end = literals + clause[1];
+    int* const next = next_watchable(literals, end, truth);
+    looked_at += static_cast<std::size_t>(next - literals);
+    if (next == end) {
+      *kept++ = {w.at, other};
+      last_literal_left(clause[0], other, s, conflict);
+    } else {
+      literals[0] = other;
+      literals[1] = *next;
+      *next = literal;
+      s.watches[place_of(literals[1], s)].push_back({w.at, other});
+    }
   }
-  list.resize(kept);
-  return conflict;
+  list.erase(kept, list.end());
+  spend(s, looked_at);
 }
 
 // Gives the literal's variable the value that makes it true. The first clause falsified, or -1.
@@ -117,10 +118,13 @@ int assign(int literal, int reason, sat_data& s) {
   s.v_data.value[v] = literal > 0 ? 1 : 0;
   s.v_data.ancient[v] = reason;
   s.v_data.dl[v] = s.cur_dl;
-  s.truth[place_of(literal)] = 1;
-  s.truth[place_of(-literal)] = -1;
+  s.truth[place_of(literal, s)] = 1;
+  s.truth[place_of(-literal, s)] = -1;
   s.trail.push_back(variable);
-  return visit_watchers(-literal, s);
+  int conflict = -1;
+  visit_short_clauses(-literal, s, conflict);
+  visit_watchers(-literal, s, conflict);
+  return conflict;
 }
 
 void release(int variable, sat_data& s) {
@@ -128,8 +132,8 @@ void release(int variable, sat_data& s) {
   s.v_data.value[v] = -1;
   s.v_data.ancient[v] = -1;
   s.v_data.dl[v] = -1;
-  s.truth[2 * v] = 0;
-  s.truth[2 * v + 1] = 0;
+  s.truth[place_of(variable + 1, s)] = 0;
+  s.truth[place_of(-variable - 1, s)] = 0;
   s.lowest_free = std::min(s.lowest_free, variable);
 }
 
@@ -147,13 +151,20 @@ int forced_literal(int clause, const sat_data& s) {
 
 int level_of(int literal, const sat_data& s) { return s.v_data.dl[static_cast<std::size_t>(variable_of(literal))]; }
 
+// The header of the next clause; its size is filled in when its literals are there.
+void begin_clause(sat_data& s) {
+  s.clauses.push_back(static_cast<sat_data::place>(s.arena.size()));
+  s.arena.insert(s.arena.end(), {s.cl_size() - 1, 0});
+}
+
 // Appends the learnt clause, with the literals that lose their value first in front.
 void append_learnt(const std::vector<int>& learnt, sat_data& s) {
-  s.literals.insert(s.literals.end(), learnt.begin(), learnt.end());
-  s.literals_end.push_back(s.literals.size());
-  const auto begin = s.literals.end() - static_cast<std::ptrdiff_t>(learnt.size());
+  begin_clause(s);
+  s.arena.back() = static_cast<int>(learnt.size());
+  s.arena.insert(s.arena.end(), learnt.begin(), learnt.end());
+  const auto begin = s.arena.end() - static_cast<std::ptrdiff_t>(learnt.size());
   const auto watched = begin + static_cast<std::ptrdiff_t>(std::min<std::size_t>(learnt.size(), 2));
-  std::partial_sort(begin, watched, s.literals.end(), [&s](int a, int b) { return level_of(a, s) > level_of(b, s); });
+  std::partial_sort(begin, watched, s.arena.end(), [&s](int a, int b) { return level_of(a, s) > level_of(b, s); });
   attach_last_clause(s);
 }
 
@@ -222,9 +233,8 @@ int clause_set::lowest() const {
 }
 
 literal_span sat_data::clause(int c) const {
-  const auto i = static_cast<std::size_t>(c);
-  const std::size_t begin = begin_of(c, *this);
-  return literal_span(literals).subspan(begin, literals_end[i] - begin);
+  const std::size_t at = clauses[static_cast<std::size_t>(c)];
+  return literal_span(arena).subspan(at + header, static_cast<std::size_t>(arena[at + 1]));
 }
 
 sat_data init_cdcl(int n, int m) {
@@ -233,16 +243,17 @@ sat_data init_cdcl(int n, int m) {
   s.v_size = n;
   s.cl_maxsize = 8 * m;
   s.v_data = {std::vector<std::int8_t>(size, -1), std::vector<int>(size, -1), std::vector<int>(size, -1)};
-  s.watches.resize(2 * size);
-  s.short_clauses.resize(2 * size);
-  s.truth.resize(2 * size, 0);
+  s.watches.resize(2 * size + 1);
+  s.short_clauses.resize(2 * size + 1);
+  s.truth.resize(2 * size + 1, 0);
   s.seen.resize(size, 0);
   s.work_left = limits::cdcl_work;
   return s;
 }
 
 void add_clause(sat_data& s, literal_span literals) {
-  std::vector<int>& all = s.literals;
+  std::vector<int>& all = s.arena;
+  begin_clause(s);
   const auto size_before = static_cast<std::ptrdiff_t>(all.size());
   all.insert(all.end(), literals.begin(), literals.end());
   const auto begin = all.begin() + size_before;
@@ -252,10 +263,11 @@ void add_clause(sat_data& s, literal_span literals) {
   const bool always_true = std::adjacent_find(begin, all.end(), [](int a, int b) { return a == -b; }) != all.end();
   const auto size = static_cast<int>(all.end() - begin);
   if (size == 0 || always_true) {
-    all.erase(begin, all.end());
+    all.resize(s.clauses.back());
+    s.clauses.pop_back();
     return;
   }
-  s.literals_end.push_back(all.size());
+  *(begin - 1) = size;
   attach_last_clause(s);
   if (size == 1) {
     s.units.insert(s.cl_size() - 1);

@@ -46,26 +46,32 @@ struct sat_data {
   var_data v_data;
   std::uint64_t work_left = 0;  // literals that may still be looked at
 
-  int cl_size() const { return static_cast<int>(literals_end.size()); }
+  int cl_size() const { return static_cast<int>(clauses.size()); }
   literal_span clause(int c) const;  // its literals, in an order that changes
 
-  std::vector<int> literals;              // of all clauses, one after the other
-  std::vector<std::size_t> literals_end;  // where those of each clause end; they begin where the last one's end
+  using place = std::uint32_t;
+  // One clause after the other: its number, the number of its literals, then these.
+  std::vector<int> arena;
+  std::vector<place> clauses;  // where each clause stands in the arena
 
   // The rest makes the steps cheap and follows from the above.
   struct watch {
-    int clause;
+    place at;
     int other;  // a literal of the clause; while it is true, the clause needs no look
+  };
+  struct short_clause {
+    int clause;
+    int other;  // its other literal, or the only one
   };
   // A clause stands in the lists of its first two literals: with short ones where it has no others. As long as it is
   // neither satisfied nor unit, these two are not false.
-  std::vector<std::vector<watch>> watches;        // by literal
-  std::vector<std::vector<watch>> short_clauses;  // by literal
-  std::vector<std::int8_t> truth;                 // of each literal: 1 true, -1 false, 0 unassigned
-  clause_set units;                               // all unit clauses, and former ones
-  std::vector<int> trail;                         // assigned variables, oldest first
-  int lowest_free = 0;                            // no variable below is unassigned
-  std::vector<char> seen;                         // scratch of clause_learning
+  std::vector<std::vector<watch>> watches;               // by literal, -v_size to v_size
+  std::vector<std::vector<short_clause>> short_clauses;  // likewise
+  std::vector<std::int8_t> truth;                        // likewise: 1 true, -1 false, 0 unassigned
+  clause_set units;                                      // all unit clauses, and former ones
+  std::vector<int> trail;                                // assigned variables, oldest first
+  int lowest_free = 0;                                   // no variable below is unassigned
+  std::vector<char> seen;                                // scratch of clause_learning
   std::vector<int> met;
   std::vector<int> open;
 };

@@ -34,7 +34,7 @@ std::size_t luby(std::size_t i) {
 
 int search::add_variable(bool is_atom, decided d) {
   const int v = variables();
-  values_.push_back(truth::open);
+  values_.insert(values_.end(), 2, truth::open);
   levels_.push_back(0);
   reasons_.push_back(no_reason);
   is_atom_.push_back(is_atom ? 1 : 0);
@@ -87,15 +87,16 @@ search::clause_ref search::store(std::span<const literal> literals, std::int32_t
 void search::watch_clause(clause_ref c) {
   const auto literals = clause(c);
   const bool binary = literals.size() == 2;
-  watches_[place(literals[0])].push_back({c, literals[1], binary});
-  watches_[place(literals[1])].push_back({c, literals[0], binary});
+  watches_[place(literals[0])].emplace_back(c, literals[1], binary);
+  watches_[place(literals[1])].emplace_back(c, literals[0], binary);
 }
 
 // ---- Assignment.
 
 void search::enqueue(literal l, clause_ref reason) {
   const std::size_t v = index(l);
-  values_[v] = is_positive(l) ? truth::yes : truth::no;
+  values_[place(l)] = truth::yes;
+  values_[place(negation(l))] = truth::no;
   levels_[v] = level();
   reasons_[v] = reason;
   trail_.push_back(l);
@@ -115,7 +116,8 @@ void search::back_to(int target) {
     const literal l = trail_[i - 1];
     const std::size_t v = index(l);
     phase_[v] = is_positive(l) ? 1 : 0;
-    values_[v] = truth::open;
+    values_[place(l)] = truth::open;
+    values_[place(negation(l))] = truth::open;
     if (heap_place_[v] == -1) {
       heap_insert(variable_of(l));
     }
@@ -145,53 +147,56 @@ bool search::propagate() {
 
 bool search::propagate_clauses() {
   while (clause_head_ < trail_.size()) {
-    const literal falsified = negation(trail_[clause_head_++]);
-    std::vector<watch>& watching = watches_[place(falsified)];
-    work_.charge(1 + watching.size());
-    std::size_t kept = 0;
-    for (std::size_t i = 0; i < watching.size(); ++i) {
-      const watch w = watching[i];
-      const truth blocker = value(w.blocker);
-      if (blocker == truth::yes) {
-        watching[kept++] = w;
-        continue;
-      }
-      literal other = w.blocker;
-      if (!w.binary) {
-        literal* literals = literals_of(w.clause);
-        if (literals[0] == falsified) {
-          std::swap(literals[0], literals[1]);
-        }
-        other = literals[0];
-        if (value(other) == truth::yes) {
-          watching[kept++] = {w.clause, other, false};
-          continue;
-        }
-        const std::int32_t size = size_of(w.clause);
-        std::int32_t next = 2;
-        while (next < size && value(literals[next]) == truth::no) {
-          ++next;
-        }
-        if (next < size) {
-          std::swap(literals[1], literals[next]);
-          watches_[place(literals[1])].push_back({w.clause, other, false});
-          continue;
-        }
-      }
-      watching[kept++] = {w.clause, other, w.binary};
-      if (value(other) == truth::no) {
-        std::copy(watching.begin() + static_cast<std::ptrdiff_t>(i) + 1, watching.end(),
-                  watching.begin() + static_cast<std::ptrdiff_t>(kept));
-        watching.resize(watching.size() - (i + 1 - kept));
-        const auto refuted = clause(w.clause);
-        conflict_.assign(refuted.begin(), refuted.end());
-        return false;
-      }
-      enqueue(other, w.clause);
+    const clause_ref refuted = visit_watches(negation(trail_[clause_head_++]));
+    if (refuted != no_reason) {
+      const auto literals = clause(refuted);
+      conflict_.assign(literals.begin(), literals.end());
+      return false;
     }
-    watching.resize(kept);
   }
   return true;
+}
+
+search::clause_ref search::visit_watches(literal falsified) {
+  std::vector<watch>& watching = watches_[place(falsified)];
+  work_.charge(1 + watching.size());
+  const truth* const values = values_.data();
+  clause_ref refuted = no_reason;
+  auto kept = watching.begin();
+  for (auto w = watching.begin(); w != watching.end(); ++w) {
+    const watch here = *w;
+    if (values[here.blocker] == truth::yes) {
+      *kept++ = here;
+      continue;
+    }
+    literal other = here.blocker;
+    if (here.is_binary == 0) {
+      literal* const literals = literals_of(here.clause());
+      other = literals[0] ^ literals[1] ^ falsified;
+      if (values[other] == truth::yes) {
+        *kept++ = {here.clause(), other, false};
+        continue;
+      }
+      literals[0] = other;
+      literals[1] = falsified;
+      literal* const end = literals + size_of(here.clause());
+      literal* const next = std::find_if(literals + 2, end, [values](literal l) { return values[l] != truth::no; });
+      if (next != end) {
+        std::swap(literals[1], *next);
+        watches_[place(literals[1])].emplace_back(here.clause(), other, false);
+        continue;
+      }
+    }
+    *kept++ = {here.clause(), other, here.is_binary != 0};
+    if (values[other] == truth::no) {
+      refuted = here.clause();
+      kept = std::copy(w + 1, watching.end(), kept);
+      break;
+    }
+    enqueue(other, here.clause());
+  }
+  watching.erase(kept, watching.end());
+  return refuted;
 }
 
 bool search::propagate_theory(bool& changed) {
@@ -441,7 +446,7 @@ outcome search::solve() {
 literal search::next_decision() {
   while (!heap_.empty()) {
     const int v = heap_pop();
-    if (values_[place(v)] == truth::open) {
+    if (value(literal_of(v)) == truth::open) {
       return literal_of(v, phase_[place(v)] != 0);
     }
   }

@@ -69,8 +69,8 @@ class search {
   void add_clause(std::span<const literal> literals);
   outcome solve();
 
-  truth value(literal l) const { return is_positive(l) ? values_[index(l)] : -values_[index(l)]; }
-  int variables() const { return static_cast<int>(values_.size()); }
+  truth value(literal l) const { return values_[place(l)]; }
+  int variables() const { return static_cast<int>(levels_.size()); }
   std::size_t conflicts() const { return conflicts_; }
   std::size_t decisions() const { return decisions_; }
 
@@ -83,9 +83,13 @@ class search {
   static constexpr clause_ref theory_reason = -2;
   static constexpr std::int32_t header = 2;
   struct watch {
-    clause_ref clause;
     literal blocker;  // another literal of the clause: if it is true, the clause needs no look
-    bool binary;
+    std::uint32_t is_binary : 1;
+    std::uint32_t place : 31;
+
+    watch(clause_ref c, literal other, bool binary)
+        : blocker(other), is_binary(binary ? 1 : 0), place(static_cast<std::uint32_t>(c)) {}
+    clause_ref clause() const { return static_cast<clause_ref>(place); }
   };
   static std::size_t index(literal l) { return static_cast<std::size_t>(l >> 1); }
   static std::size_t place(std::int32_t i) { return static_cast<std::size_t>(i); }
@@ -103,8 +107,9 @@ class search {
   void open_level();
   void back_to(int level);
 
-  bool propagate();          // clauses and theory; false with conflict_ filled
-  bool propagate_clauses();  // false with conflict_ filled
+  bool propagate();                             // clauses and theory; false with conflict_ filled
+  bool propagate_clauses();                     // false with conflict_ filled
+  clause_ref visit_watches(literal falsified);  // the first clause refuted, or no_reason
   bool propagate_theory(bool& changed);
   bool take_implied();
   bool refused_by_theory();                    // makes conflict_ of the theory's; always false
@@ -141,7 +146,7 @@ class search {
   std::size_t wasted_ = 0;
   std::vector<std::vector<watch>> watches_;  // by literal that became false
 
-  std::vector<truth> values_;
+  std::vector<truth> values_;  // by literal
   std::vector<int> levels_;
   std::vector<clause_ref> reasons_;
   std::vector<std::uint8_t> is_atom_;
