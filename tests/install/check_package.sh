@@ -5,7 +5,7 @@
 # the tools of Debian are missing.
 set -u
 
-for tool in dpkg dpkg-deb dpkg-shlibdeps; do
+for tool in dpkg dpkg-deb dpkg-shlibdeps dpkg-parsechangelog; do
   command -v "$tool" >/dev/null || { echo "skipped: $tool is not installed"; exit 77; }
 done
 
@@ -24,6 +24,11 @@ in_root --install "$package"
 in_root --status vetro
 grep -q '^Status: install ok installed' "$scratch/log" || { cat "$scratch/log"; exit 1; }
 sh "$(dirname "$0")/check_tree.sh" "$root/usr" "$2" "$scratch/run" || exit 1
+for name in copyright changelog.gz; do
+  [ -s "$root/usr/share/doc/vetro/$name" ] || { echo "the package has no $name"; exit 1; }
+done
+gzip -dc "$root/usr/share/doc/vetro/changelog.gz" | dpkg-parsechangelog -l- --show-field Version >"$scratch/version" || exit 1
+dpkg-deb --field "$package" Version | cmp - "$scratch/version" || exit 1
 in_root --verify vetro
 [ ! -s "$scratch/log" ] || { cat "$scratch/log"; exit 1; }
 in_root --remove vetro
