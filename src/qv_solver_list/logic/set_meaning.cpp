@@ -5,6 +5,8 @@
 
 #include <algorithm>
 #include <array>
+#include <optional>
+#include <type_traits>
 
 #include "term/pattern_match.h"
 #include "term/substitute/fresh.h"
@@ -43,80 +45,74 @@ term_ptr exists_both(term_ptr variable, term_ptr left, term_ptr right) {
 
 // ---- Memberships x ∈ S. Each gives nothing where S has another shape.
 
-struct membership {
-  term_ptr x = nullptr;
-  term_ptr set = nullptr;
-};
-
-bool is_membership(term_ptr p, membership& found) {
+// x ∈ S for a set S of that shape.
+template <class... Parts>
+bool is_member(term_ptr p, term_ptr& x, std::type_identity_t<pattern_text<sizeof...(Parts)>> shape, Parts&... parts) {
   const auto view = atomic_prop_split(p);
-  if (!view || view->pred != Belong || view->t2 == nullptr) {
+  if (!view || view->pred != Belong || view->t2 == nullptr || !match(view->t2, shape, parts...)) {
     return false;
   }
-  found = {view->t1, view->t2};
+  x = view->t1;
   return true;
 }
 
-term_list in_intersection(term_ptr p) {
-  membership m;
+// x ∈ A and x ∈ B, built in this order, where p is x ∈ S and S a set of that shape of A and B.
+struct two_memberships {
+  term_ptr in_a = nullptr;
+  term_ptr in_b = nullptr;
+};
+
+std::optional<two_memberships> of_two_sets(term_ptr p, pattern_text<2> shape) {
+  term_ptr x = nullptr;
   term_ptr a = nullptr;
   term_ptr b = nullptr;
-  if (!is_membership(p, m) || !match(m.set, "Inter(?, ?)", a, b)) {
-    return {};
+  if (!is_member(p, x, shape, a, b)) {
+    return std::nullopt;
   }
-  term_ptr in_a = belongs(m.x, a);
-  term_ptr in_b = belongs(m.x, b);
-  return {in_a, in_b};
+  term_ptr in_a = belongs(x, a);
+  term_ptr in_b = belongs(x, b);
+  return two_memberships{in_a, in_b};
+}
+
+term_list in_intersection(term_ptr p) {
+  const auto found = of_two_sets(p, "Inter(?, ?)");
+  return found ? term_list{found->in_a, found->in_b} : term_list{};
 }
 
 term_list in_union(term_ptr p) {
-  membership m;
-  term_ptr a = nullptr;
-  term_ptr b = nullptr;
-  if (!is_membership(p, m) || !match(m.set, "Union(?, ?)", a, b)) {
-    return {};
-  }
-  term_ptr in_a = belongs(m.x, a);
-  term_ptr in_b = belongs(m.x, b);
-  return {make_composed_prop(Or, in_a, in_b)};
+  const auto found = of_two_sets(p, "Union(?, ?)");
+  return found ? term_list{make_composed_prop(Or, found->in_a, found->in_b)} : term_list{};
 }
 
 term_list members_in_set(term_ptr p) {
-  membership m;
-  if (!is_membership(p, m) || !is_list(m.x) || m.x->elements().size() < 2) {
+  term_ptr list = nullptr;
+  term_ptr set = nullptr;
+  if (!is_member(p, list, "?", set) || !is_list(list) || list->elements().size() < 2) {
     return {};
   }
-  const term_span listed = m.x->elements();
+  const term_span listed = list->elements();
   if (std::any_of(listed.begin(), listed.end(), is_dots)) {
     return {};
   }
   term_list members;
   for (term_ptr member : listed) {
-    members.push_back(belongs(member, m.set));
+    members.push_back(belongs(member, set));
   }
   return members;
 }
 
 term_list in_difference(term_ptr p) {
-  membership m;
-  term_ptr a = nullptr;
-  term_ptr b = nullptr;
-  if (!is_membership(p, m) || !match(m.set, "SetMinus(?, ?)", a, b)) {
-    return {};
-  }
-  term_ptr in_a = belongs(m.x, a);
-  term_ptr in_b = belongs(m.x, b);
-  term_ptr outside_b = make_composed_prop(Not, in_b, nullptr);
-  return {in_a, outside_b};
+  const auto found = of_two_sets(p, "SetMinus(?, ?)");
+  return found ? term_list{found->in_a, make_composed_prop(Not, found->in_b, nullptr)} : term_list{};
 }
 
 term_list in_product(term_ptr p) {
-  membership m;
+  term_ptr x = nullptr;
   term_ptr a = nullptr;
   term_ptr b = nullptr;
   term_ptr x1 = nullptr;
   term_ptr x2 = nullptr;
-  if (!is_membership(p, m) || !match(m.set, "CartesianProd(?, ?)", a, b) || !is_pair(m.x, x1, x2)) {
+  if (!is_member(p, x, "CartesianProd(?, ?)", a, b) || !is_pair(x, x1, x2)) {
     return {};
   }
   term_ptr in_a = belongs(x1, a);
@@ -125,33 +121,33 @@ term_list in_product(term_ptr p) {
 }
 
 term_list in_inverse(term_ptr p) {
-  membership m;
+  term_ptr x = nullptr;
   term_ptr relation = nullptr;
   term_ptr x1 = nullptr;
   term_ptr x2 = nullptr;
-  if (!is_membership(p, m) || !match(m.set, "InverseBinRel(?)", relation) || !is_pair(m.x, x1, x2)) {
+  if (!is_member(p, x, "InverseBinRel(?)", relation) || !is_pair(x, x1, x2)) {
     return {};
   }
   return {belongs(pair_of(x2, x1), relation)};
 }
 
 term_list in_power_set(term_ptr p) {
-  membership m;
+  term_ptr x = nullptr;
   term_ptr base = nullptr;
-  if (!is_membership(p, m) || !match(m.set, "PowerSet(?)", base)) {
+  if (!is_member(p, x, "PowerSet(?)", base)) {
     return {};
   }
-  return {make_atomic_prop(Subset, m.x, base)};
+  return {make_atomic_prop(Subset, x, base)};
 }
 
 term_list in_family_union(term_ptr p) {
-  membership m;
+  term_ptr x = nullptr;
   term_ptr family = nullptr;
-  if (!is_membership(p, m) || !match(m.set, "SetUnion(?)", family)) {
+  if (!is_member(p, x, "SetUnion(?)", family)) {
     return {};
   }
   term_ptr z = bound_variable(0, p);
-  term_ptr in_z = belongs(m.x, z);
+  term_ptr in_z = belongs(x, z);
   term_ptr in_family = belongs(z, family);
   return {exists_both(z, in_z, in_family)};
 }
@@ -170,29 +166,27 @@ term_list by_way_of(term_ptr p, term_ptr x, term_ptr first, term_ptr second) {
 }
 
 term_list in_composition(term_ptr p) {
-  membership m;
+  term_ptr x = nullptr;
   term_ptr first = nullptr;
   term_ptr second = nullptr;
-  return is_membership(p, m) && match(m.set, "Composition(?, ?)", first, second) ? by_way_of(p, m.x, first, second)
-                                                                                 : term_list{};
+  return is_member(p, x, "Composition(?, ?)", first, second) ? by_way_of(p, x, first, second) : term_list{};
 }
 
 term_list in_relation_composition(term_ptr p) {
-  membership m;
+  term_ptr x = nullptr;
   term_ptr first = nullptr;
   term_ptr second = nullptr;
-  return is_membership(p, m) && match(m.set, "BinRelComp(?, ?)", first, second) ? by_way_of(p, m.x, first, second)
-                                                                                : term_list{};
+  return is_member(p, x, "BinRelComp(?, ?)", first, second) ? by_way_of(p, x, first, second) : term_list{};
 }
 
 term_list in_class(term_ptr p) {
-  membership m;
+  term_ptr x = nullptr;
   term_ptr representative = nullptr;
   term_ptr relation = nullptr;
-  if (!is_membership(p, m) || !match(m.set, "EquivClass(?, ?)", representative, relation)) {
+  if (!is_member(p, x, "EquivClass(?, ?)", representative, relation)) {
     return {};
   }
-  return {belongs(pair_of(representative, m.x), relation)};
+  return {belongs(pair_of(representative, x), relation)};
 }
 
 // ---- Other propositions.
