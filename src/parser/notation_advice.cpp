@@ -162,9 +162,20 @@ std::string_view advice_for(const std::array<remedy, N>& table, std::string_view
 }
 
 bool is_digit(char c) { return c >= '0' && c <= '9'; }
-// Of a Greek letter both bytes count, of any other sign at most those that follow the first.
-bool begins_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z') || c == '\xCE' || c == '\xCF'; }
-bool is_letter(char c) { return begins_letter(c) || (static_cast<unsigned char>(c) & 0xC0U) == 0x80U; }
+// Letters of ASCII, and the first bytes of Greek ones.
+bool is_ascii_letter(char c) { return (c >= 'a' && c <= 'z') || (c >= 'A' && c <= 'Z'); }
+bool begins_letter(char c) { return is_ascii_letter(c) || c == '\xCE' || c == '\xCF'; }
+
+// Where the last character of a text that is not empty begins.
+std::size_t last_character(std::string_view text) {
+  std::size_t at = text.size() - 1;
+  while (at > 0 && (static_cast<unsigned char>(text[at]) & 0xC0U) == 0x80U) {
+    --at;
+  }
+  return at;
+}
+
+bool is_word_character(char first) { return begins_letter(first) || is_digit(first); }
 
 class advisor {
  public:
@@ -178,12 +189,15 @@ class advisor {
     while (!in_front_.empty() && (in_front_.back() == ' ' || in_front_.back() == '\t')) {
       in_front_.remove_suffix(1);
     }
-    word_ = in_front_;
-    std::size_t letters = word_.size();
-    while (letters > 0 && (is_letter(word_[letters - 1]) || is_digit(word_[letters - 1]))) {
-      --letters;
+    std::size_t begin_of_word = in_front_.size();
+    while (begin_of_word > 0) {
+      const std::size_t last = last_character(in_front_.substr(0, begin_of_word));
+      if (!is_word_character(in_front_[last])) {
+        break;
+      }
+      begin_of_word = last;
     }
-    word_.remove_prefix(letters);
+    word_ = in_front_.substr(begin_of_word);
   }
 
   std::string advice() const {
@@ -208,7 +222,7 @@ class advisor {
     const std::size_t slash = up_to_end_.rfind('\\');
     std::size_t end = slash == std::string_view::npos ? formula_.size() : slash + 1;
     const std::size_t begin = end;
-    while (end < formula_.size() && is_letter(formula_[end])) {
+    while (end < formula_.size() && is_ascii_letter(formula_[end])) {
       ++end;
     }
     if (begin == end || (end < in_front_.size() && formula_[end] != '{')) {
@@ -324,9 +338,8 @@ class advisor {
   }
 
   bool ends_operand() const {
-    const char last = in_front_.empty() ? ' ' : in_front_.back();
-    return is_letter(last) || is_digit(last) || last == ')' || last == ']' || last == '}' || last == '\'' ||
-           last == '!';
+    const char last = in_front_.empty() ? ' ' : in_front_[last_character(in_front_)];
+    return is_word_character(last) || last == ')' || last == ']' || last == '}' || last == '\'' || last == '!';
   }
 
   // An operand behind an operand.
@@ -343,7 +356,7 @@ class advisor {
     if (in_front_.ends_with("}") && expects("LPAREN")) {
       return "what is summed, integrated or taken to the limit stands in parentheses";
     }
-    const bool function = !word_.empty() && is_letter(word_[0]) && name_number(word_) >= 0;
+    const bool function = !word_.empty() && begins_letter(word_[0]) && name_number(word_) >= 0;
     return function ? "an argument stands in parentheses: " + std::string(word_) + "(" + std::string(cut(token_)) + ")"
                     : "a product needs its sign: " + std::string(word_.empty() ? std::string_view("...") : word_) +
                           " * " + std::string(cut(token_));
