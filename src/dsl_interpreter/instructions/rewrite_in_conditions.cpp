@@ -201,13 +201,13 @@ class eventual_conditions {
       return !mentions(c) && is_assumption(c, sdata_);
     }
     return compares(*relation) || compares_normalized(*relation) || compares_at_point(*relation) ||
-           compares_linear(*relation) || (!complex_point() && prove_pure(c, sdata_));
+           compares_linear(*relation) || prove_pure(c, sdata_);
   }
 
  private:
   bool mentions(term_ptr t) const { return occurs_free(view_.var, t); }
   bool is_variable(term_ptr t) const { return alpha_equivalent(t, view_.var); }
-  // What comes near a point that is not real need not be real.
+  // Then the variable is complex for the sign solver, too: the walk has it among the assumptions.
   bool complex_point() const { return facts_of(sdata_).table<complex_values>().may_be_complex(view_.point); }
   bool finite() const { return kind_ != limit_event_kind::pos_inf && kind_ != limit_event_kind::neg_inf; }
 

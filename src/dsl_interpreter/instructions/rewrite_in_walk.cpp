@@ -7,6 +7,8 @@
 #include "dsl_interpreter/instructions/rewrite_in_conditions.h"
 #include "dsl_interpreter/instructions/rewrite_in_context.h"
 #include "dsl_interpreter/instructions/rewrite_in_match.h"
+#include "qv_solver_list/assumption_facts.h"
+#include "qv_solver_list/complex_values.h"
 #include "term/compare.h"
 #include "term/print/pretty.h"
 #include "term/term_split_combine.h"
@@ -161,15 +163,32 @@ class walker {
       return fail("unsupported limit context for rewrite_in limit");
     }
     const term_ptr name = open(*a, *b, term_list{a->point, a->body, b->point, b->body});
-    opened_part from_body = from.under(a->var, name, a->body);
-    opened_part to_body = to.under(b->var, name, b->body);
+    const solve_data outside = state_.sdata;
+    assume_near(from.part(a->point).term(), name);
+    const bool fits = walk_limit_body(from, to, *a, *b, name);
+    state_.sdata = outside;
+    return fits;
+  }
+
+  // What comes near a point that is not real need not be real, neither here nor in the limits inside.
+  void assume_near(term_ptr point, term_ptr name) {
+    if (point != nullptr && name != nullptr && facts_of(state_.sdata).table<complex_values>().may_be_complex(point)) {
+      const term_ptr complex = make_binPred_prop(Belong, name, mk_const(ComplexSet));
+      state_.sdata = with_assumptions(state_.sdata, term_list{complex});
+    }
+  }
+
+  bool walk_limit_body(const opened_part& from, const opened_part& to, const limit_context& a, const limit_context& b,
+                       term_ptr name) {
+    opened_part from_body = from.under(a.var, name, a.body);
+    opened_part to_body = to.under(b.var, name, b.body);
     if (source_may_stand_in(from_body)) {
       from_body = from_body.settled();
       to_body = to_body.settled();
       if (from_body.written() == nullptr || to_body.written() == nullptr) {
         return fail("not enough memory while alpha-renaming limit binder");
       }
-      const limit_context old_form{a->op, name, from.part(a->point).term(), from_body.written()};
+      const limit_context old_form{a.op, name, from.part(a.point).term(), from_body.written()};
       if (try_rewrite_direct_limit_body(old_form, to_body.written())) {
         return true;
       }

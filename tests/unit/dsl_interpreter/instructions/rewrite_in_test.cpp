@@ -222,7 +222,13 @@ TEST_F(rewrite_in_test, eventual_premises) {
                           {"c ∈ A"}}});
   }
   const char* natural = "forall (x), x ∈ NatPlus ∧ x ∈ Rational ⇒ f(x) = g(x)";
+  const char* square = "forall (x), x^2 + 1 > 0 ⇒ f(x) = g(x)";
   expect_all("limit", {
+                          {square, "lim_{y → __IMAGINARY_UNIT__}(lim_{x → y}(f(x))) = c",
+                           "lim_{y → __IMAGINARY_UNIT__}(lim_{x → y}(g(x))) = c", not_eventually("x^{2} + 1 > 0")},
+                          {square, "lim_{y → __IMAGINARY_UNIT__}(lim_{x → 0}(f(y))) = c",
+                           "lim_{y → __IMAGINARY_UNIT__}(lim_{x → 0}(g(y))) = c", not_eventually("y^{2} + 1 > 0")},
+                          {square, "lim_{y → 0}(lim_{x → y}(f(x))) = c", "lim_{y → 0}(lim_{x → y}(g(x))) = c", ""},
                           {natural, "seqlim_{n → ∞}(f(n)) = c", "seqlim_{n → ∞}(g(n)) = c", ""},
                           {natural, "seqlim_{n → ∞}(f(n + 1)) = c", "seqlim_{n → ∞}(g(n + 1)) = c",
                            not_eventually("n + 1 ∈ PosIntegerSet")},
