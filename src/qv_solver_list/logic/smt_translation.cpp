@@ -270,6 +270,7 @@ smt_prop smt_translation::refuse(term_ptr t) {
   }
   message += "Error: input term is NULL or not a proposition in SmtProp translation.\n";
   print_progress(message);
+  complained_ = true;
   return smt_none;
 }
 
@@ -401,6 +402,7 @@ smt_translation::translated smt_translation::new_term(term_ptr t, mode m) {
     case Apply:
       return application(t, m);
     default:
+      complained_ = true;
       print_progress("Error: encountered unsupported term type:" + std::to_string(t->type()) + " in LIA translation.");
       return {};
   }

@@ -29,6 +29,8 @@ class smt_translation {
   smt_prop assumption(term_ptr t) { return proposition(t, true); }
   // For each absolute value, newest first: the name is the inner term or its negation, and not negative.
   std::vector<smt_prop> constraints();
+  // Something had no translation, and that was told.
+  bool complained() const { return complained_; }
 
  private:
   enum class mode : std::uint8_t { abstracting, plain };  // plain: an absolute value has no translation
@@ -72,6 +74,7 @@ class smt_translation {
   std::unordered_map<std::int32_t, std::size_t> absolute_of_;  // by number of the inner term
   std::vector<abstraction> abstractions_;
   std::int32_t next_abs_id_ = 0;
+  bool complained_ = false;
   node_memo<translated> known_;      // by mode
   node_memo<smt_prop> known_props_;  // strict, weakening
 };

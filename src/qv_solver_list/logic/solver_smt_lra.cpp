@@ -9,6 +9,7 @@
 #include "number/limits.h"
 #include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/call_work.h"
+#include "qv_solver_list/logic/smt_models.h"
 #include "qv_solver_list/logic/smt_relevance.h"
 #include "qv_solver_list/logic/smt_translation.h"
 #include "qv_solver_list/logic/smt_values.h"
@@ -46,7 +47,19 @@ class question {
     for (const smt_prop constraint : translation_.constraints()) {
       formula = language_.connective(SMTPROP_AND, constraint, formula);
     }
-    return smt_solver_lra_uf(language_, formula, work) == 0;
+    return smt_solver_lra_uf(language_, formula, work, &model_) == 0;
+  }
+  // The model that was found instead, for comparisons that are asked later. Something that was complained of would be
+  // complained of again.
+  void keep_model(smt_models& models) {
+    if (model_.empty() || translation_.complained()) {
+      return;
+    }
+    smt_models::values values;
+    for (const auto& [name, value] : model_) {
+      values.emplace(intern_text(language_.term(name).text), value);
+    }
+    models.keep(assumptions_, std::move(kinds_), std::move(values));
   }
   smt_prop truth() { return language_.truth(true); }
 
@@ -55,15 +68,25 @@ class question {
   value_kinds kinds_;
   smt_language language_;
   smt_translation translation_;
+  smt_values model_;
 };
 
-answer refute(term_span assumptions, term_ptr target, budget& work) {
+answer refute(term_span assumptions, term_ptr target, smt_models& models, budget& work) {
+  if (models.refute(assumptions, target)) {
+    return answer::open;
+  }
   question asked(assumptions, target);
   const smt_prop negated = asked.negated_target(target);
   if (negated == smt_none) {
     return answer::no_translation;
   }
-  return asked.is_refuted(negated, work) ? answer::refuted : answer::open;
+  if (asked.is_refuted(negated, work)) {
+    return answer::refuted;
+  }
+  if (is_linear_comparison(target)) {
+    asked.keep_model(models);
+  }
+  return answer::open;
 }
 
 bool refute_alone(term_span assumptions, budget& work) {
@@ -75,10 +98,11 @@ bool refute_alone(term_span assumptions, budget& work) {
 
 bool solver_smt_lra(term_ptr target, const solve_data& sdata) {
   budget work(limits::smt_work, kernel_work_of_call());
-  if (target == nullptr || sdata.assum.size() <= short_list) {
-    return refute(sdata.assum, target, work) == answer::refuted;
-  }
   assumption_facts* list = &facts_of(sdata);
+  smt_models& models = list->table<smt_models>();
+  if (target == nullptr || sdata.assum.size() <= short_list) {
+    return refute(sdata.assum, target, models, work) == answer::refuted;
+  }
   term_list above;  // of the layers on top of the list
   for (; list->below() != nullptr; list = list->below()) {
     std::ranges::copy_if(list->own(), std::back_inserter(above), [](term_ptr t) { return t != nullptr; });
@@ -88,7 +112,7 @@ bool solver_smt_lra(term_ptr target, const solve_data& sdata) {
   asked.push_back(target);
   term_list assumptions = relevance.relevant_to(asked);
   assumptions.insert(assumptions.end(), above.begin(), above.end());
-  const answer of_relevant = refute(assumptions, target, work);
+  const answer of_relevant = refute(assumptions, target, models, work);
   if (of_relevant != answer::open || work.exhausted() || relevance.is_contradictory()) {
     return of_relevant == answer::refuted || (of_relevant == answer::open && relevance.is_contradictory());
   }

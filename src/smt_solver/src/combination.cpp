@@ -344,6 +344,12 @@ linear_arithmetic::place combination::place_of(node n) const {
   return place;
 }
 
+delta_number combination::value_of(node n) const {
+  const meaning& m = meanings_[at(n)];
+  const delta_number shift{m.form.constant, exact(0)};
+  return m.sum < 0 ? shift : arithmetic_.value(m.sum) * m.scale + shift;
+}
+
 linear_form combination::difference(node a, node b) const {
   return linear_sum(meanings_[at(a)].form, meanings_[at(b)].form, exact(-1));
 }

@@ -52,6 +52,8 @@ class combination final : public theory, private simplex::listener {
   void explain(literal l, std::vector<literal>& premises) override;
 
   const linear_arithmetic& arithmetic() const { return arithmetic_; }
+  // The value of a node with a meaning, in the present solution.
+  delta_number value_of(node n) const;
 
  private:
   enum class atom_kind : unsigned char { none, at_most, equal };

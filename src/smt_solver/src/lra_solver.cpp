@@ -6,7 +6,7 @@
 
 namespace vetro {
 
-int smt_solver_lra_uf(const smt_language& language, smt_prop formula, budget& work) {
+int smt_solver_lra_uf(const smt_language& language, smt_prop formula, budget& work, smt_values* model) {
   smt::combination theories(work);
   smt::search clauses(theories, work);
   smt::preprocessor input(language, theories, clauses, work);
@@ -17,7 +17,11 @@ int smt_solver_lra_uf(const smt_language& language, smt_prop formula, budget& wo
   if (value != smt::truth::open) {
     return value == smt::truth::yes ? -1 : 0;
   }
-  return clauses.solve() == smt::outcome::unsatisfiable ? 0 : 1;
+  const smt::outcome found = clauses.solve();
+  if (found == smt::outcome::satisfiable && model != nullptr) {
+    *model = input.values_of_names();
+  }
+  return found == smt::outcome::unsatisfiable ? 0 : 1;
 }
 
 }  // namespace vetro

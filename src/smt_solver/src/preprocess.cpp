@@ -31,6 +31,20 @@ truth preprocessor::add(smt_prop formula) {
   return truth::open;
 }
 
+std::vector<std::pair<smt_term, delta_number>> preprocessor::values_of_names() const {
+  std::vector<std::pair<smt_term, delta_number>> values;
+  for (std::size_t i = 0; i < language_.term_count(); ++i) {
+    const auto t = static_cast<smt_term>(i);
+    const smt_term_row& row = language_.term(t);
+    const bool variable = row.type == SMT_VarName && row.detail == static_cast<std::uint8_t>(smt_name::variable);
+    const node n = variable ? terms_.known_node(t) : no_node;
+    if (n != no_node && theories_.has_meaning(n)) {
+      values.emplace_back(t, theories_.value_of(n));
+    }
+  }
+  return values;
+}
+
 // Parts have smaller numbers than what they are part of.
 void preprocessor::find_reachable(smt_prop formula) {
   uses_.assign(at(formula) + 1, 0);

@@ -6,6 +6,7 @@
 #pragma once
 
 #include <cstdint>
+#include <utility>
 #include <vector>
 
 #include "number/linear_form.h"
@@ -26,6 +27,8 @@ class preprocessor {
   truth add(smt_prop formula);
   // Some number left what exact numbers hold, so that nothing may be concluded.
   bool beyond() const { return beyond_; }
+  // After the search has found a model: the values in it of the names that are variables of the arithmetic.
+  std::vector<std::pair<smt_term, delta_number>> values_of_names() const;
 
  private:
   enum class atom_kind : std::uint8_t { always, never, equal_nodes, at_most, equal_value };

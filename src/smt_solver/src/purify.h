@@ -24,6 +24,8 @@ class purifier {
   void prepare(std::span<const smt_term> roots);
 
   node node_of(smt_term t);
+  // no_node for what has none so far.
+  node known_node(smt_term t) const { return at(t) < node_of_term_.size() ? node_of_term_[at(t)] : no_node; }
   linear_form form_of(smt_term t);
   node number(const exact& value);
   // Not built by addition, negation or multiplication with a number, and no number.

@@ -143,5 +143,34 @@ TEST_F(smt_lra_test, long_lists) {
   EXPECT_FALSE(solver_smt_lra(read("x = 5"), below));
 }
 
+// Questions about one list remember solutions. Each has the answer that it has as the first one.
+TEST_F(smt_lra_test, many_questions_about_one_list) {
+  const std::initializer_list<std::string_view> lists[] = {
+      {"x ≤ y", "f(x) ≠ f(y)"},
+      {"x ≤ y", "y ≤ z", "x = 2 * z"},
+      {"x > 0 ∨ y > 1", "z = x + y", "x ≤ 1"},
+      {"w ∈ Complex", "w = z", "w > 3", "x < y < 2"},
+      {"x - y ∈ A", "x < 3", "y > 3", "z = 3"},
+      {"x ≥ 0", "f(x) < y", "f(0) > y", "z ∈ Complex", "z > 0"},
+  };
+  std::vector<std::string> goals;
+  for (const char* left : {"x", "y", "z", "x - y", "y - 2 * z", "-x", "f(x)", "v"}) {
+    for (const char* relation : {" > ", " ≤ ", " < ", " ≥ "}) {
+      for (const char* right : {"0", "y", "3", "z + 1"}) {
+        goals.push_back(std::string(left) + relation + right);
+      }
+    }
+  }
+  for (const auto& list : lists) {
+    const solve_data forwards = given(list);
+    const solve_data backwards = given(list);
+    for (std::size_t i = 0; i < goals.size(); ++i) {
+      const std::string& last = goals[goals.size() - 1 - i];
+      EXPECT_EQ(solver_smt_lra(read(goals[i]), forwards), solver_smt_lra(read(goals[i]), given(list))) << goals[i];
+      EXPECT_EQ(solver_smt_lra(read(last), backwards), solver_smt_lra(read(last), given(list))) << last;
+    }
+  }
+}
+
 }  // namespace
 }  // namespace vetro
