@@ -27,8 +27,8 @@ inline constexpr std::size_t propositional_nodes = 1'000'000;
 inline constexpr std::size_t set_statements = 200;
 
 // Literals that one run of the clause-learning core may look at, counted at each assignment, each return and each
-// resolution. Nine pigeons in eight holes are refuted with 32 to 52 million, however they are written; ten in nine learn
-// their full quota of clauses with 130 million, or 400 million where all is one conjunction. About a second.
+// resolution. Nine pigeons in eight holes are refuted with 32 to 52 million, however they are written; ten in nine
+// learn their full quota of clauses with 130 million, or 400 million where all is one conjunction. About a second.
 inline constexpr std::uint64_t cdcl_work = 450'000'000;
 
 // Terms of one polynomial that a multiplication may make. An identity of a page has some hundred, (x1 + ... + x5)^20
