@@ -74,7 +74,8 @@ class opaque_writer {
 };
 
 std::optional<root_view> with_index(term_ptr index, term_ptr radicand) {
-  const auto n = integer_literal(index);
+  const auto value = evaluate(index, {});
+  const auto n = value ? value->to_int64() : std::nullopt;
   return n && *n >= 1 ? std::optional(root_view{*n, radicand}) : std::nullopt;
 }
 

@@ -1,4 +1,5 @@
-// Roots in their three spellings: sqrt(x), cbrt(x), and sqrtn(n, x) with a literal n from 1 on.
+// Roots in their three spellings: sqrt(x), cbrt(x), and sqrtn(n, x) with a number n from 1 on, which may be
+// calculated first: sqrtn(1 + 1, x).
 #pragma once
 
 #include <cstdint>

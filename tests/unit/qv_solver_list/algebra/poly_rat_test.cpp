@@ -159,7 +159,9 @@ TEST_F(poly_rat, roots_are_powers) {
                 {"sqrtn(6, x)^3", "sqrt(x)"},
                 {"sqrtn(1, x - 8)", "x - 8"},
                 {"cbrt(x - x - 8)", "-2"},
-                {"sqrtn(n, 4)", "sqrtn(n, 2 + 2)"}});
+                {"sqrtn(n, 4)", "sqrtn(n, 2 + 2)"},
+                {"f(sqrtn(1 + 1, x))", "f(sqrtn(4 / 2, x))"},
+                {"sqrtn(2.0, x)^2", "x"}});
   expect_open({{"sqrt(x^2)", "x"},
                {"sqrt(x * y)", "sqrt(x) * sqrt(y)"},
                {"sqrtn(4, x^2)", "sqrt(x)"},
@@ -168,6 +170,7 @@ TEST_F(poly_rat, roots_are_powers) {
                {"cbrt(-8)", "(-8)^(1/3)"},
                {"sqrtn(0, 2)", "1"},
                {"sqrtn(-2, 4)", "1/2"},
+               {"sqrtn(1 - 3, 4)", "1/2"},
                {"sqrtn(n, x)^n", "x"},
                {"sqrt((1 - sqrt(2))^2)", "1 - sqrt(2)"},
                {"sqrt(±x)^2", "x"},
