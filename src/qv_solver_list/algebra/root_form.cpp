@@ -254,9 +254,15 @@ class sign_knowledge {
       default:
         break;
     }
-    const auto sum = composed_term_split(t);
-    return sum && sum->oper == Plus && sum->t2 != nullptr && !t->has_meta() && remembered(sum->t1, pred) &&
-           remembered(sum->t2, pred);
+    const auto whole = t->has_meta() ? std::nullopt : composed_term_split(t);
+    if (!whole || whole->t2 == nullptr) {
+      return false;
+    }
+    if (whole->oper == Power) {
+      const auto exponent = evaluate(whole->t2, {});
+      return exponent && exponent->is_zero();  // 1 where it is defined
+    }
+    return whole->oper == Plus && remembered(whole->t1, pred) && remembered(whole->t2, pred);
   }
 
   bool proved(term_ptr t, pred_type pred) {

@@ -42,6 +42,7 @@ TEST_F(root_form_test, is_canonical) {
       {"(-8)^(1/3) * sqrtn(3, -8)", "-2 * (-8)^{1 / 3}"},
       {"sqrtn(2, x^2) * \\|x\\|", "x * x"},
       {"sqrtn(2, x * y)^3", "x * y * sqrtn(2, x * y)"},
+      {"sqrtn(2, (x^0)^2)", "x^{0}"},
       {"sqrtn(2, 4 * x)", "2 * sqrtn(2, x)"},
       {"sqrtn(3, x * y)", "sqrtn(3, x) * sqrtn(3, y)"},
       {"sqrtn(k, x)^k", "sqrtn(k, x)^{k}"},
