@@ -45,10 +45,13 @@ bool times(std::int64_t a, std::uint64_t b, std::int64_t& out) { return !__built
 exact exact_of(std::int64_t value) { return value; }
 exact exact_of(exact value) { return value; }
 exact exact_of(wide_int value) {
-  constexpr std::int64_t base = std::int64_t{1} << 62U;
-  const auto high = static_cast<std::int64_t>(value / base);
-  const auto low = static_cast<std::int64_t>(value % base);
-  return exact(high) * base + low;
+  if (const auto small = static_cast<std::int64_t>(value); small == value) {
+    return small;
+  }
+  constexpr std::int64_t base = std::int64_t{1} << 32U;
+  const auto high = static_cast<std::int64_t>(value / base / base);
+  const auto low = static_cast<std::int64_t>(value / base % base);
+  return (exact(high) * base + low) * base + static_cast<std::int64_t>(value % base);
 }
 
 template <class Coef>
@@ -88,16 +91,21 @@ std::uint64_t bits_of(const exact& integer) {
 
 // The greatest sums for which 64 or 128 bits suffice.
 const wide_int most_small = std::numeric_limits<std::int64_t>::max();
-const wide_int most_wide = wide_int{1} << 125U;
+const wide_int most_wide = ((wide_int{1} << 126U) - 1) * 2;  // one less than the greatest value
 
-// bound * size^exp, or more than most_wide.
-wide_int raised(wide_int bound, const exact& size, std::uint64_t exp) {
-  const auto factor = size.to_int64();
-  if (!factor) {
-    return most_wide + 1;
+// bound * size^exp for the sum of the magnitudes of p's coefficients, which are integers; more than most_wide where one
+// of them does not fit 64 bits, or the result is more.
+wide_int raised(wide_int bound, const poly& p, std::uint64_t exp) {
+  wide_int size = 0;
+  for (const poly_term& t : p) {
+    const auto coef = t.coef.to_int64();
+    if (!coef) {
+      return most_wide + 1;
+    }
+    size += *coef < 0 ? -wide_int{*coef} : wide_int{*coef};
   }
-  for (; exp > 0 && bound <= most_wide && *factor > 1; --exp) {
-    bound = bound > most_wide / *factor ? most_wide + 1 : bound * *factor;
+  for (; exp > 0 && bound <= most_wide && size > 1; --exp) {
+    bound = bound > most_wide / size ? most_wide + 1 : bound * size;
   }
   return bound;
 }
@@ -497,7 +505,7 @@ class prepared_product {
       }
     }
     sums_.push_back({base, power.exp});
-    bound_ = raised(bound_, size_of(*base), power.exp);
+    bound_ = raised(bound_, *base, power.exp);
     return true;
   }
 

@@ -112,6 +112,18 @@ TEST_F(poly_test, every_way_of_multiplying_gives_the_same) {
     middle = t.coef > middle ? t.coef : middle;
   }
   EXPECT_EQ(to_string(middle), "28453041475240576740");
+  // Sums of products at the end of 128 bits, and just behind it.
+  constexpr std::int64_t most = std::numeric_limits<std::int64_t>::max();
+  const monomial_id x = atom(1).front().monomial;
+  for (const exact& sign : {exact(1), exact(-1)}) {
+    for (const std::int64_t more : {0, 2}) {
+      const poly left = poly_scale(pdata, poly_add(pdata, atom(1), number(1)), 0, sign * most);
+      const poly right = poly_add(pdata, poly_scale(pdata, atom(1), 0, most / 2 + more), number(most - most / 2));
+      const poly expected =
+          poly_add(pdata, poly_scale(pdata, right, x, sign * most), poly_scale(pdata, right, 0, sign * most));
+      EXPECT_TRUE(poly_eq(poly_mul(pdata, left, right), expected)) << more;
+    }
+  }
 }
 
 TEST_F(poly_test, an_exhausted_budget_is_not_a_number) {
