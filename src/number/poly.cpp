@@ -11,17 +11,18 @@
 namespace vetro {
 namespace {
 
-std::uint64_t hash_factors(std::span<const factor> factors) {
+// Monomials whose last factors are neighbours are neighbours in the table, eight to a cache line, as products by the
+// terms of a sum come in that order.
+std::uint32_t hash_of(std::span<const packed_factor> factors) {
   std::uint64_t hash = factors.size();
-  for (const factor& f : factors) {
-    hash = mix(hash, static_cast<std::uint64_t>(f.key));
-    hash = mix(hash, static_cast<std::uint64_t>(f.exp.num) ^ (static_cast<std::uint64_t>(f.exp.den) << 32U));
+  const auto add = [&hash](std::uint32_t key, std::uint32_t exp) { hash = mix(hash, std::uint64_t{key} << 32U | exp); };
+  for (const packed_factor& f : factors.first(factors.size() - 1)) {
+    add(static_cast<std::uint32_t>(f.key), static_cast<std::uint32_t>(f.exp));
   }
-  return hash;
-}
-
-void sort_terms(poly& p) {
-  std::sort(p.begin(), p.end(), [](const poly_term& a, const poly_term& b) { return a.monomial < b.monomial; });
+  const auto key = static_cast<std::uint32_t>(factors.back().key);
+  const auto exp = static_cast<std::uint32_t>(factors.back().exp);
+  add(key >> 3U, exp >> 4U);
+  return static_cast<std::uint32_t>(hash >> 16U) << 3U | ((key + (exp >> 1U)) & 7U);
 }
 
 }  // namespace
@@ -36,6 +37,10 @@ std::size_t poly_data::words_hash::operator()(const key_words& words) const {
   return hash;
 }
 
+std::size_t poly_data::exponent_hash::operator()(const cnum& exponent) const {
+  return mix(mix(0, static_cast<std::uint64_t>(exponent.num)), static_cast<std::uint64_t>(exponent.den));
+}
+
 std::int32_t poly_data::intern_key(factor_kind kind, const key_words& words) {
   const auto [entry, fresh] = keys_.try_emplace(words, static_cast<std::int32_t>(kinds_.size()));
   if (fresh) {
@@ -44,43 +49,83 @@ std::int32_t poly_data::intern_key(factor_kind kind, const key_words& words) {
   return entry->second;
 }
 
+std::int32_t poly_data::pack(const cnum& exponent) {
+  constexpr std::int64_t most = std::int64_t{1} << 30U;
+  if (exponent.den == 1 && exponent.num >= -most && exponent.num < most) {
+    return static_cast<std::int32_t>(exponent.num * 2);
+  }
+  const auto [entry, fresh] = exponent_places_.try_emplace(exponent, static_cast<std::int32_t>(exponents_.size()));
+  if (fresh) {
+    exponents_.push_back(exponent);
+  }
+  return entry->second * 2 + 1;
+}
+
+cnum poly_data::unpack(std::int32_t exponent) const {
+  const packed_factor f{0, exponent};
+  return factor_view({&f, 1}, exponents_).front().exp;
+}
+
+// False when the exponent overflows.
+bool poly_data::add_exponent(packed_factor& sum, std::int32_t exponent) {
+  if (std::int32_t both = 0; ((sum.exp | exponent) & 1) == 0 && !__builtin_add_overflow(sum.exp, exponent, &both)) {
+    sum.exp = both;
+    return true;
+  }
+  const cnum exact_sum = cnum_add_reduced(unpack(sum.exp), unpack(exponent));
+  if (cnum_is_finite(exact_sum)) {
+    sum.exp = pack(exact_sum);
+  }
+  return cnum_is_finite(exact_sum);
+}
+
 void poly_data::grow_table() {
-  std::vector<monomial_id> wider(table_.size() * 2, 0);
-  for (const monomial_id m : table_) {
-    if (m == 0) {
+  std::vector<table_slot> wider(table_.size() * 2, table_slot{0, 0});
+  for (const table_slot& known : table_) {
+    if (known.m == 0) {
       continue;
     }
-    std::size_t slot = hash_factors(factors(m)) & (wider.size() - 1);
-    while (wider[slot] != 0) {
+    std::size_t slot = known.hash & (wider.size() - 1);
+    while (wider[slot].m != 0) {
       slot = (slot + 1) & (wider.size() - 1);
     }
-    wider[slot] = m;
+    wider[slot] = known;
   }
   table_.swap(wider);
 }
 
 monomial_id poly_data::intern_monomial(std::span<const factor> list) {
+  scratch_.clear();
+  for (const factor& f : list) {
+    scratch_.push_back({f.key, pack(f.exp)});
+  }
+  return intern_packed(scratch_);
+}
+
+monomial_id poly_data::intern_packed(std::span<const packed_factor> list) {
   if (list.empty()) {
     return 0;
   }
-  std::size_t slot = hash_factors(list) & (table_.size() - 1);
-  for (; table_[slot] != 0; slot = (slot + 1) & (table_.size() - 1)) {
-    const std::span<const factor> known = factors(table_[slot]);
-    if (std::equal(known.begin(), known.end(), list.begin(), list.end())) {
-      return table_[slot];
+  const std::uint32_t hash = hash_of(list);
+  std::size_t slot = hash & (table_.size() - 1);
+  for (; table_[slot].m != 0; slot = (slot + 1) & (table_.size() - 1)) {
+    if (table_[slot].hash == hash && std::ranges::equal(packed(table_[slot].m), list)) {
+      return table_[slot].m;
     }
   }
-  charge(2 + 3 * list.size());  // about an eighth of its bytes
+  charge(4 + list.size());  // an eighth of its bytes, with those of its places in lists
   const auto id = static_cast<monomial_id>(monomials_.size());
   monomial added{static_cast<std::uint32_t>(pool_.size()), static_cast<std::uint32_t>(list.size()), false, false};
-  for (const factor& f : list) {
-    const bool root = kind_of(f.key) == F_POW;
-    added.root = added.root || root;
-    added.whole_root = added.whole_root || (root && (f.exp.num < 0 || f.exp.num >= f.exp.den));
+  for (const packed_factor& f : list) {
+    if (kind_of(f.key) == F_POW) {
+      const cnum exp = unpack(f.exp);
+      added.root = true;
+      added.whole_root = added.whole_root || exp.num < 0 || exp.num >= exp.den;
+    }
   }
   monomials_.push_back(added);
   pool_.insert(pool_.end(), list.begin(), list.end());
-  table_[slot] = id;
+  table_[slot] = {id, hash};
   if (monomials_.size() * 2 > table_.size()) {
     grow_table();
   }
@@ -91,29 +136,27 @@ std::optional<monomial_id> poly_data::multiply(monomial_id a, monomial_id b) {
   if (a == 0 || b == 0) {
     return a + b;
   }
-  const std::span<const factor> left = factors(a);
-  const std::span<const factor> right = factors(b);
+  const std::span<const packed_factor> left = packed(a);
+  const std::span<const packed_factor> right = packed(b);
   scratch_.clear();
-  std::size_t i = 0;
-  std::size_t j = 0;
-  while (i < left.size() && j < right.size()) {
-    if (left[i].key != right[j].key) {
-      scratch_.push_back(left[i].key < right[j].key ? left[i++] : right[j++]);
+  auto l = left.begin();
+  auto r = right.begin();
+  while (l != left.end() && r != right.end()) {
+    if (l->key != r->key) {
+      scratch_.push_back(l->key < r->key ? *l++ : *r++);
       continue;
     }
-    const cnum sum = cnum_add_reduced(left[i].exp, right[j].exp);
-    if (!cnum_is_finite(sum)) {
+    packed_factor sum = *l++;
+    if (!add_exponent(sum, r++->exp)) {
       return std::nullopt;
     }
-    if (!cnum_is_zero(sum)) {
-      scratch_.push_back({left[i].key, sum});
+    if (sum.exp != 0) {
+      scratch_.push_back(sum);
     }
-    ++i;
-    ++j;
   }
-  scratch_.insert(scratch_.end(), left.begin() + static_cast<std::ptrdiff_t>(i), left.end());
-  scratch_.insert(scratch_.end(), right.begin() + static_cast<std::ptrdiff_t>(j), right.end());
-  return intern_monomial(scratch_);
+  scratch_.insert(scratch_.end(), l, left.end());
+  scratch_.insert(scratch_.end(), r, right.end());
+  return intern_packed(scratch_);
 }
 
 // All at once, so that a product of many names costs its length.
@@ -121,41 +164,45 @@ std::optional<monomial_id> poly_data::product(std::span<const monomial_id> list)
   if (list.size() <= 2) {
     return list.empty() ? 0 : multiply(list.front(), list.size() == 2 ? list.back() : 0);
   }
-  std::vector<factor> all;
+  std::vector<packed_factor>& all = scratch_;
+  all.clear();
   for (const monomial_id m : list) {
-    const std::span<const factor> some = factors(m);
+    const std::span<const packed_factor> some = packed(m);
     all.insert(all.end(), some.begin(), some.end());
   }
-  std::sort(all.begin(), all.end(), [](const factor& a, const factor& b) { return a.key < b.key; });
+  std::sort(all.begin(), all.end(), [](const packed_factor& a, const packed_factor& b) { return a.key < b.key; });
   std::size_t kept = 0;
   for (std::size_t i = 0; i < all.size();) {
-    factor sum = all[i];
+    packed_factor sum = all[i];
     for (++i; i < all.size() && all[i].key == sum.key; ++i) {
-      sum.exp = cnum_add_reduced(sum.exp, all[i].exp);
+      if (!add_exponent(sum, all[i].exp)) {
+        return std::nullopt;
+      }
     }
-    if (!cnum_is_finite(sum.exp)) {
-      return std::nullopt;
-    }
-    if (!cnum_is_zero(sum.exp)) {
+    if (sum.exp != 0) {
       all[kept++] = sum;
     }
   }
-  return intern_monomial({all.data(), kept});
+  return intern_packed({all.data(), kept});
 }
 
 std::optional<monomial_id> poly_data::power(monomial_id m, const cnum& exponent) {
   if (cnum_is_zero(exponent)) {
     return 0;
   }
-  const std::span<const factor> list = factors(m);
+  if (cnum_is_one(exponent)) {
+    return m;
+  }
+  const std::span<const packed_factor> list = packed(m);
   scratch_.assign(list.begin(), list.end());
-  for (factor& f : scratch_) {
-    f.exp = cnum_mul_reduced(f.exp, exponent);
-    if (!cnum_is_finite(f.exp)) {
+  for (packed_factor& f : scratch_) {
+    const cnum exp = cnum_mul_reduced(unpack(f.exp), exponent);
+    if (!cnum_is_finite(exp)) {
       return std::nullopt;
     }
+    f.exp = pack(exp);
   }
-  return intern_monomial(scratch_);
+  return intern_packed(scratch_);
 }
 
 // ---- Sums.
@@ -204,11 +251,19 @@ poly poly_sum::take() {
       std::any_of(sum.begin(), sum.end(), [](const poly_term& t) { return !t.coef.is_known(); })) {
     return poly_nan();
   }
-  sort_terms(sum);
+  poly_sort(sum);
   return sum;
 }
 
 // ---- Polynomials.
+
+// What was added is nearly in order as a rule: it is the order in which the monomials were met first.
+void poly_sort(poly& p) {
+  const auto before = [](const poly_term& a, const poly_term& b) { return a.monomial < b.monomial; };
+  const auto sorted = std::is_sorted_until(p.begin(), p.end(), before);
+  std::sort(sorted, p.end(), before);
+  std::inplace_merge(p.begin(), sorted, p.end(), before);
+}
 
 poly poly_nan() { return {{0, exact::beyond()}}; }
 
@@ -275,7 +330,7 @@ poly poly_scale(poly_data& pdata, const poly& a, monomial_id m, const exact& coe
       return poly_nan();
     }
   }
-  sort_terms(result);
+  poly_sort(result);
   return result;
 }
 
@@ -308,7 +363,7 @@ bool poly_is_one(const poly& p) { return p.size() == 1 && p.front().monomial == 
 namespace {
 
 std::vector<factor> text_order(const poly_data& pdata, monomial_id m) {
-  const std::span<const factor> list = pdata.factors(m);
+  const factor_view list = pdata.factors(m);
   std::vector<factor> sorted(list.begin(), list.end());
   std::stable_sort(sorted.begin(), sorted.end(),
                    [&](const factor& a, const factor& b) { return pdata.kind_of(a.key) < pdata.kind_of(b.key); });

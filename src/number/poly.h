@@ -9,7 +9,9 @@
 // is zero and its power 0 is one.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
+#include <iterator>
 #include <optional>
 #include <span>
 #include <string>
@@ -35,6 +37,54 @@ struct factor {
   bool operator==(const factor&) const = default;
 };
 
+// A factor in eight bytes. The exponent is twice a whole number, or an odd number that tells its place in a list.
+struct packed_factor {
+  std::int32_t key;
+  std::int32_t exp;
+  bool operator==(const packed_factor&) const = default;
+};
+
+// The factors of a monomial, unpacked one by one as they are looked at.
+class factor_view {
+ public:
+  class iterator {
+   public:
+    using iterator_category = std::input_iterator_tag;
+    using iterator_concept = std::random_access_iterator_tag;
+    using value_type = factor;
+    using difference_type = std::ptrdiff_t;
+    using pointer = const factor*;
+    using reference = factor;
+
+    iterator(const packed_factor* at, const std::vector<cnum>* exponents) : at_(at), exponents_(exponents) {}
+    factor operator*() const {
+      return {at_->key, (at_->exp & 1) == 0 ? cnum_from_int(at_->exp / 2)
+                                            : (*exponents_)[static_cast<std::size_t>(at_->exp / 2)]};
+    }
+    iterator& operator++() {
+      ++at_;
+      return *this;
+    }
+    bool operator==(const iterator& other) const { return at_ == other.at_; }
+
+   private:
+    const packed_factor* at_;
+    const std::vector<cnum>* exponents_;
+  };
+
+  factor_view(std::span<const packed_factor> packed, const std::vector<cnum>& exponents)
+      : packed_(packed), exponents_(&exponents) {}
+  iterator begin() const { return {packed_.data(), exponents_}; }
+  iterator end() const { return {packed_.data() + packed_.size(), exponents_}; }
+  std::size_t size() const { return packed_.size(); }
+  bool empty() const { return packed_.empty(); }
+  factor front() const { return *begin(); }
+
+ private:
+  std::span<const packed_factor> packed_;
+  const std::vector<cnum>* exponents_;
+};
+
 using monomial_id = std::uint32_t;  // 0 is the empty product
 using key_words = std::vector<std::uint64_t>;
 
@@ -51,7 +101,7 @@ using poly = std::vector<poly_term>;
 // The registry of one comparison or of one caller's table.
 class poly_data {
  public:
-  explicit poly_data(budget& work) : work_(&work), table_(256, 0) {}
+  explicit poly_data(budget& work) : work_(&work), table_(256, table_slot{0, 0}) {}
 
   // What follows is charged to this budget, which must live until the next one is given.
   void charge_to(budget& work) { work_ = &work; }
@@ -65,9 +115,7 @@ class poly_data {
   // Factors must be sorted by key, each once.
   monomial_id intern_monomial(std::span<const factor> factors);
   // Valid until the next monomial is interned.
-  std::span<const factor> factors(monomial_id m) const {
-    return {pool_.data() + monomials_[m].begin, monomials_[m].count};
-  }
+  factor_view factors(monomial_id m) const { return {packed(m), exponents_}; }
   // Some F_POW key stands in it with an exponent outside of [0, 1).
   bool has_whole_root(monomial_id m) const { return monomials_[m].whole_root; }
   // Some F_POW key stands in it.
@@ -82,24 +130,44 @@ class poly_data {
   friend class poly_sum;
   struct monomial {
     std::uint32_t begin;
-    std::uint32_t count;
-    bool root;
-    bool whole_root;
+    std::uint32_t count : 30;
+    bool root : 1;
+    bool whole_root : 1;
+  };
+  // Of the table of monomials. A free slot has the monomial 0, which is not in the table.
+  struct table_slot {
+    monomial_id m;
+    std::uint32_t hash;
   };
   struct words_hash {
     std::size_t operator()(const key_words& words) const;
   };
+  struct exponent_hash {
+    std::size_t operator()(const cnum& exponent) const;
+  };
+  std::span<const packed_factor> packed(monomial_id m) const {
+    return {pool_.data() + monomials_[m].begin, monomials_[m].count};
+  }
+  std::int32_t pack(const cnum& exponent);
+  cnum unpack(std::int32_t exponent) const;
+  bool add_exponent(packed_factor& sum, std::int32_t exponent);
+  monomial_id intern_packed(std::span<const packed_factor> factors);
   void grow_table();
 
   budget* work_;
   std::unordered_map<key_words, std::int32_t, words_hash> keys_;
   std::vector<factor_kind> kinds_{F_ATOM};  // key 0 is never issued
-  std::vector<factor> pool_;                // the factors of all monomials
+  std::vector<packed_factor> pool_;         // the factors of all monomials
   std::vector<monomial> monomials_{{0, 0, false, false}};
-  std::vector<monomial_id> table_;  // open addressing, 0 is free
-  std::vector<factor> scratch_;
+  std::vector<table_slot> table_;  // open addressing
+  std::vector<cnum> exponents_;    // those that are not whole, and great ones
+  std::unordered_map<cnum, std::int32_t, exponent_hash> exponent_places_;
+  std::vector<packed_factor> scratch_;
   std::vector<std::uint32_t> slots_;  // for poly_sum: one for each monomial, all empty between sums
 };
+
+// Puts the terms of a sum in their order.
+void poly_sort(poly& p);
 
 poly poly_nan();
 bool poly_is_nan(const poly& p);

@@ -16,14 +16,14 @@ class monomial_order {
   explicit monomial_order(const poly_data& pdata) : pdata_(&pdata) {}
 
   bool operator()(monomial_id a, monomial_id b) const {
-    const std::span<const factor> left = pdata_->factors(a);
-    const std::span<const factor> right = pdata_->factors(b);
+    const factor_view left = pdata_->factors(a);
+    const factor_view right = pdata_->factors(b);
     const auto [l, r] = std::mismatch(left.begin(), left.end(), right.begin(), right.end());
     if (l == left.end() || r == right.end()) {
       return l == left.end() && r != right.end();
     }
     // The key that comes first stands in one of them only, with a positive exponent, or in both.
-    return l->key == r->key ? cnum_cmp(l->exp, r->exp) < 0 : l->key > r->key;
+    return (*l).key == (*r).key ? cnum_cmp((*l).exp, (*r).exp) < 0 : (*l).key > (*r).key;
   }
 
  private:
@@ -39,7 +39,7 @@ std::optional<monomial_id> quotient(poly_data& pdata, monomial_id m, monomial_id
   if (!result) {
     return std::nullopt;
   }
-  const std::span<const factor> factors = pdata.factors(*result);
+  const factor_view factors = pdata.factors(*result);
   const bool whole = std::all_of(factors.begin(), factors.end(), [](const factor& f) { return f.exp.num > 0; });
   return whole ? result : std::nullopt;
 }

@@ -132,12 +132,14 @@ class layout {
     for (const poly_term& t : base) {
       packed_word word = 0;
       std::size_t k = 0;
-      const std::span<const factor> factors = pdata_->factors(t.monomial);
+      const factor_view factors = pdata_->factors(t.monomial);
       auto f = factors.begin();
       for (const key_layout& key : keys_) {
-        const bool present = f != factors.end() && f->key == key.key;
+        const bool present = f != factors.end() && (*f).key == key.key;
         word += static_cast<packed_word>((present ? scaled(*f, key) : 0) - least[k].low) * key.stride;
-        f += present ? 1 : 0;
+        if (present) {
+          ++f;
+        }
         ++k;
       }
       result.push_back({word, coef_of<Coef>(t.coef)});
@@ -344,7 +346,7 @@ class word_table {
 // ---- Multiplication.
 
 // Against a product of two terms with small coefficients.
-constexpr std::uint64_t cost_of_term = 8;
+constexpr std::uint64_t cost_of_term = 4;
 constexpr std::uint64_t cost_of_great_product = 32;
 
 constexpr packed_word most_dense_bytes = packed_word{1} << 23U;  // what a second-level cache holds, about
@@ -414,8 +416,7 @@ poly unpacked(poly_data& pdata, const layout& words, packed_poly<Coef> packed) {
       return poly_nan();
     }
   }
-  std::sort(result.begin(), result.end(),
-            [](const poly_term& a, const poly_term& b) { return a.monomial < b.monomial; });
+  poly_sort(result);
   return result;
 }
 

@@ -35,9 +35,10 @@ std::int32_t greatest_whole_root(const poly_data& pdata, monomial_id m) {
 
 // The whole part of the key's exponent in m, taken out of m.
 std::optional<std::int64_t> take_whole_power(poly_data& pdata, monomial_id& m, std::int32_t key) {
-  const std::span<const factor> factors = pdata.factors(m);
-  const auto at = std::find_if(factors.begin(), factors.end(), [key](const factor& f) { return f.key == key; });
-  const std::int64_t whole = at == factors.end() ? 0 : cnum_floor(at->exp);
+  std::int64_t whole = 0;
+  for (const factor& f : pdata.factors(m)) {
+    whole = f.key == key ? cnum_floor(f.exp) : whole;
+  }
   if (whole < -most_whole_power || whole > most_whole_power) {
     return std::nullopt;
   }
@@ -99,7 +100,7 @@ std::vector<factor> common_factors(const poly_data& pdata, const poly& p) {
   std::vector<factor> common(first.begin(), first.end());
   std::vector<factor> both;
   for (std::size_t i = 1; i < p.size(); ++i) {
-    const std::span<const factor> other = pdata.factors(p[i].monomial);
+    const factor_view other = pdata.factors(p[i].monomial);
     both.clear();
     auto f = other.begin();
     const auto keep_negative = [&both](const factor& alone) {
@@ -108,11 +109,11 @@ std::vector<factor> common_factors(const poly_data& pdata, const poly& p) {
       }
     };
     for (const factor& known : common) {
-      for (; f != other.end() && f->key < known.key; ++f) {
+      for (; f != other.end() && (*f).key < known.key; ++f) {
         keep_negative(*f);
       }
-      if (f != other.end() && f->key == known.key) {
-        both.push_back(cnum_cmp(f->exp, known.exp) < 0 ? *f : known);
+      if (f != other.end() && (*f).key == known.key) {
+        both.push_back(cnum_cmp((*f).exp, known.exp) < 0 ? *f : known);
         ++f;
       } else {
         keep_negative(known);
@@ -316,7 +317,7 @@ void rational_registry::mark_special(std::int32_t key) {
 }
 
 bool rational_registry::is_special_monomial(monomial_id m) const {
-  const std::span<const factor> factors = pdata.factors(m);
+  const factor_view factors = pdata.factors(m);
   return !special_keys_.empty() && std::any_of(factors.begin(), factors.end(), [this](const factor& f) {
     const auto place = static_cast<std::size_t>(f.key);
     return place < special_keys_.size() && special_keys_[place];

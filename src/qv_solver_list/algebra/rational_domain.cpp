@@ -279,7 +279,7 @@ std::optional<std::int32_t> rational_domain::plain_name(const rat& r) const {
   if (!r.sums.empty() || r.pole || !r.coef.is_one()) {
     return std::nullopt;
   }
-  const std::span<const factor> factors = registry_.pdata.factors(r.monomial);
+  const factor_view factors = registry_.pdata.factors(r.monomial);
   const bool plain =
       factors.size() == 1 && cnum_is_one(factors.front().exp) && registry_.pdata.kind_of(factors.front().key) == F_ATOM;
   return plain ? std::optional(factors.front().key) : std::nullopt;

@@ -46,7 +46,7 @@ bool zero_set::covers(term_ptr t) {
   if (form == nullptr) {
     return false;
   }
-  const std::span<const factor> factors = domain_.registry().pdata.factors(form->monomial);
+  const factor_view factors = domain_.registry().pdata.factors(form->monomial);
   return std::all_of(factors.begin(), factors.end(),
                      [this](const factor& f) { return f.exp.num < 0 || holds_key(f.key); }) &&
          std::all_of(form->sums.begin(), form->sums.end(),

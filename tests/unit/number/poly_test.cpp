@@ -43,6 +43,22 @@ TEST_F(poly_test, exponents_of_one_key_add_up) {
   EXPECT_TRUE(poly_is_nan(poly_mul(pdata, huge, huge)));
 }
 
+// Whole exponents of 30 bits stand in a monomial, others beside it.
+TEST_F(poly_test, exponents_of_every_size) {
+  constexpr std::int64_t most = std::int64_t{1} << 30U;
+  for (const std::int64_t whole : {most - 1, most, -most, -most - 1, std::int64_t{1} << 61U}) {
+    const poly p = atom(1, cnum_from_int(whole));
+    const auto expect_same = [&](const cnum& part, const cnum& other) {
+      EXPECT_TRUE(poly_eq(poly_mul(pdata, atom(1, part), atom(1, other)), p)) << whole;
+    };
+    expect_same(cnum_from_int(whole - 1), cnum_from_int(1));
+    expect_same(cnum_from_int(whole / 2), cnum_from_int(whole - whole / 2));
+    expect_same(cnum_from_frac(1, 3), cnum_from_frac(3 * whole - 1, 3));
+    EXPECT_TRUE(poly_is_one(poly_mul(pdata, p, atom(1, cnum_from_int(-whole))))) << whole;
+    EXPECT_EQ(pdata.factors(p.front().monomial).front().exp.num, whole);
+  }
+}
+
 TEST_F(poly_test, zero_and_constants) {
   const poly x = atom(1);
   const poly zero = poly_add(pdata, x, poly_neg(x));

@@ -679,7 +679,7 @@ TEST_F(poly_rat, bound_names_do_not_matter) {
 }
 
 // 1,000 times 1,000 terms on both sides of an equation.
-TEST_F(poly_rat, common_addends_are_not_multiplied_out) {
+TEST_F(poly_rat, products_of_long_sums) {
   std::string a = "a_0";
   std::string b = "b_0";
   for (int i = 1; i < 1000; ++i) {
@@ -690,6 +690,8 @@ TEST_F(poly_rat, common_addends_are_not_multiplied_out) {
   const std::string right = "(" + b + ") * (" + a + ")";
   EXPECT_TRUE(equal("1 + " + left + " * c", right + " * c + 1"));
   EXPECT_FALSE(equal("1 + " + left + " * c", right + " * c + d"));
+  // Here a million terms meet another million.
+  EXPECT_TRUE(equal("f(" + left + " + 1) + c * (1 + " + right + ")", "f(1 + " + right + ") + c * " + left + " + c"));
 }
 
 TEST_F(poly_rat, names_do_not_matter) {
