@@ -93,8 +93,10 @@ command_line parse_command_line(int argc, char** argv, ProgramContext& context) 
 // ---- Files.
 
 struct named_file {
+  named_file(const char* role, const std::string& where) : purpose(role), path(where), identity(where) {}
   const char* purpose;
   std::string path;
+  file_identity identity;
 };
 
 std::vector<named_file> input_files(const ProgramContext& context) {
@@ -117,7 +119,7 @@ bool outputs_are_apart(const ProgramContext& context) {
                                 {"the result document", context.result_json_file.value_or("")}};
   for (const named_file& output : outputs) {
     for (const named_file& other : files) {
-      if (same_file(output.path, other.path)) {
+      if (output.identity.same_file(other.identity)) {
         report_text(std::string("Error: ") + other.purpose + " and " + output.purpose +
                     " are one file: " + output.path + "\n");
         return false;
@@ -135,7 +137,9 @@ void discard_earlier_result(const ProgramContext& context) {
   }
   const std::string& path = *context.result_json_file;
   const auto inputs = input_files(context);
-  if (std::none_of(inputs.begin(), inputs.end(), [&](const named_file& in) { return same_file(in.path, path); })) {
+  const file_identity document(path);
+  if (std::none_of(inputs.begin(), inputs.end(),
+                   [&](const named_file& input) { return input.identity.same_file(document); })) {
     discard_structured_result_file(path);
   }
 }

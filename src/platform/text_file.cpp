@@ -3,11 +3,12 @@
 #include "platform/text_file.h"
 
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <iterator>
 #include <new>
+#include <string_view>
 #include <utility>
 
 namespace vetro {
@@ -18,22 +19,50 @@ text_file failed(int reason) {
   return nullptr;
 }
 
+constexpr std::string_view byte_order_mark = "\xEF\xBB\xBF";
+
+// Looks at the file itself, so that a stream without a mark stays at its beginning with nothing read.
+void skip_byte_order_mark(std::FILE* regular) {
+  char start[byte_order_mark.size()] = {};
+  const ssize_t got = pread(fileno(regular), start, sizeof start, 0);
+  if (got > 0 && byte_order_mark == std::string_view(start, static_cast<std::size_t>(got))) {
+    std::fseek(regular, static_cast<long>(sizeof start), SEEK_SET);
+  }
+}
+
+// What the file gives, to its end or to somewhat more than the limit. False, with errno set, when it cannot be read.
+// The blocks grow with the text, so that small files touch little memory.
+bool append_rest(std::FILE* file, std::string& text) {
+  try {
+    constexpr std::size_t smallest = 4096;
+    constexpr std::size_t largest = std::size_t{1} << 20U;
+    for (bool more = true; more && text.size() <= input_file_bytes;) {
+      const std::size_t old = text.size();
+      const std::size_t block = std::clamp(old, smallest, largest);
+      text.resize(old + block);
+      const std::size_t got = std::fread(text.data() + old, 1, block, file);
+      text.resize(old + got);
+      more = got == block;
+    }
+    return std::ferror(file) == 0;
+  } catch (const std::bad_alloc&) {
+    errno = ENOMEM;
+    return false;
+  }
+}
+
 // All that the file gives, behind an owned stream.
 text_file read_ahead(std::FILE* file) {
   try {
     auto content = std::make_unique<std::string>();
-    constexpr std::size_t block = 64 * 1024;
-    for (std::size_t got = block; got == block && content->size() <= input_file_bytes;) {
-      const std::size_t old = content->size();
-      content->resize(old + block);
-      got = std::fread(content->data() + old, 1, block, file);
-      content->resize(old + got);
-    }
-    if (std::ferror(file) != 0) {
+    if (!append_rest(file, *content)) {
       return nullptr;
     }
     if (content->size() > input_file_bytes) {
       return failed(EFBIG);
+    }
+    if (content->starts_with(byte_order_mark)) {
+      content->erase(0, byte_order_mark.size());
     }
     // A stream over no bytes cannot be opened.
     std::FILE* stream =
@@ -41,16 +70,6 @@ text_file read_ahead(std::FILE* file) {
     return {stream, file_closer{std::move(content)}};
   } catch (const std::bad_alloc&) {
     return failed(ENOMEM);
-  }
-}
-
-void skip_byte_order_mark(std::FILE* file) {
-  constexpr unsigned char mark[] = {0xEF, 0xBB, 0xBF};
-  unsigned char start[sizeof mark] = {};
-  const bool marked = std::fread(start, 1, sizeof start, file) == sizeof start &&
-                      std::equal(std::begin(start), std::end(start), std::begin(mark));
-  if (!marked) {
-    std::rewind(file);
   }
 }
 
@@ -66,14 +85,21 @@ text_file open_text_file(const char* path, directories policy) {
     return policy == directories::refused ? failed(EISDIR) : std::move(file);
   }
   if (!S_ISREG(about.st_mode)) {
-    file = read_ahead(file.get());
-  } else if (static_cast<std::size_t>(about.st_size) > input_file_bytes) {
+    return read_ahead(file.get());
+  }
+  if (static_cast<std::size_t>(about.st_size) > input_file_bytes) {
     return failed(EFBIG);
   }
-  if (file != nullptr) {
-    skip_byte_order_mark(file.get());
-  }
+  skip_byte_order_mark(file.get());
   return file;
+}
+
+std::optional<std::string> read_rest(std::FILE* file) {
+  std::optional<std::string> text(std::in_place);
+  if (!append_rest(file, *text)) {
+    text.reset();
+  }
+  return text;
 }
 
 int next_character(std::FILE* file) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <string>
 
 namespace vetro {
@@ -23,6 +24,9 @@ using text_file = std::unique_ptr<std::FILE, file_closer>;
 // is refused already here, or left to fail there.
 enum class directories : unsigned char { refused, fail_at_reading };
 text_file open_text_file(const char* path, directories policy = directories::refused);
+
+// The rest of the file, byte for byte. Nothing, with errno set, at a read error or where memory runs out.
+std::optional<std::string> read_rest(std::FILE* file);
 
 // The next character; EOF at the end of the file or at a read error (ferror tells which). A carriage return directly
 // before a line feed or the end of the file is part of the line end and is skipped, so that files with either line end

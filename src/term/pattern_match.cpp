@@ -55,16 +55,29 @@ struct pattern_cache {
     const char* text = nullptr;
     const compiled_pattern* pattern = nullptr;
   };
-  static constexpr std::size_t literal_slots = 4096;
-  std::array<known_literal, literal_slots> literals;
+  std::vector<known_literal> literals = std::vector<known_literal>(64);
+  unsigned shift = 64 - 6;  // leaves as many bits of a hash as number the places
   std::unordered_map<std::string, std::unique_ptr<compiled_pattern>> texts;
 
   known_literal& slot(const char* literal) {
     const std::uint64_t hash = reinterpret_cast<std::uintptr_t>(literal) * 0x9e3779b97f4a7c15ULL;
-    return literals[hash >> 52U];
+    return literals[hash >> shift];
+  }
+  // Four places for each text, of which most have one literal only: few share a place.
+  void keep(known_literal literal) {
+    while (literals.size() < 4 * texts.size()) {
+      --shift;
+      std::vector<known_literal> old(2 * literals.size());
+      old.swap(literals);
+      for (const known_literal& known : old) {
+        if (known.text != nullptr) {
+          slot(known.text) = known;
+        }
+      }
+    }
+    slot(literal.text) = literal;
   }
 };
-static_assert(pattern_cache::literal_slots == std::size_t{1} << (64U - 52U));
 
 process_state::process_state() : patterns(std::make_unique<pattern_cache>()) {}
 
@@ -105,15 +118,15 @@ const compiled_pattern* pattern_of_text(const char* text) {
 }
 
 const compiled_pattern* pattern_of_literal(const char* literal) {
-  pattern_cache::known_literal& slot = state().patterns->slot(literal);
-  if (slot.text != literal) {
-    const compiled_pattern* pattern = pattern_of_text(literal);
-    if (pattern == nullptr) {
-      return nullptr;
-    }
-    slot = {literal, pattern};
+  const pattern_cache::known_literal& known = state().patterns->slot(literal);
+  if (known.text == literal) {
+    return known.pattern;
   }
-  return slot.pattern;
+  const compiled_pattern* pattern = pattern_of_text(literal);
+  if (pattern != nullptr) {
+    state().patterns->keep({literal, pattern});
+  }
+  return pattern;
 }
 
 // term_eqb with a leaf of the pattern: a scope and binders of t count. Between leaves that have neither it is identity.
