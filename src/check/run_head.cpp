@@ -35,7 +35,7 @@ void add_library(text_hash& hash, const thm_lib& library) {
   for (const auto& [id, theorem] : library.table) {
     hash.add(std::to_string(id));
     hash.add(theorem.name);
-    hash.add(print_term_internal_to_string(theorem.content));
+    hash.add(print_term_internal_to_string(theorem.content()));
   }
   for (const external_thm_lib& external : library.external_libs) {
     hash.add(external.alias);

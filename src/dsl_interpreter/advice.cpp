@@ -131,16 +131,16 @@ std::string theorem_advice(const dsl_execute_data& data, const dsl_term& ref) {
   }
   std::vector<std::string_view> names;
   for (const auto& [id, known] : lib->table) {
-    if (ref.t != nullptr && term_eqb(known.content, ref.t)) {
+    if (ref.t != nullptr && term_eqb(known.content(), ref.t)) {
       return theorem_title(known) + " has this formula";
     }
     names.push_back(known.name);
   }
   const std::string_view name = ref.name.empty() ? std::string_view() : nearest_word(ref.name, names);
-  const auto named = lib->ids_by_name.find(name);
-  return name.empty() || named == lib->ids_by_name.end()
-             ? std::string()
-             : "did you mean " + theorem_title(lib->table.at(named->second)) + "?";
+  const auto& ids = theorems_by_name(*lib);
+  const auto named = ids.find(name);
+  return name.empty() || named == ids.end() ? std::string()
+                                            : "did you mean " + theorem_title(lib->table.at(named->second)) + "?";
 }
 
 // ---- Names.

@@ -2,14 +2,14 @@
 #include "lib/thm_lib.h"
 
 #include <algorithm>
-#include <cerrno>
 #include <charconv>
 #include <cstdio>
-#include <new>
 #include <utility>
 
 #include "diagnostics/diagnostics.h"
 #include "lib/semantic_term.h"
+#include "parser/parser_api.h"
+#include "parser/plain_formula.h"
 #include "platform/text_file.h"
 #include "term/report.h"
 
@@ -117,9 +117,9 @@ class library_reader {
       if (collecting_diagnostics != nullptr) {
         collecting_diagnostics->reads_pieces(source_file::library, formula_, pieces_);
       }
-      term_ptr content = parse_semantic_term_from_str(formula_);
-      if (content != nullptr) {
-        thm_lib_add({open_->id, std::string(open_->name), content}, lib_);
+      const stored_formula formula = stored();
+      if (formula.is_there()) {
+        thm_lib_add({open_->id, std::string(open_->name), formula}, lib_);
       } else {
         report_left_out();
       }
@@ -127,6 +127,13 @@ class library_reader {
     open_.reset();
     formula_.clear();
     pieces_.clear();
+  }
+
+  // Nothing is said of a plain formula, so that it may wait. Who collects diagnostics gets them all now.
+  stored_formula stored() const {
+    return collecting_diagnostics == nullptr && is_plain_formula(formula_)
+               ? stored_formula(formula_)
+               : stored_formula(parse_semantic_term_from_str(formula_));
   }
 
   // Where the theorem stands whose formula the line before this one is about.
@@ -161,23 +168,9 @@ std::optional<std::string> read_file_to_string(const std::string& path) {
     std::perror("Error Opening File");
     return std::nullopt;
   }
-  std::string text;
-  try {
-    constexpr std::size_t block = 64 * 1024;
-    for (std::size_t got = block; got == block;) {
-      const std::size_t old = text.size();
-      text.resize(old + block);
-      got = std::fread(text.data() + old, 1, block, file.get());
-      text.resize(old + got);
-    }
-  } catch (const std::bad_alloc&) {
-    errno = ENOMEM;
+  std::optional<std::string> text = read_rest(file.get());
+  if (!text) {
     std::perror("Error Reading File");
-    return std::nullopt;
-  }
-  if (std::ferror(file.get()) != 0) {
-    std::perror("Error Reading File");
-    return std::nullopt;
   }
   return text;
 }
@@ -197,6 +190,13 @@ const thm_lib* library_of(const thm_lib* lib, std::string_view alias) {
 
 }  // namespace
 
+term_ptr stored_formula::read() const {
+  if (read_ == nullptr && !text_.empty()) {
+    read_ = normalize_parsed_term(parse_term_from_str(text_, 0, 0));
+  }
+  return read_;
+}
+
 void thm_lib_parse(std::string_view text, thm_lib& lib, std::string_view file) {
   library_reader reader(lib, file);
   while (!text.empty()) {
@@ -212,17 +212,9 @@ void thm_lib_add(theorem entry, thm_lib& lib) {
     return;
   }
   const int id = entry.id;
-  const auto old = lib.table.find(id);
-  if (old != lib.table.end()) {
-    auto [first, last] = lib.ids_by_name.equal_range(old->second.name);
-    while (first != last && first->second != id) {
-      ++first;
-    }
-    lib.ids_by_name.erase(first);
-  }
-  lib.ids_by_name.emplace(entry.name, id);
-  lib.table.insert_or_assign(id, std::move(entry));
   lib.num = std::max(lib.num, id);
+  lib.ids_by_name.reset();
+  lib.table.insert_or_assign(lib.table.end(), id, std::move(entry));  // most libraries are in order
 }
 
 std::optional<thm_lib> thm_lib_load(const std::string& path) {
@@ -289,7 +281,7 @@ const theorem* thm_lib_find_unique_by_name(const thm_lib* lib, std::string_view 
   if (lib == nullptr || name.empty()) {
     return nullptr;
   }
-  const auto [first, last] = lib->ids_by_name.equal_range(name);
+  const auto [first, last] = theorems_by_name(*lib).equal_range(name);
   *out_matches = static_cast<int>(std::distance(first, last));
   return *out_matches == 1 ? thm_lib_find_by_id(lib, first->second) : nullptr;
 }
@@ -297,6 +289,16 @@ const theorem* thm_lib_find_unique_by_name(const thm_lib* lib, std::string_view 
 const theorem* thm_lib_find_unique_by_name_ref(const thm_lib* lib, std::string_view alias, std::string_view name,
                                                int* out_matches) {
   return thm_lib_find_unique_by_name(library_of(lib, alias), name, out_matches);
+}
+
+const std::multimap<std::string, int, std::less<>>& theorems_by_name(const thm_lib& lib) {
+  if (!lib.ids_by_name) {
+    lib.ids_by_name.emplace();
+    for (const auto& [id, known] : lib.table) {
+      lib.ids_by_name->emplace(known.name, id);
+    }
+  }
+  return *lib.ids_by_name;
 }
 
 bool thm_lib_alias_is_main(std::string_view alias) { return alias.empty() || alias == "main"; }

@@ -15,19 +15,34 @@
 
 namespace vetro {
 
+// A formula, or a plain text of one that is read when it is first asked for.
+class stored_formula {
+ public:
+  stored_formula(term_ptr read = nullptr) : read_(read) {}  // NOLINT: a term is a formula
+  explicit stored_formula(std::string_view plain_text) : text_(plain_text) {}
+  bool is_there() const { return read_ != nullptr || !text_.empty(); }
+  term_ptr read() const;
+
+ private:
+  mutable term_ptr read_ = nullptr;
+  std::string text_;
+};
+
 struct theorem {
   int id = 0;
   std::string name;
-  term_ptr content = nullptr;
+  stored_formula formula;
+  term_ptr content() const { return formula.read(); }
 };
 
 struct external_thm_lib;
 
 struct thm_lib {
   std::map<int, theorem> table;  // by id; the numbering may have gaps of any width
-  std::multimap<std::string, int, std::less<>> ids_by_name;
-  int num = 0;  // highest id stored, not a count
+  int num = 0;                   // highest id stored, not a count
   std::vector<external_thm_lib> external_libs;
+  // The ids of each name, in their order; made by the first look-up of a name (theorems_by_name).
+  mutable std::optional<std::multimap<std::string, int, std::less<>>> ids_by_name;
 };
 
 struct external_thm_lib {
@@ -53,5 +68,6 @@ const theorem* thm_lib_find_unique_by_name(const thm_lib* lib, std::string_view 
 const theorem* thm_lib_find_unique_by_name_ref(const thm_lib* lib, std::string_view alias, std::string_view name,
                                                int* out_matches);
 bool thm_lib_alias_is_main(std::string_view alias);
+const std::multimap<std::string, int, std::less<>>& theorems_by_name(const thm_lib& lib);
 
 }  // namespace vetro

@@ -81,6 +81,8 @@ class parse_context {
   std::size_t token_begin = 0;
   std::size_t token_end = 0;
 
+  bool quiet = false;  // nothing is said of a text that no token begins
+
   // ---- Lists.
   const list_cell* append(const list_cell* list, term_ptr term);
   const list_cell* append_term(const list_cell* list, term_ptr term);

@@ -27,6 +27,7 @@ class scanner {
 int scan_lexeme(parse_context& context, FORMULA_STYPE& value, int token);
 int scan_name(parse_context& context, FORMULA_STYPE& value);
 int scan_quoted_name(parse_context& context, FORMULA_STYPE& value);
+int scan_invalid(const parse_context& context);
 int scan_unexpected(parse_context& context);
 
 }  // namespace vetro

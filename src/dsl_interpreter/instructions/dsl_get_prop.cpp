@@ -96,13 +96,14 @@ bool get_prop_source(const dsl_execute_data& data, const dsl_term& ref, term_ptr
   if (found == nullptr) {
     return false;
   }
-  if (used_name_fallback && ref.t != nullptr && !term_eqb(found->content, ref.t)) {
-    log_error_text(data, fault(diagnostic_code::formula_mismatch).at_formula(ref).differs(found->content, ref.t),
+  if (used_name_fallback && ref.t != nullptr && !term_eqb(found->content(), ref.t)) {
+    log_error_text(data, fault(diagnostic_code::formula_mismatch).at_formula(ref).differs(found->content(), ref.t),
                    "get_prop theorem name fallback formula mismatch for " + theorem_ref_text(ref) +
-                       "\nselected theorem:\n" + pretty(found->content) + "\nquoted formula:\n" + pretty(ref.t) + "\n");
+                       "\nselected theorem:\n" + pretty(found->content()) + "\nquoted formula:\n" + pretty(ref.t) +
+                       "\n");
     return false;
   }
-  source = found->content;
+  source = found->content();
   return true;
 }
 

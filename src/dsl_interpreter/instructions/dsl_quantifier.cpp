@@ -122,7 +122,7 @@ term_ptr get_exists_source(const dsl_execute_data& data, const dsl_term& target)
     return nullptr;
   }
   const theorem* found = theorem_by_number(data, target);
-  return found == nullptr ? nullptr : found->content;
+  return found == nullptr ? nullptr : found->content();
 }
 
 }  // namespace

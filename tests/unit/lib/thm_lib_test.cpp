@@ -50,9 +50,9 @@ TEST_F(theorem_library, formulas_reach_to_the_next_header) {
   EXPECT_EQ(result.messages, "");
   EXPECT_EQ(result.lib.num, 5);
   EXPECT_EQ(result.lib.table.size(), 2U);
-  EXPECT_EQ(thm_lib_find_by_id(&result.lib, 5)->content, parse_semantic_term_from_str("x > 0 ∧ y > 0"));
+  EXPECT_EQ(thm_lib_find_by_id(&result.lib, 5)->content(), parse_semantic_term_from_str("x > 0 ∧ y > 0"));
   EXPECT_EQ(thm_lib_find_by_id(&result.lib, 5)->name, "sum");
-  EXPECT_EQ(thm_lib_find_by_id(&result.lib, 1)->content, parse_semantic_term_from_str("x > 1"));
+  EXPECT_EQ(thm_lib_find_by_id(&result.lib, 1)->content(), parse_semantic_term_from_str("x > 1"));
   for (const std::int64_t id :
        {std::int64_t{2}, std::int64_t{0}, std::int64_t{-1}, std::int64_t{6}, (std::int64_t{1} << 32) + 1}) {
     EXPECT_EQ(thm_lib_find_by_id(&result.lib, id), nullptr) << id;
@@ -108,9 +108,9 @@ TEST_F(theorem_library, names) {
   // A theorem that is replaced loses its name, too.
   thm_lib_add({3, "c", mk_integer(3)}, lib);
   EXPECT_EQ(thm_lib_find_unique_by_name(&lib, "a", &matches)->id, 1);
-  EXPECT_EQ(thm_lib_find_unique_by_name(&lib, "c", &matches)->content, mk_integer(3));
+  EXPECT_EQ(thm_lib_find_unique_by_name(&lib, "c", &matches)->content(), mk_integer(3));
   thm_lib_add({2, "b", mk_integer(2)}, lib);
-  EXPECT_EQ(thm_lib_find_unique_by_name(&lib, "b", &matches)->content, mk_integer(2));
+  EXPECT_EQ(thm_lib_find_unique_by_name(&lib, "b", &matches)->content(), mk_integer(2));
   EXPECT_EQ(lib.num, 3);
 }
 
