@@ -112,12 +112,62 @@ natural natural_subtract(const natural& a, const natural& b) {
   return difference;
 }
 
+namespace {
+
+// Of two numbers up to this length GMP multiplies with temporary memory on the stack alone.
+constexpr std::size_t block = 1024;
+
+natural piece(const natural& n, std::size_t from, std::size_t length) {
+  from = std::min(from, n.size());
+  natural result(n.begin() + static_cast<std::ptrdiff_t>(from),
+                 n.begin() + static_cast<std::ptrdiff_t>(std::min(from + length, n.size())));
+  trim(result);
+  return result;
+}
+
+void add_at(natural& sum, std::size_t place, const natural& n) {
+  if (!n.empty()) {
+    mp_limb_t* at = sum.data() + place;
+    mpn_add(at, at, size_of(sum) - static_cast<mp_size_t>(place), n.data(), size_of(n));
+  }
+}
+
+// Where b is the shorter one by far, a is cut into pieces of its length; else both are halved:
+// (a1 w + a0)(b1 w + b0) = a1 b1 w^2 + ((a1 + a0)(b1 + b0) - a1 b1 - a0 b0) w + a0 b0.
+natural multiply_long(const natural& a, const natural& b) {
+  natural product(a.size() + b.size());
+  if (a.size() > b.size() + b.size() / 2) {
+    for (std::size_t place = 0; place < a.size(); place += b.size()) {
+      add_at(product, place, natural_multiply(piece(a, place, b.size()), b));
+    }
+  } else {
+    const std::size_t half = (a.size() + 1) / 2;
+    const natural a0 = piece(a, 0, half);
+    const natural a1 = piece(a, half, half);
+    const natural b0 = piece(b, 0, half);
+    const natural b1 = piece(b, half, half);
+    const natural low = natural_multiply(a0, b0);
+    const natural high = natural_multiply(a1, b1);
+    const natural all = natural_multiply(natural_add(a0, a1), natural_add(b0, b1));
+    add_at(product, 0, low);
+    add_at(product, half, natural_subtract(natural_subtract(all, low), high));
+    add_at(product, 2 * half, high);
+  }
+  trim(product);
+  return product;
+}
+
+}  // namespace
+
 natural natural_multiply(const natural& a, const natural& b) {
   if (a.size() < b.size()) {
     return natural_multiply(b, a);
   }
   if (b.empty()) {
     return {};
+  }
+  if (b.size() > block) {
+    return multiply_long(a, b);
   }
   natural product(a.size() + b.size());
   mpn_mul(product.data(), a.data(), size_of(a), b.data(), size_of(b));

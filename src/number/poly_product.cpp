@@ -1,7 +1,7 @@
 // Products of powers of polynomials. Each term's exponents are packed into one 64-bit word, mixed radix with room for
-// the result, so that a product of terms is an addition; coefficients are 64-bit or 128-bit integers where the bound of
-// the result shows that they suffice. Where the words of the result are few, like terms meet in an array, else in a
-// hash table.
+// the result, so that a product of terms is an addition; coefficients are 64-bit or 128-bit integers as long as the
+// bound of the result shows that they suffice. Like terms meet in an array, slice by slice where the words are many,
+// else in a hash table. Polynomials with greater coefficients are multiplied as numbers where that is less work.
 #include <algorithm>
 #include <bit>
 #include <deque>
@@ -10,8 +10,10 @@
 #include <optional>
 #include <type_traits>
 #include <utility>
+#include <variant>
 
 #include "number/limits.h"
+#include "number/natural.h"
 #include "number/poly.h"
 
 namespace vetro {
@@ -26,6 +28,11 @@ struct packed_term {
 };
 template <class Coef>
 using packed_poly = std::vector<packed_term<Coef>>;
+
+template <class Coef>
+void sort_words(packed_poly<Coef>& p) {
+  std::sort(p.begin(), p.end(), [](const auto& a, const auto& b) { return a.word < b.word; });
+}
 
 // How the exponents of one key stand in a word: (exponent * scale - low) * stride.
 struct key_layout {
@@ -74,41 +81,60 @@ exact common_denominator(const poly& p) {
   return common;
 }
 
-// The sum of the magnitudes of the coefficients, which are integers. The sum of a product is at most the product of the
-// sums.
-exact size_of(const poly& p) {
-  exact sum = 0;
-  for (const poly_term& t : p) {
-    sum += t.coef.sign() < 0 ? -t.coef : t.coef;
-  }
-  return sum;
-}
-
-std::uint64_t bits_of(const exact& integer) {
-  const auto small = integer.to_int64();
-  return small ? static_cast<std::uint64_t>(64 - std::countl_zero(static_cast<std::uint64_t>(*small))) : 128;
-}
-
 // The greatest sums for which 64 or 128 bits suffice.
 const wide_int most_small = std::numeric_limits<std::int64_t>::max();
 const wide_int most_wide = ((wide_int{1} << 126U) - 1) * 2;  // one less than the greatest value
 
-// bound * size^exp for the sum of the magnitudes of p's coefficients, which are integers; more than most_wide where one
-// of them does not fit 64 bits, or the result is more.
-wide_int raised(wide_int bound, const poly& p, std::uint64_t exp) {
-  wide_int size = 0;
-  for (const poly_term& t : p) {
-    const auto coef = t.coef.to_int64();
-    if (!coef) {
-      return most_wide + 1;
+// A bound for the sum of the magnitudes of the coefficients, which are integers. That of a product is at most the
+// product of those of the factors.
+class coefficient_bound {
+ public:
+  static coefficient_bound of(const poly& p) {
+    coefficient_bound result;
+    result.sum_ = 0;
+    exact sum = 0;
+    for (const poly_term& t : p) {
+      const auto coef = t.coef.to_int64();
+      result.sum_ = coef && result.sum_ <= most_wide ? result.sum_ + (*coef < 0 ? -wide_int{*coef} : wide_int{*coef})
+                                                     : most_wide + 1;
+      sum = t.coef.sign() < 0 ? sum - t.coef : sum + t.coef;
     }
-    size += *coef < 0 ? -wide_int{*coef} : wide_int{*coef};
+    const std::vector<std::uint64_t> words = magnitude_words(sum);
+    result.bits_ = words.size() * 64;
+    if (!words.empty()) {
+      result.bits_ -= static_cast<std::uint64_t>(std::countl_zero(words.back()));
+    }
+    return result;
   }
-  for (; exp > 0 && bound <= most_wide && size > 1; --exp) {
-    bound = bound > most_wide / size ? most_wide + 1 : bound * size;
+  coefficient_bound& operator*=(const coefficient_bound& other) {
+    sum_ = other.sum_ != 0 && sum_ > most_wide / other.sum_ ? most_wide + 1 : sum_ * other.sum_;
+    bits_ += other.bits();
+    return *this;
   }
-  return bound;
-}
+  coefficient_bound to_the(std::uint64_t exp) const {
+    coefficient_bound result;
+    result.bits_ = bits() > most_bits / exp ? most_bits : bits() * exp;
+    for (; exp > 0 && result.is_wide() && sum_ != 1; --exp) {
+      result.sum_ = sum_ > most_wide / result.sum_ ? most_wide + 1 : result.sum_ * sum_;
+    }
+    return result;
+  }
+  bool is_small() const { return sum_ <= most_small; }
+  bool is_wide() const { return sum_ <= most_wide; }
+  // That the magnitude of a coefficient takes, at most.
+  std::uint64_t bits() const { return is_wide() ? static_cast<std::uint64_t>(bit_length(sum_)) : bits_; }
+
+ private:
+  static int bit_length(wide_int value) {
+    const auto high = static_cast<std::uint64_t>(static_cast<wide_uint>(value) >> 64U);
+    return high != 0 ? 64 + std::bit_width(high) : std::bit_width(static_cast<std::uint64_t>(value));
+  }
+
+  static constexpr std::uint64_t most_bits = std::uint64_t{1} << 40U;
+
+  wide_int sum_ = 1;  // more than most_wide where it is unknown
+  std::uint64_t bits_ = 0;
+};
 
 // ---- Layout.
 
@@ -121,6 +147,17 @@ class layout {
                       std::all_of(powers.begin(), powers.end(), [&](const poly_power& p) { return result.widen(p); }) &&
                       result.set_strides();
     return fits ? std::optional(std::move(result)) : std::nullopt;
+  }
+
+  // Words with the same quotient by one of these are a slice: the keys from some place on have the same exponents
+  // there. The greatest comes first; all words are one slice.
+  std::vector<packed_word> slices() const {
+    std::vector<packed_word> result;
+    for (const key_layout& key : keys_) {
+      result.insert(result.begin(), key.stride);
+    }
+    result.insert(result.begin(), keys_.empty() ? 1 : keys_.back().stride * keys_.back().range);
+    return result;
   }
 
   // The word of a term of base, relative to the least exponents of base.
@@ -144,6 +181,7 @@ class layout {
       }
       result.push_back({word, coef_of<Coef>(t.coef)});
     }
+    sort_words(result);
     return result;
   }
 
@@ -268,11 +306,6 @@ bool is_zero(const Coef& c) {
   }
 }
 
-template <class Coef>
-void add_product(Coef& sum, const Coef& a, const Coef& b) {
-  sum += a * b;
-}
-
 // Sums by word. An open hash table that holds word + 1, so that 0 is free.
 template <class Coef>
 class word_table {
@@ -281,7 +314,8 @@ class word_table {
 
   std::size_t size() const { return used_; }
 
-  void add(packed_word word, const Coef& a, const Coef& b) {
+  template <class Left, class Right>
+  void add(packed_word word, const Left& a, const Right& b) {
     std::size_t slot = slot_of(word);
     while (words_[slot] != word + 1) {
       if (words_[slot] == 0) {
@@ -295,7 +329,7 @@ class word_table {
       }
       slot = (slot + 1) & mask_;
     }
-    add_product(sums_[slot], a, b);
+    sums_[slot] += Coef(a) * b;
   }
 
   packed_poly<Coef> take() {
@@ -349,38 +383,14 @@ class word_table {
 constexpr std::uint64_t cost_of_term = 4;
 constexpr std::uint64_t cost_of_great_product = 32;
 
-constexpr packed_word most_dense_bytes = packed_word{1} << 23U;  // what a second-level cache holds, about
+constexpr packed_word most_dense_bytes = packed_word{1} << 23U;
+constexpr packed_word words_of_product = 4;  // of an array that take as long as a product of two terms
+constexpr std::uint64_t work_of_part = 16;   // of two slices, in products of two terms
+constexpr packed_word most_slice_bytes = packed_word{1} << 18U;  // what a second-level cache holds with ease
 
-template <class Coef>
-packed_poly<Coef> multiply_dense(const packed_poly<Coef>& a, const packed_poly<Coef>& b, packed_word words) {
-  std::vector<Coef> sums(words, Coef(0));
-  for (const auto& left : a) {
-    Coef* row = sums.data() + left.word;
-    for (const auto& right : b) {
-      add_product(row[right.word], left.coef, right.coef);
-    }
-  }
-  packed_poly<Coef> result;
-  for (packed_word word = 0; word < words; ++word) {
-    if (!is_zero(sums[word])) {
-      result.push_back({word, std::move(sums[word])});
-    }
-  }
-  return result;
-}
-
-// Nothing when the budget or the limit of terms is used up.
-template <class Coef>
-std::optional<packed_poly<Coef>> multiply(poly_data& pdata, const packed_poly<Coef>& a, const packed_poly<Coef>& b,
-                                          packed_word words, std::uint64_t cost) {
-  const std::uint64_t products = std::uint64_t{a.size()} * b.size();
-  if (!pdata.charge(products * cost)) {
-    return std::nullopt;
-  }
-  if (words <= most_dense_bytes / sizeof(Coef) && words <= products * 8 + 256) {
-    return multiply_dense(a, b, words);
-  }
-  word_table<Coef> table(a.size() + b.size());
+template <class Sum, class Left, class Right>
+std::optional<packed_poly<Sum>> multiply_by_table(const packed_poly<Left>& a, const packed_poly<Right>& b) {
+  word_table<Sum> table(a.size() + b.size());
   for (const auto& left : a) {
     for (const auto& right : b) {
       table.add(left.word + right.word, left.coef, right.coef);
@@ -389,23 +399,245 @@ std::optional<packed_poly<Coef>> multiply(poly_data& pdata, const packed_poly<Co
       return std::nullopt;
     }
   }
-  return table.take();
+  packed_poly<Sum> result = table.take();
+  sort_words(result);
+  return result;
 }
 
-// The least and greatest word of a product are sums of those of its factors.
+// The terms of one slice, with words inside it.
 template <class Coef>
-packed_word words_of(const packed_poly<Coef>& p) {
-  packed_word greatest = 0;
+struct slice_of_terms {
+  packed_word number;
+  packed_poly<Coef> terms;
+};
+
+// p must be sorted.
+template <class Coef>
+std::vector<slice_of_terms<Coef>> slices_of(const packed_poly<Coef>& p, packed_word slice) {
+  std::vector<slice_of_terms<Coef>> result;
   for (const auto& t : p) {
-    greatest = std::max(greatest, t.word);
+    const packed_word number = t.word / slice;
+    if (result.empty() || result.back().number != number) {
+      result.push_back({number, {}});
+    }
+    result.back().terms.push_back({t.word % slice, t.coef});
   }
-  return greatest + 1;
+  return result;
+}
+
+// A product by slices: each slice of the result is the sum of products of slices.
+template <class Sum, class Left, class Right>
+class sliced_product {
+ public:
+  sliced_product(const packed_poly<Left>& a, const packed_poly<Right>& b, packed_word slice)
+      : slice_(slice), left_(slices_of(a, slice)), right_(slices_of(b, slice)) {}
+
+  std::size_t parts() const { return left_.size() * right_.size(); }
+
+  // How many words the slices of the result have.
+  packed_word pair_up() {
+    parts_.reserve(parts());
+    for (const auto& left : left_) {
+      for (const auto& right : right_) {
+        parts_.push_back({left.number + right.number, &left.terms, &right.terms});
+      }
+    }
+    std::stable_sort(parts_.begin(), parts_.end(), [](const part& x, const part& y) { return x.number < y.number; });
+    packed_word slices = 0;
+    for (std::size_t i = 0; i < parts_.size(); ++i) {
+      slices += i == 0 || parts_[i].number != parts_[i - 1].number ? 1 : 0;
+    }
+    return slices * slice_;
+  }
+
+  // Nothing when the limit of terms is used up.
+  std::optional<packed_poly<Sum>> run(packed_word slice_words) const {
+    packed_poly<Sum> result;
+    std::vector<Sum> sums(slice_words, Sum(0));
+    for (auto p = parts_.begin(); p != parts_.end();) {
+      const packed_word number = p->number;
+      for (; p != parts_.end() && p->number == number; ++p) {
+        add(*p, sums.data());
+      }
+      for (packed_word word = 0; word < slice_words; ++word) {
+        if (!is_zero(sums[word])) {
+          result.push_back({number * slice_ + word, std::exchange(sums[word], Sum(0))});
+        }
+      }
+      if (result.size() > limits::poly_terms) {
+        return std::nullopt;
+      }
+    }
+    return result;
+  }
+
+ private:
+  struct part {
+    packed_word number;
+    const packed_poly<Left>* left;
+    const packed_poly<Right>* right;
+  };
+
+  static void add(const part& p, Sum* sums) {
+    for (const auto& left : *p.left) {
+      Sum* row = sums + left.word;
+      for (const auto& right : *p.right) {
+        row[right.word] += Sum(left.coef) * right.coef;
+      }
+    }
+  }
+
+  packed_word slice_;
+  std::vector<slice_of_terms<Left>> left_;
+  std::vector<slice_of_terms<Right>> right_;
+  std::vector<part> parts_;
+};
+
+// Nothing when the limit of terms is used up.
+template <class Sum, class Left, class Right>
+std::optional<packed_poly<Sum>> like_terms_collected(const layout& words, const packed_poly<Left>& a,
+                                                     const packed_poly<Right>& b) {
+  const std::uint64_t products = std::uint64_t{a.size()} * b.size();
+  const packed_word all = a.back().word + b.back().word + 1;
+  for (const packed_word slice : words.slices()) {
+    const packed_word slice_words = std::min(slice, all);
+    if (slice_words > most_slice_bytes / sizeof(Sum)) {
+      continue;
+    }
+    sliced_product<Sum, Left, Right> product(a, b, slice);
+    if (slice < all && product.parts() * work_of_part > products) {
+      break;  // smaller slices are more
+    }
+    if (product.pair_up() <= products * words_of_product + 256) {
+      return product.run(slice_words);
+    }
+  }
+  if (all <= most_dense_bytes / sizeof(Sum) && all <= products * words_of_product + 256) {
+    sliced_product<Sum, Left, Right> product(a, b, all);
+    product.pair_up();
+    return product.run(all);
+  }
+  return multiply_by_table<Sum>(a, b);
+}
+
+// Nothing when the budget or the limit of terms is used up. Both must be sorted by word, and so is the result.
+template <class Sum, class Left, class Right>
+std::optional<packed_poly<Sum>> multiply(poly_data& pdata, const layout& words, const packed_poly<Left>& a,
+                                         const packed_poly<Right>& b, std::uint64_t cost) {
+  if (!pdata.charge(std::uint64_t{a.size()} * b.size() * cost)) {
+    return std::nullopt;
+  }
+  return like_terms_collected<Sum>(words, a, b);
+}
+
+// ---- Polynomials as numbers: with room for every coefficient of the result, words are places of digits.
+
+class numeral {
+ public:
+  // Digits must hold a coefficient and its sign.
+  static numeral of(const packed_poly<exact>& p, std::size_t digit_limbs) {
+    const std::size_t limbs = (p.back().word + 1) * digit_limbs;
+    natural parts[2] = {natural(limbs), natural(limbs)};  // the positive digits, the negative ones
+    for (const auto& t : p) {
+      const std::vector<std::uint64_t> digit = magnitude_words(t.coef);
+      std::copy(digit.begin(), digit.end(),
+                parts[t.coef.sign() < 0 ? 1 : 0].begin() + static_cast<std::ptrdiff_t>(t.word * digit_limbs));
+    }
+    for (natural& part : parts) {
+      while (!part.empty() && part.back() == 0) {
+        part.pop_back();
+      }
+    }
+    const bool negative = natural_compare(parts[0], parts[1]) < 0;
+    return {negative, negative ? natural_subtract(parts[1], parts[0]) : natural_subtract(parts[0], parts[1])};
+  }
+  numeral operator*(const numeral& other) const {
+    return {negative_ != other.negative_, natural_multiply(value_, other.value_)};
+  }
+  numeral to_the(std::uint64_t exp) const { return {negative_ && exp % 2 != 0, natural_power(value_, exp)}; }
+
+  packed_poly<exact> digits(std::size_t digit_limbs) const {
+    packed_poly<exact> result;
+    natural rest = value_;
+    rest.resize((rest.size() / digit_limbs + 2) * digit_limbs);
+    constexpr std::uint64_t one[] = {1};
+    bool carry = false;  // a digit in the upper half is a negative one and takes 1 from the next
+    for (packed_word word = 0; (word + 1) * digit_limbs <= rest.size(); ++word) {
+      mp_limb_t* digit = rest.data() + word * digit_limbs;
+      const auto count = static_cast<mp_size_t>(digit_limbs);
+      carry = carry && mpn_add_1(digit, digit, count, 1) != 0;
+      const bool upper = (digit[digit_limbs - 1] >> 63U) != 0;
+      if (upper) {
+        mpn_neg(digit, digit, count);
+      }
+      const exact coef = exact_from_words(upper != negative_, trimmed({digit, digit_limbs}), one);
+      if (!coef.is_zero()) {
+        result.push_back({word, coef});
+      }
+      carry = carry || upper;
+    }
+    return result;
+  }
+
+ private:
+  numeral(bool negative, natural value) : negative_(negative), value_(std::move(value)) {}
+
+  static std::span<const std::uint64_t> trimmed(std::span<const std::uint64_t> words) {
+    while (!words.empty() && words.back() == 0) {
+      words = words.first(words.size() - 1);
+    }
+    return words;
+  }
+
+  bool negative_;
+  natural value_;
+};
+
+std::size_t digit_limbs_for(std::uint64_t bits) { return bits / 64 + 1; }
+
+std::uint64_t cost_of_numbers(std::uint64_t left_limbs, std::uint64_t right_limbs) {
+  return left_limbs * right_limbs / 32 + (left_limbs + right_limbs) * 4;
+}
+
+constexpr packed_word most_limbs = packed_word{1} << 20U;
+
+// Nothing where that is more work than multiplying by the base again and again. exp must be 2 or more.
+std::optional<packed_poly<exact>> power_as_number(poly_data& pdata, const packed_poly<exact>& base, std::uint64_t exp,
+                                                  std::uint64_t bits) {
+  const std::size_t digit_limbs = digit_limbs_for(bits);
+  const packed_word words = base.back().word * exp + 1;
+  if (words > most_limbs / digit_limbs || words > 4 * exp * base.size()) {
+    return std::nullopt;
+  }
+  const std::uint64_t limbs = words * digit_limbs;
+  const std::uint64_t cost = cost_of_numbers(limbs / 2, limbs / 2);
+  if (cost > exp * base.size() * words * cost_of_great_product / 2 || !pdata.charge(cost)) {
+    return std::nullopt;
+  }
+  return numeral::of(base, digit_limbs).to_the(exp).digits(digit_limbs);
+}
+
+// bits are those of the coefficients of the result.
+std::optional<packed_poly<exact>> multiply_great(poly_data& pdata, const layout& words, const packed_poly<exact>& a,
+                                                 const packed_poly<exact>& b, std::uint64_t bits) {
+  const std::size_t digit_limbs = digit_limbs_for(bits);
+  const packed_word left_words = a.back().word + 1;
+  const packed_word right_words = b.back().word + 1;
+  const std::uint64_t cost = cost_of_great_product + bits / 16;
+  if (std::max(left_words, right_words) <= most_limbs / digit_limbs) {
+    const std::uint64_t as_numbers = cost_of_numbers(left_words * digit_limbs, right_words * digit_limbs);
+    if (as_numbers < a.size() * b.size() * cost) {
+      return pdata.charge(as_numbers)
+                 ? std::optional((numeral::of(a, digit_limbs) * numeral::of(b, digit_limbs)).digits(digit_limbs))
+                 : std::nullopt;
+    }
+  }
+  return multiply<exact>(pdata, words, a, b, cost);
 }
 
 // ---- Products.
 
-template <class Coef>
-poly unpacked(poly_data& pdata, const layout& words, packed_poly<Coef> packed) {
+poly unpacked(poly_data& pdata, const layout& words, auto& packed) {
   poly result;
   result.reserve(packed.size());
   std::vector<factor> factors;
@@ -420,31 +652,97 @@ poly unpacked(poly_data& pdata, const layout& words, packed_poly<Coef> packed) {
   return result;
 }
 
-template <class Coef>
-poly packed_product(poly_data& pdata, const layout& words, std::span<const poly_power> powers) {
-  std::uint64_t bits = 0;  // of the coefficients so far, at most
-  packed_poly<Coef> result;
-  for (const poly_power& power : powers) {
-    const packed_poly<Coef> base = words.pack<Coef>(*power.base);
-    const packed_word range = words_of(base) - 1;
-    const std::uint64_t base_bits = bits_of(size_of(*power.base));
-    std::uint64_t left = power.exp;
-    if (result.empty()) {
-      result = base;
-      --left;
-    }
-    for (; left > 0; --left) {
-      bits += base_bits;
-      const std::uint64_t cost = std::is_same_v<Coef, exact> ? cost_of_great_product + bits / 16 : 1;
-      auto product = multiply(pdata, result, base, words_of(result) + range, cost);
-      if (!product) {
-        return poly_nan();
-      }
-      result = std::move(*product);
+template <class To, class From>
+packed_poly<To> converted(const packed_poly<From>& p) {
+  packed_poly<To> result;
+  result.reserve(p.size());
+  for (const auto& t : p) {
+    if constexpr (std::is_same_v<To, exact>) {
+      result.push_back({t.word, exact_of(t.coef)});
+    } else {
+      result.push_back({t.word, To(t.coef)});
     }
   }
-  return pdata.charge(result.size() * cost_of_term) ? unpacked(pdata, words, std::move(result)) : poly_nan();
+  return result;
 }
+
+// A product in the making, with coefficients as short as they may be.
+class packed_product {
+ public:
+  packed_product(poly_data& pdata, const layout& words) : pdata_(pdata), words_(words) {}
+
+  // False when the budget or the limit of terms is used up.
+  bool multiply_by(const poly_power& power) {
+    const coefficient_bound bound = coefficient_bound::of(*power.base);
+    return bound.is_wide() ? multiply_by(words_.pack<std::int64_t>(*power.base), power.exp, bound)
+                           : multiply_by(words_.pack<exact>(*power.base), power.exp, bound);
+  }
+
+  poly take() {
+    return std::visit(
+        [this](auto& terms) {
+          return pdata_.charge(terms.size() * cost_of_term) ? unpacked(pdata_, words_, terms) : poly_nan();
+        },
+        terms_);
+  }
+
+ private:
+  void make_great() {
+    if (const auto* small = std::get_if<packed_poly<std::int64_t>>(&terms_)) {
+      terms_ = converted<exact>(*small);
+    } else if (const auto* wide = std::get_if<packed_poly<wide_int>>(&terms_)) {
+      terms_ = converted<exact>(*wide);
+    }
+  }
+  bool keep(auto product) {
+    if (product) {
+      terms_ = std::move(*product);
+    }
+    return product.has_value();
+  }
+
+  template <class Coef>
+  bool multiply_by(const packed_poly<Coef>& base, std::uint64_t exp, const coefficient_bound& bound) {
+    if (const coefficient_bound whole = bound.to_the(exp); exp > 1 && !whole.is_wide()) {
+      if (const auto power = power_as_number(pdata_, converted<exact>(base), exp, whole.bits())) {
+        bound_ *= whole;
+        return multiply_by_great(*power);
+      }
+    }
+    for (; exp > 0; --exp) {
+      bound_ *= bound;
+      if (!multiply_once(base)) {
+        return false;
+      }
+    }
+    return true;
+  }
+
+  bool multiply_once(const packed_poly<exact>& base) { return multiply_by_great(base); }
+  bool multiply_once(const packed_poly<std::int64_t>& base) {
+    if (!bound_.is_wide()) {
+      return multiply_by_great(converted<exact>(base));
+    }
+    if (const auto* small = std::get_if<packed_poly<std::int64_t>>(&terms_)) {
+      return bound_.is_small() ? keep(multiply<std::int64_t>(pdata_, words_, *small, base, 1))
+                               : keep(multiply<wide_int>(pdata_, words_, *small, base, 1));
+    }
+    return keep(multiply<wide_int>(pdata_, words_, std::get<packed_poly<wide_int>>(terms_), base, 1));
+  }
+
+  bool multiply_by_great(const packed_poly<exact>& base) {
+    make_great();
+    auto& terms = std::get<packed_poly<exact>>(terms_);
+    return keep(multiply_great(pdata_, words_, terms, base, bound_.bits())) &&
+           std::all_of(terms.begin(), terms.end(), [](const auto& t) { return t.coef.is_known(); });
+  }
+
+  poly_data& pdata_;
+  const layout& words_;
+  coefficient_bound bound_;
+  std::variant<packed_poly<std::int64_t>, packed_poly<wide_int>, packed_poly<exact>> terms_ =
+      packed_poly<std::int64_t>{{0, 1}};
+};
 
 // Where exponents do not fit a word.
 poly plain_product(poly_data& pdata, std::span<const poly_power> powers) {
@@ -506,7 +804,6 @@ class prepared_product {
       }
     }
     sums_.push_back({base, power.exp});
-    bound_ = raised(bound_, *base, power.exp);
     return true;
   }
 
@@ -536,11 +833,10 @@ class prepared_product {
     if (!words) {
       return plain_product(pdata_, sums_);
     }
-    if (bound_ <= most_small) {
-      return packed_product<std::int64_t>(pdata_, *words, sums_);
-    }
-    return bound_ <= most_wide ? packed_product<wide_int>(pdata_, *words, sums_)
-                               : packed_product<exact>(pdata_, *words, sums_);
+    packed_product product(pdata_, *words);
+    const bool done =
+        std::all_of(sums_.begin(), sums_.end(), [&](const poly_power& p) { return product.multiply_by(p); });
+    return done ? product.take() : poly_nan();
   }
 
   poly_data& pdata_;
@@ -548,7 +844,6 @@ class prepared_product {
   monomial_id monomial_ = 0;
   std::deque<poly> whole_;  // bases with their denominators taken out
   std::vector<poly_power> sums_;
-  wide_int bound_ = 1;  // for the coefficients of the product
 };
 
 }  // namespace

@@ -142,6 +142,46 @@ TEST_F(poly_test, every_way_of_multiplying_gives_the_same) {
   }
 }
 
+// Words that fit an array, slices, a table and numbers, with coefficients of each length, against exponents that do not
+// fit a word.
+TEST_F(poly_test, arrays_tables_and_numbers_agree) {
+  struct shape {
+    std::uint64_t names;
+    int degree;
+    std::size_t terms;
+    std::int64_t step;  // of the exponents
+  };
+  std::mt19937 random(5);  // NOLINT: the same run every time
+  const auto below = [&random](auto n) { return static_cast<std::int64_t>(random() % static_cast<std::uint64_t>(n)); };
+  const poly aside = atom(99, cnum_from_int(std::int64_t{1} << 45U));
+  for (const shape& s : {shape{1, 300, 99, 1}, {2, 40, 40, 1}, {5, 4, 40, 1}, {3, 9, 40, 7000}, {7, 2, 40, 1}}) {
+    for (const exact& size : {exact(9), exact(std::int64_t{1} << 50U), *power(exact(7), 100)}) {
+      const auto some = [&] {
+        poly_sum sum(pdata);
+        for (std::size_t i = 0; i < s.terms; ++i) {
+          poly term = poly_const(size * (below(9) - 4) + below(9));
+          for (std::int64_t left = s.degree; left > 0 && !term.empty();) {
+            const std::int64_t exp = below(left + 1);
+            term = poly_mul(pdata, term,
+                            atom(1 + static_cast<std::uint64_t>(below(s.names)), cnum_from_int(exp * s.step)));
+            left -= exp + 1;
+          }
+          sum.add(term);
+        }
+        return sum.take();
+      };
+      const poly a = some();
+      const poly b = some();
+      const poly_power both[] = {{&a, 2}, {&b, 1}};
+      const poly in_words = poly_product(pdata, both);
+      const poly expected =
+          poly_mul(pdata, poly_mul(pdata, poly_mul(pdata, poly_add(pdata, a, aside), a), b), number(1));
+      const poly beside = poly_mul(pdata, poly_mul(pdata, a, b), aside);
+      EXPECT_TRUE(poly_eq(in_words, poly_sub(pdata, expected, beside))) << s.names << " " << to_string(size);
+    }
+  }
+}
+
 TEST_F(poly_test, an_exhausted_budget_is_not_a_number) {
   budget little(1000);
   poly_data small(little);
