@@ -203,14 +203,6 @@ struct assumed_infinities {
   bool any;
 };
 
-bool speaks_of_complex_values(term_ptr assumption, complex_values& complex) {
-  const term_list conjuncts = term_split_and(assumption);
-  return std::ranges::any_of(conjuncts, [&](term_ptr conjunct) {
-    const auto relation = pred_split(conjunct);
-    return relation && (complex.may_be_complex(relation->left) || complex.may_be_complex(relation->right));
-  });
-}
-
 }  // namespace
 
 bool solver_interval(term_ptr target, const solve_data& sdata) {
@@ -222,9 +214,7 @@ bool solver_interval(term_ptr target, const solve_data& sdata) {
   term_list more;
   append_layers(facts, list, more);
   // A name that turns out to be no real was read as one below.
-  if (!more.empty() && std::ranges::any_of(more, [&](term_ptr assumption) {
-        return speaks_of_complex_values(assumption, facts.table<complex_values>());
-      })) {
+  if (!more.empty() && facts.table<complex_values>().adds_to(list->table<complex_values>())) {
     list = &facts;
     more.clear();
   }

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "qv_solver_list/complex_values.h"
 #include "term/kinds.h"
 #include "term/term_split_combine.h"
 
@@ -129,10 +130,6 @@ bool is_membership(term_ptr head) {
   return head->type() == Pred && (head->pred() == Belong || head->pred() == NotBelong);
 }
 
-bool is_set_of_reals(term_ptr set) {
-  return set->type() == Const || (set->type() == Apply && set->head() >= IntervalLoRo && set->head() <= IntervalLcRc);
-}
-
 bool is_function_name(term_ptr t) { return t->type() == Var || t->type() == Oper; }
 
 term_ptr first_argument(term_ptr t) {
@@ -150,8 +147,19 @@ void value_kinds::add(term_ptr proposition) {
   }
 }
 
+// Only what holds: a premise, a case, and what is said of a bound name of the same spelling, hold of nothing else.
+void value_kinds::assume_reals(term_ptr assumption) {
+  for (term_ptr conjunct : term_split_and(assumption)) {
+    const auto view = pred_split(conjunct);
+    if (view && view->pred == Belong && is_set_of_reals(view->right)) {
+      reals_.insert(view->left->bare());
+    }
+  }
+}
+
 void value_kinds::visit(term_ptr t) {
-  if (is_constant(t, ComplexSet) && !complex_set_is_named_) {
+  const bool built_set = t->head() == SetEnum || t->head() == SetDesc;
+  if (!complex_set_is_named_ && (is_constant(t, ComplexSet) || (built_set && is_built_on_complex(t)))) {
     complex_set_is_named_ = true;
     settled_ = false;
   }
@@ -199,25 +207,28 @@ void value_kinds::visit_application(term_ptr head, term_ptr t) {
       mark(node->right(), value_kind::other);
     }
   }
-  if ((membership || is_pred(head, Subset)) && t->left()->type() == Apply) {
-    add_membership(t->left()->right(), t->right());
+  const auto view = pred_split(t);
+  if (view && (membership || view->pred == Subset)) {
+    add_membership(*view);
   }
-  if (const auto view = pred_split(t); view && (view->pred == Eq || view->pred == Neq || view->pred == IdentEq)) {
+  if (term_ptr element = said_to_be_no_real(t); element != nullptr) {
+    node_set seen;
+    put_into_complex(element, seen);
+  }
+  if (view && (view->pred == Eq || view->pred == Neq || view->pred == IdentEq)) {
     equations_.emplace_back(view->left, view->right);
     settled_ = false;
   }
 }
 
-// What stands in the set of complex numbers; or, once that set has a name or is part of another, in any set that is not
-// one of reals by its form.
-void value_kinds::add_membership(term_ptr elements, term_ptr set) {
-  if (is_constant(set, ComplexSet)) {
+// What stands in a set that is built on complex numbers; or, once such a set has a name or is part of another, in any
+// set that is not one of reals by its form.
+void value_kinds::add_membership(const prop& membership) {
+  if (is_built_on_complex(membership.right)) {
     node_set seen;
-    put_into_complex(elements, seen);
-  } else if (is_set_of_reals(set)) {
-    reals_.insert(elements->bare());
-  } else {
-    memberships_.push_back(elements);
+    put_into_complex(membership.left, seen);
+  } else if (!is_set_of_reals(membership.right)) {
+    memberships_.push_back(membership.left);
     settled_ = settled_ && !complex_set_is_named_;
   }
 }

@@ -14,6 +14,7 @@
 
 #include "term/ast.h"
 #include "term/node_memo.h"
+#include "term/term_split_combine.h"
 
 namespace vetro {
 
@@ -27,6 +28,10 @@ class value_kinds {
  public:
   // Takes in a proposition. Answers are for all that were taken in so far.
   void add(term_ptr proposition);
+  // What an assumption puts into a set of reals. Comes before all else is taken in.
+  void assume_reals(term_ptr assumption);
+  // Terms that are known to be complex, in bare form.
+  void add_complex(term_ptr t) { mark(t, value_kind::complex); }
   value_kind of(term_ptr t);
 
  private:
@@ -34,7 +39,7 @@ class value_kinds {
   void visit_application(term_ptr head, term_ptr t);
   void mark(term_ptr t, value_kind kind);
   void settle();
-  void add_membership(term_ptr elements, term_ptr set);
+  void add_membership(const prop& membership);
   void put_into_complex(term_ptr elements, node_set& seen);
   bool is_known_real(term_ptr t) const;
   value_kind by_form(term_ptr t);
@@ -44,9 +49,9 @@ class value_kinds {
   std::unordered_map<term_ptr, value_kind> marked_;  // bare terms
   node_memo<value_kind> known_;
   std::vector<std::pair<term_ptr, term_ptr>> equations_;
-  std::unordered_set<term_ptr> reals_;  // bare terms in sets of reals
+  std::unordered_set<term_ptr> reals_;  // bare terms in sets of reals by assumptions
   term_list memberships_;               // what stands in a set that may hold complex numbers
-  bool complex_set_is_named_ = false;   // the set of complex numbers stands elsewhere than to the right of ∈
+  bool complex_set_is_named_ = false;   // a set with complex numbers stands elsewhere than to the right of ∈
   bool settled_ = true;
 };
 

@@ -9,6 +9,7 @@
 #include "number/limits.h"
 #include "qv_solver_list/assumption_facts.h"
 #include "qv_solver_list/call_work.h"
+#include "qv_solver_list/complex_values.h"
 #include "qv_solver_list/logic/smt_models.h"
 #include "qv_solver_list/logic/smt_relevance.h"
 #include "qv_solver_list/logic/smt_translation.h"
@@ -27,7 +28,10 @@ enum class answer : unsigned char { no_translation, refuted, open };
 // A question under construction.
 class question {
  public:
-  question(term_span assumptions, term_ptr target) : assumptions_(assumptions), translation_(language_, kinds_) {
+  question(term_span assumptions, term_ptr target, const complex_values& complex)
+      : assumptions_(assumptions), translation_(language_, kinds_) {
+    std::ranges::for_each(assumptions, [this](term_ptr assumption) { kinds_.assume_reals(assumption); });
+    std::ranges::for_each(complex.named(), [this](term_ptr t) { kinds_.add_complex(t); });
     kinds_.add(target);
     for (term_ptr assumption : assumptions) {
       kinds_.add(assumption);
@@ -71,11 +75,11 @@ class question {
   smt_values model_;
 };
 
-answer refute(term_span assumptions, term_ptr target, smt_models& models, budget& work) {
+answer refute(term_span assumptions, term_ptr target, const complex_values& complex, smt_models& models, budget& work) {
   if (models.refute(assumptions, target)) {
     return answer::open;
   }
-  question asked(assumptions, target);
+  question asked(assumptions, target, complex);
   const smt_prop negated = asked.negated_target(target);
   if (negated == smt_none) {
     return answer::no_translation;
@@ -89,8 +93,8 @@ answer refute(term_span assumptions, term_ptr target, smt_models& models, budget
   return answer::open;
 }
 
-bool refute_alone(term_span assumptions, budget& work) {
-  question asked(assumptions, nullptr);
+bool refute_alone(term_span assumptions, const complex_values& complex, budget& work) {
+  question asked(assumptions, nullptr, complex);
   return asked.is_refuted(asked.truth(), work);
 }
 
@@ -99,9 +103,10 @@ bool refute_alone(term_span assumptions, budget& work) {
 bool solver_smt_lra(term_ptr target, const solve_data& sdata) {
   budget work(limits::smt_work, kernel_work_of_call());
   assumption_facts* list = &facts_of(sdata);
+  const complex_values& complex = list->table<complex_values>();
   smt_models& models = list->table<smt_models>();
   if (target == nullptr || sdata.assum.size() <= short_list) {
-    return refute(sdata.assum, target, models, work) == answer::refuted;
+    return refute(sdata.assum, target, complex, models, work) == answer::refuted;
   }
   term_list above;  // of the layers on top of the list
   for (; list->below() != nullptr; list = list->below()) {
@@ -112,13 +117,13 @@ bool solver_smt_lra(term_ptr target, const solve_data& sdata) {
   asked.push_back(target);
   term_list assumptions = relevance.relevant_to(asked);
   assumptions.insert(assumptions.end(), above.begin(), above.end());
-  const answer of_relevant = refute(assumptions, target, models, work);
+  const answer of_relevant = refute(assumptions, target, complex, models, work);
   if (of_relevant != answer::open || work.exhausted() || relevance.is_contradictory()) {
     return of_relevant == answer::refuted || (of_relevant == answer::open && relevance.is_contradictory());
   }
   relevance.relevant_are_consistent();
   const term_list others = relevance.others();
-  if (!others.empty() && refute_alone(others, work)) {
+  if (!others.empty() && refute_alone(others, complex, work)) {
     relevance.contradicts_itself();
   } else if (!work.exhausted()) {
     relevance.others_are_consistent();

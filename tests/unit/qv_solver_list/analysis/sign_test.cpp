@@ -205,13 +205,28 @@ TEST_F(signs, nothing_is_said_of_other_things) {
             {{"S = ComplexSet", "z ∈ S"}, "z^2 ≥ 0"},
             {{"2 * z = __IMAGINARY_UNIT__"}, "z^2 ≥ 0"},
             {{"z = __IMAGINARY_UNIT__"}, "z^2 ≥ 0"},
+            {{"p = 1 ∨ z = __IMAGINARY_UNIT__"}, "z^2 ≥ 0"},
+            {{"exists (w), w = __IMAGINARY_UNIT__ ∧ z = w"}, "z^2 ≥ 0"},
+            {{"exists (w ∈ ComplexSet), z = w"}, "z^2 ≥ 0"},
+            {{"w ∈ ComplexSet", "p = 1 ⇒ z = w"}, "z^2 ≥ 0"},
+            {{"forall (x), f(x) = __IMAGINARY_UNIT__ * x"}, "f(1)^2 ≥ 0"},
+            {{"z ∈ { __IMAGINARY_UNIT__, 1 }"}, "z^2 ≥ 0"},
+            {{"S = { __IMAGINARY_UNIT__, 1 }", "z ∈ S"}, "z^2 ≥ 0"},
+            {{"forall (y), y ∈ S ⇒ y = __IMAGINARY_UNIT__", "z ∈ S"}, "z^2 ≥ 0"},
+            {{"S ⊆ ComplexSet", "IsFuncOn(f, RealSet, S)"}, "f(1)^2 ≥ 0"},
+            {{"z ∉ RealSet"}, "z^2 ≥ 0"},
+            {{"p = 1 ∨ ¬(z ∈ RealSet)"}, "z^2 ≥ 0"},
             {{}, "__IMAGINARY_UNIT__^2 ≥ 0"},
             {{"x = ±1"}, "x^2 ± 1 ≥ 0"},
             {{}, "∞ - ∞ ≥ 0"},
             {{}, "1 + 2 + ... + n ≥ 0"},
             {{"x ± y > 0"}, "x ± y ≥ 0"}});
   }
-  expect(solver_sgn_pure, true, {{{"z ∈ ComplexSet", "z ∈ RealSet"}, "z^2 ≥ 0"}});
+  expect(solver_sgn_pure, true,
+         {{{"z ∈ ComplexSet", "z ∈ RealSet"}, "z^2 ≥ 0"},
+          {{"forall (x), f(x) = __IMAGINARY_UNIT__ * x"}, "x^2 ≥ 0"},
+          {{"exists (w ∈ ComplexSet), r = |w|"}, "r^2 ≥ 0"},
+          {{"p = 1 ∨ w = __IMAGINARY_UNIT__", "x ∈ S"}, "x^2 ≥ 0"}});
 }
 
 // The nesting limit counts questions that lie inside one another.
