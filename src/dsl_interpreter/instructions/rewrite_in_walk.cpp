@@ -21,11 +21,18 @@ namespace {
 class walker {
  public:
   walker(term_ptr from, term_ptr to, rewrite_in_state& state)
-      : state_(state), names_(state.rule, state.sdata, from, to) {}
+      : state_(state),
+        names_(state.rule, state.sdata, from, to),
+        something_is_complex_(from != nullptr &&
+                              (speaks_of_complex(from) || !complex_values_of(state.sdata).named().empty())) {
+    assume_complex_by({from});
+  }
 
   bool walk(const opened_part& from, const opened_part& to) { return equal(from, to) || walk_different(from, to); }
 
  private:
+  static complex_values& complex_values_of(const solve_data& sdata) { return facts_of(sdata).table<complex_values>(); }
+
   static bool equal(const opened_part& from, const opened_part& to) {
     return rewrite_in_alpha_eqb(from.term(), to.term());
   }
@@ -105,12 +112,47 @@ class walker {
   }
 
   bool walk_context(const opened_part& from, const opened_part& to) {
-    const std::size_t outside = names_.count();
-    const bool fits = state_.context == rewrite_in_limit ? walk_limit(from, to)
-                      : state_.context == rewrite_in_sum ? walk_sum(from, to)
-                                                         : walk_setdesc(from, to);
-    names_.leave_to(outside);
+    return inside([&] {
+      return state_.context == rewrite_in_limit ? walk_limit(from, to)
+             : state_.context == rewrite_in_sum ? walk_sum(from, to)
+                                                : walk_setdesc(from, to);
+    });
+  }
+
+  // What is opened and assumed meanwhile is in force no longer afterwards.
+  template <class F>
+  bool inside(F walk_it) {
+    const std::size_t names_outside = names_.count();
+    const solve_data outside = state_.sdata;
+    const bool fits = walk_it();
+    state_.sdata = outside;
+    names_.leave_to(names_outside);
     return fits;
+  }
+
+  // Premises hold of what stands in the formula. What the formula itself, or a part that has been opened, puts into the
+  // complex numbers is not taken for real in them.
+  void assume_complex_by(const term_list& statements) {
+    if (!something_is_complex_) {
+      return;
+    }
+    complex_values& known = complex_values_of(state_.sdata);
+    const solve_data with_statements = with_assumptions(state_.sdata, statements);
+    complex_values& said = complex_values_of(with_statements);
+    term_list complex;
+    if (said.sets_may_be_complex() && !known.sets_may_be_complex()) {
+      complex.push_back(make_binPred_prop(Subset, mk_const(EmptySet), mk_const(ComplexSet)));
+    }
+    for (term_ptr statement : statements) {
+      for (term_ptr name : plain_free_variables(statement)) {
+        if (said.may_be_complex(name) && !known.may_be_complex(name)) {
+          complex.push_back(make_binPred_prop(Belong, name, mk_const(ComplexSet)));
+        }
+      }
+    }
+    if (!complex.empty()) {
+      state_.sdata = with_assumptions(state_.sdata, complex);
+    }
   }
 
   // The node as one of its contexts, settled where it binds a name again that an opened binder around it had.
@@ -163,16 +205,13 @@ class walker {
       return fail("unsupported limit context for rewrite_in limit");
     }
     const term_ptr name = open(*a, *b, term_list{a->point, a->body, b->point, b->body});
-    const solve_data outside = state_.sdata;
     assume_near(from.part(a->point).term(), name);
-    const bool fits = walk_limit_body(from, to, *a, *b, name);
-    state_.sdata = outside;
-    return fits;
+    return walk_limit_body(from, to, *a, *b, name);
   }
 
   // What comes near a point that is not real need not be real, neither here nor in the limits inside.
   void assume_near(term_ptr point, term_ptr name) {
-    if (point != nullptr && name != nullptr && facts_of(state_.sdata).table<complex_values>().may_be_complex(point)) {
+    if (point != nullptr && name != nullptr && complex_values_of(state_.sdata).may_be_complex(point)) {
       const term_ptr complex = make_binPred_prop(Belong, name, mk_const(ComplexSet));
       state_.sdata = with_assumptions(state_.sdata, term_list{complex});
     }
@@ -284,6 +323,7 @@ class walker {
     if (try_rewrite_direct_setdesc(old_form, new_form, a->var)) {
       return true;
     }
+    assume_complex_by(old_form.conditions);
     if (state_.first_failed_condition != nullptr) {
       return false;
     }
@@ -383,10 +423,7 @@ class walker {
     if (!same_kind || a->vars().size() != b->vars().size()) {
       return false;
     }
-    const std::size_t outside = names_.count();
-    const bool fits = open_entries(from, to);
-    names_.leave_to(outside);
-    return fits;
+    return inside([&] { return open_entries(from, to); });
   }
 
   // Enters the variables from the left to the right; each stands over the entries behind it.
@@ -401,6 +438,11 @@ class walker {
       const term_ptr name = open(*a, *b, behind);
       from = from.under(a->var, name, behind[0]);
       to = to.under(b->var, name, behind[1]);
+      if (something_is_complex_) {
+        const term_ptr domain = a->relation ? from.part(a->domain).term() : nullptr;
+        assume_complex_by(domain == nullptr ? term_list{from.term()}
+                                            : term_list{make_binPred_prop(*a->relation, name, domain), from.term()});
+      }
     }
     if (from.written()->type() != TermList) {
       return walk_different(from, to);
@@ -458,6 +500,7 @@ class walker {
 
   rewrite_in_state& state_;
   opened_names names_;
+  bool something_is_complex_;
 };
 
 }  // namespace

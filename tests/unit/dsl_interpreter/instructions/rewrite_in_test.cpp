@@ -223,21 +223,29 @@ TEST_F(rewrite_in_test, eventual_premises) {
   }
   const char* natural = "forall (x), x ∈ NatPlus ∧ x ∈ Rational ⇒ f(x) = g(x)";
   const char* square = "forall (x), x^2 + 1 > 0 ⇒ f(x) = g(x)";
-  expect_all("limit", {
-                          {square, "lim_{y → __IMAGINARY_UNIT__}(lim_{x → y}(f(x))) = c",
-                           "lim_{y → __IMAGINARY_UNIT__}(lim_{x → y}(g(x))) = c", not_eventually("x^{2} + 1 > 0")},
-                          {square, "lim_{y → __IMAGINARY_UNIT__}(lim_{x → 0}(f(y))) = c",
-                           "lim_{y → __IMAGINARY_UNIT__}(lim_{x → 0}(g(y))) = c", not_eventually("y^{2} + 1 > 0")},
-                          {square, "lim_{y → 0}(lim_{x → y}(f(x))) = c", "lim_{y → 0}(lim_{x → y}(g(x))) = c", ""},
-                          {natural, "seqlim_{n → ∞}(f(n)) = c", "seqlim_{n → ∞}(g(n)) = c", ""},
-                          {natural, "seqlim_{n → ∞}(f(n + 1)) = c", "seqlim_{n → ∞}(g(n + 1)) = c",
-                           not_eventually("n + 1 ∈ PosIntegerSet")},
-                          // Contexts in which nothing is eventually true, premises or not.
-                          {rule, "seqlim_{n → 0}(f(n)) = c", "seqlim_{n → 0}(g(n)) = c", unsupported_limit},
-                          {rule, "lim_{x → ∞^+}(f(x)) = c", "lim_{x → ∞^+}(g(x)) = c", unsupported_limit},
-                          {rule, "lim_{x → ∞ + 1}(f(x)) = c", "lim_{x → ∞ + 1}(g(x)) = c", unsupported_limit},
-                          {rule, "lim_{|x - a| → 0}(f(x)) = c", "lim_{|x - a| → 0}(g(x)) = c", unsupported_limit},
-                      });
+  expect_all("limit",
+             {
+                 {square, "lim_{y → __IMAGINARY_UNIT__}(lim_{x → y}(f(x))) = c",
+                  "lim_{y → __IMAGINARY_UNIT__}(lim_{x → y}(g(x))) = c", not_eventually("x^{2} + 1 > 0")},
+                 {square, "lim_{y → __IMAGINARY_UNIT__}(lim_{x → 0}(f(y))) = c",
+                  "lim_{y → __IMAGINARY_UNIT__}(lim_{x → 0}(g(y))) = c", not_eventually("y^{2} + 1 > 0")},
+                 {square, "lim_{y → 0}(lim_{x → y}(f(x))) = c", "lim_{y → 0}(lim_{x → y}(g(x))) = c", ""},
+                 {square, "y > 0 ⇒ lim_{x → 0}(f(y)) = c", "y > 0 ⇒ lim_{x → 0}(g(y)) = c", ""},
+                 {square, "y ∈ Complex ⇒ lim_{x → 0}(f(y)) = c", "y ∈ Complex ⇒ lim_{x → 0}(g(y)) = c",
+                  not_eventually("y^{2} + 1 > 0")},
+                 {square, "forall (y ∈ Complex), lim_{x → 0}(f(y)) = c", "forall (y ∈ Complex), lim_{x → 0}(g(y)) = c",
+                  not_eventually("y^{2} + 1 > 0")},
+                 {square, "exists (y), y = __IMAGINARY_UNIT__ ∧ lim_{x → 0}(f(y)) = c",
+                  "exists (y), y = __IMAGINARY_UNIT__ ∧ lim_{x → 0}(g(y)) = c", not_eventually("y^{2} + 1 > 0")},
+                 {natural, "seqlim_{n → ∞}(f(n)) = c", "seqlim_{n → ∞}(g(n)) = c", ""},
+                 {natural, "seqlim_{n → ∞}(f(n + 1)) = c", "seqlim_{n → ∞}(g(n + 1)) = c",
+                  not_eventually("n + 1 ∈ PosIntegerSet")},
+                 // Contexts in which nothing is eventually true, premises or not.
+                 {rule, "seqlim_{n → 0}(f(n)) = c", "seqlim_{n → 0}(g(n)) = c", unsupported_limit},
+                 {rule, "lim_{x → ∞^+}(f(x)) = c", "lim_{x → ∞^+}(g(x)) = c", unsupported_limit},
+                 {rule, "lim_{x → ∞ + 1}(f(x)) = c", "lim_{x → ∞ + 1}(g(x)) = c", unsupported_limit},
+                 {rule, "lim_{|x - a| → 0}(f(x)) = c", "lim_{|x - a| → 0}(g(x)) = c", unsupported_limit},
+             });
 }
 
 TEST_F(rewrite_in_test, sums) {
@@ -290,6 +298,7 @@ TEST_F(rewrite_in_test, sums) {
 TEST_F(rewrite_in_test, set_descriptions) {
   const std::string closed = not_obtained("setdesc");
   const char* big_value = "forall (x), f(x) > 1 ⇒ f(x) = g(x)";
+  const char* square = "forall (x), x^2 + 1 > 0 ⇒ f(x) = g(x)";
   const std::string other_binder =
       "rewrite_in setdesc failed: binder map right side must be the current set description binder\n";
   expect_all(
@@ -302,6 +311,13 @@ TEST_F(rewrite_in_test, set_descriptions) {
            "{ g(x) | 0 < x < 1, c = 1 } = A", ""},
           {"forall (x), 0 < x < 1 ⇒ f(x) = g(x)", "{ f(x) | 0 < x < 1 ∧ x ∈ S } = A",
            "{ g(x) | 0 < x < 1 ∧ x ∈ S } = A", ""},
+          {square, "{ f(x) | x ∈ S } = A", "{ g(x) | x ∈ S } = A", ""},
+          {square, "{ f(x) | x ∈ S } = A", "{ g(x) | x ∈ S } = A", not_implied("x^{2} + 1 > 0"), {"S ⊆ Complex"}},
+          {square, "{ f(x) | x ∈ { __IMAGINARY_UNIT__, 1 } } = A", "{ g(x) | x ∈ { __IMAGINARY_UNIT__, 1 } } = A",
+           not_implied("x^{2} + 1 > 0")},
+          {square, "{ { f(x) | x = y } | y ∈ Complex } = A", "{ { g(x) | x = y } | y ∈ Complex } = A",
+           not_implied("x^{2} + 1 > 0")},
+          {square, "{ f(x) | x ∉ Real } = A", "{ g(x) | x ∉ Real } = A", not_implied("x^{2} + 1 > 0")},
           // What is rewritten in a condition rests on the other conditions only.
           {big_value, "{ x | x ∈ S, f(x) > 1 } = A", "{ x | x ∈ S, g(x) > 1 } = A", not_implied("f(x) > 1")},
           {big_value, "{ x | f(x) > 1, f(x) < 9 } = A", "{ x | f(x) > 1, g(x) < 9 } = A", ""},
